@@ -1,0 +1,98 @@
+# Settings and commands for all units.
+#
+# Two flavours are built from one tree. The product flavour (WIN32) is cross-built and runs under Wine.
+# The native flavour holds only what needs no Windows and runs under sanitizers (TARNHD_SANITIZE).
+
+set(CMAKE_CXX_STANDARD 20)
+set(CMAKE_CXX_STANDARD_REQUIRED ON)
+set(CMAKE_CXX_EXTENSIONS OFF)
+set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
+if(NOT CMAKE_BUILD_TYPE)
+    set(CMAKE_BUILD_TYPE RelWithDebInfo)
+endif()
+set(CMAKE_CXX_FLAGS_RELWITHDEBINFO "-O2 -g1")
+
+add_compile_options(-Wall -Wextra -Wshadow -Wnon-virtual-dtor -Werror
+    -ffile-prefix-map=${CMAKE_SOURCE_DIR}/=)
+if(WIN32)
+    enable_language(RC)
+    add_compile_definitions(UNICODE _UNICODE WIN32_LEAN_AND_MEAN NOMINMAX _WIN32_WINNT=0x0601)
+    # The host and its libraries call with a stack aligned to four bytes only.
+    add_compile_options(-mstackrealign)
+    add_link_options(-static -static-libgcc -static-libstdc++)
+    set(CMAKE_RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/bin)
+    set(CMAKE_LIBRARY_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/bin)
+else()
+    add_compile_definitions(_GLIBCXX_ASSERTIONS)
+    find_package(Threads REQUIRED)
+    link_libraries(Threads::Threads)
+endif()
+if(TARNHD_SANITIZE)
+    add_compile_options(-fsanitize=${TARNHD_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
+    add_link_options(-fsanitize=${TARNHD_SANITIZE})
+endif()
+
+# Header-only libraries are copied out of the system's include folder one by one: that folder itself
+# must not be seen by the cross compiler.
+set(header_libraries ${CMAKE_BINARY_DIR}/header-libraries)
+foreach(library nlohmann CLI spdlog)
+    if(EXISTS /usr/include/${library} AND NOT EXISTS ${header_libraries}/${library})
+        file(COPY /usr/include/${library} DESTINATION ${header_libraries})
+    endif()
+endforeach()
+add_library(header-libraries INTERFACE)
+target_include_directories(header-libraries SYSTEM INTERFACE ${header_libraries})
+
+# tarnhd_library(NAME [PORTABLE source...] [WINDOWS source...] [LINKS target...] [WINDOWS_LINKS target...])
+# A static library of a unit: include/ is what others may use. In the native flavour WINDOWS sources
+# are left out, and a library without PORTABLE sources is not made.
+function(tarnhd_library name)
+    cmake_parse_arguments(arg "" "" "PORTABLE;WINDOWS;LINKS;WINDOWS_LINKS" ${ARGN})
+    set(sources ${arg_PORTABLE})
+    if(WIN32)
+        list(APPEND sources ${arg_WINDOWS})
+    endif()
+    if(sources)
+        add_library(${name} STATIC ${sources})
+        set(visibility PUBLIC)
+    elseif(WIN32 OR NOT arg_WINDOWS)
+        add_library(${name} INTERFACE)
+        set(visibility INTERFACE)
+    else()
+        return()
+    endif()
+    target_include_directories(${name} ${visibility} ${CMAKE_CURRENT_SOURCE_DIR}/include)
+    target_link_libraries(${name} ${visibility} ${arg_LINKS})
+    if(WIN32)
+        target_link_libraries(${name} ${visibility} ${arg_WINDOWS_LINKS})
+    endif()
+endfunction()
+
+# tarnhd_test(NAME SOURCES source... [LINKS target...] [NATIVE] [SERIAL] [REAL_LOG])
+# A GoogleTest program; each case is a ctest test. Without NATIVE it is made in the product flavour
+# only. SERIAL: it uses the product's fixed system names (events, mutexes, registry keys), so no other
+# SERIAL test runs beside it. REAL_LOG: links the real logger instead of the one that captures lines.
+function(tarnhd_test name)
+    cmake_parse_arguments(arg "NATIVE;SERIAL;REAL_LOG" "" "SOURCES;LINKS" ${ARGN})
+    if(NOT WIN32 AND NOT arg_NATIVE)
+        return()
+    endif()
+    add_executable(${name} ${arg_SOURCES})
+    target_include_directories(${name} PRIVATE ${CMAKE_SOURCE_DIR}/tests/support/include)
+    target_link_libraries(${name} PRIVATE ${arg_LINKS} gmock_main header-libraries)
+    target_precompile_headers(${name} PRIVATE <gmock/gmock.h> <gtest/gtest.h> <string> <vector> <memory>)
+    if(arg_REAL_LOG)
+        target_link_libraries(${name} PRIVATE logging-backend)
+    else()
+        target_link_libraries(${name} PRIVATE log-capture)
+    endif()
+    if(NOT WIN32)
+        target_link_libraries(${name} PRIVATE native-twins)
+    endif()
+    set(properties TIMEOUT 120)
+    if(arg_SERIAL)
+        list(APPEND properties RESOURCE_LOCK product-names)
+    endif()
+    gtest_discover_tests(${name} TEST_PREFIX ${name}. DISCOVERY_MODE PRE_TEST DISCOVERY_TIMEOUT 60
+        PROPERTIES ${properties})
+endfunction()

@@ -1,0 +1,98 @@
+# Sourced by ./run: one function per command.
+
+flavours=(product asan tsan)
+
+command_help() {
+    cat <<'END'
+usage: ./run COMMAND [ARGS]
+
+  demo               build, then show a remote scan request from the store key to the acknowledgement
+  test [-R REGEX]    build and run all tests: under Wine, and natively under the sanitizers
+       [--flavour F]   only product, asan or tsan
+       [--fresh-prefix]  in a new Wine prefix
+  build [TARGET...]  build the 32-bit Windows flavour
+  bench [ARGS]       build and run the benchmarks, pinned to one core
+  lint               check the format and run the static checks
+  host -- ARGS       run the console host under Wine: ./run host -- --help
+  wine PROGRAM ARGS  run any program under the project's Wine
+  setup              install packages and make the Wine root, nothing else
+  clean              remove what was built here (the Wine root in the cache folder stays)
+END
+}
+
+command_setup() {
+    install_packages "${build_packages[@]}"
+    wine_setup
+}
+
+# One build at a time on a machine: each takes both cores.
+build_flavour() {
+    local flavour=$1
+    shift
+    install_packages "${build_packages[@]}"
+    mkdir -p "$wine_cache" "$project/build"
+    (
+        flock 9
+        cd "$project" || exit 1
+        if [ ! -e "build/$flavour/build.ninja" ]; then
+            say "configuring $flavour"
+            cmake --preset "$flavour" >"build/$flavour.log" 2>&1 || { cat "build/$flavour.log" >&2; exit 1; }
+        fi
+        say "building $flavour"
+        cmake --build --preset "$flavour" ${1:+--target "$@"}
+    ) 9>"$wine_cache/build.lock" || die "the $flavour flavour does not build"
+}
+
+command_build() {
+    build_flavour product "$@"
+}
+
+test_flavour() {
+    local flavour=$1
+    shift
+    say "testing $flavour"
+    (cd "$project/build/$flavour" && ctest --output-on-failure -j "$(nproc)" --no-tests=error "$@")
+}
+
+command_test() {
+    local selected=("${flavours[@]}") failed=() flavour
+    local -a arguments=()
+    while [ $# -gt 0 ]; do
+        case $1 in
+            --flavour) selected=("$2"); shift 2 ;;
+            --fresh-prefix) wine_setup; wine_stop; rm -rf "$wine_prefix"; shift ;;
+            *) arguments+=("$1"); shift ;;
+        esac
+    done
+    for flavour in "${selected[@]}"; do build_flavour "$flavour"; done
+    # The product flavour comes last: its summary closes the output.
+    for flavour in asan tsan product; do
+        [[ " ${selected[*]} " == *" $flavour "* ]] || continue
+        if [ "$flavour" = product ]; then
+            wine_start
+            trap wine_stop EXIT
+        fi
+        test_flavour "$flavour" "${arguments[@]}" || failed+=("$flavour")
+    done
+    [ ${#failed[@]} -eq 0 ] || die "tests failed in: ${failed[*]}"
+}
+
+command_host() {
+    [ "${1:-}" = -- ] && shift
+    build_flavour product tarnhost tarnhd tarnag >&2
+    wine_start
+    wine_command wine "$project/build/product/bin/tarnhost.exe" "$@"
+}
+
+# Used as ctest's emulator: no build, no messages. TARNHD_* variables reach the program.
+command_wine() {
+    wine_setup
+    local name
+    for name in "${!TARNHD_@}" "${!GTEST_@}"; do wine_extra_env+=("$name=${!name}"); done
+    wine_command wine "$@"
+}
+
+command_clean() {
+    if [ -d "$wine_prefix" ]; then wine_setup; wine_stop; fi
+    rm -rf "$project/build"
+}

@@ -1,0 +1,24 @@
+#pragma once
+
+#include <atomic>
+
+/// What the front-end needs of the back-end: the process-wide logger's level and one printf-style
+/// entry. Levels are the back-end's: 1 fatal, 2 error, 3 warning, 4 info, 5 debug, 6 verbose.
+namespace VxQrlLogging {
+
+namespace details {
+/// Mirrors the level of the process-wide logger; 0 filters everything. Written by that logger only.
+extern std::atomic<int> processLevel;
+} // namespace details
+
+/// Whether a message of this level passes the process-wide logger. One comparison; any thread.
+inline bool isEnabled(int level) noexcept
+{
+    return level <= details::processLevel.load(std::memory_order_relaxed);
+}
+
+/// Writes one record through the process-wide logger. The format is printf's with UTF-8 text. Any
+/// thread; never throws; keeps the thread's last error.
+void log(int level, const char* format, ...) noexcept;
+
+} // namespace VxQrlLogging

@@ -1,0 +1,49 @@
+#pragma once
+
+#include <cstddef>
+#include <span>
+#include <vector>
+
+namespace vx {
+
+/// Something whose handle a thread can wait on.
+class IWaitable {
+public:
+    virtual ~IWaitable() = default;
+    /// The native handle; borrowed.
+    virtual void* getHandle() const = 0;
+};
+
+namespace sync {
+
+/// Milliseconds; the system's INFINITE.
+inline constexpr unsigned long infinite = 0xFFFFFFFF;
+
+namespace details {
+bool waitForSingleObject(void* handle, unsigned long timeoutMs);
+/// The index of the handle that fired; handles.size() on an empty list.
+std::size_t waitForMultipleObjects(std::span<void* const> handles);
+} // namespace details
+
+/// Blocks until the object fires: true, also for an abandoned mutex. False on a time-out. Throws
+/// Win32Exception "wait failed".
+inline bool waitForSingleObject(const IWaitable& waitable, unsigned long timeoutMs)
+{
+    return details::waitForSingleObject(waitable.getHandle(), timeoutMs);
+}
+
+/// Blocks without a time-out until any object fires and gives its iterator; the earlier one in the list
+/// when several have. Elements are pointers of any kind to IWaitable. An empty list gives its end at
+/// once. Throws Win32Exception "wait failed".
+template <typename List>
+auto waitForMultipleObjects(const List& list)
+{
+    std::vector<void*> handles;
+    for (const auto& waitable : list)
+        handles.push_back(waitable->getHandle());
+    return std::next(std::begin(list), static_cast<std::ptrdiff_t>(details::waitForMultipleObjects(handles)));
+}
+
+} // namespace sync
+
+} // namespace vx

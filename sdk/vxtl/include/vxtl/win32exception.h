@@ -1,0 +1,21 @@
+#pragma once
+
+#include "vxtl/errorcodeexception.h"
+
+namespace vx {
+
+/// Failed system calls; codes are those of GetLastError and of the registry's status results.
+struct Win32ErrorCategory {
+    static constexpr const wchar_t* label = L"Win32Exception";
+    /// The system's text of the code with its line end; empty when there is none. Never throws.
+    static std::wstring emptyReason(unsigned long code) noexcept;
+};
+
+/// unsigned long is the system's DWORD.
+using Win32Exception = ErrorCodeException<Win32ErrorCategory, unsigned long>;
+
+} // namespace vx
+
+/// Throws a Win32Exception: VX_THROW_WIN32(code) or VX_THROW_WIN32(code, L"reason"). Capture the code
+/// right after the failed call. Without a reason the system's text of the code stands in.
+#define VX_THROW_WIN32(code, ...) VX_THROW(::vx::Win32Exception, code, std::wstring(__VA_ARGS__))

@@ -1,0 +1,104 @@
+#include "vxtl/exception.h"
+
+#include "vxtl/str.h"
+
+#include <sstream>
+
+namespace vx {
+
+namespace {
+
+std::shared_ptr<const std::wstring> share(const wchar_t* text)
+{
+    return std::make_shared<const std::wstring>(text ? text : L"");
+}
+
+} // namespace
+
+BaseException::BaseException(const wchar_t* reason, const wchar_t* function, const wchar_t* file, unsigned line)
+    : m_reason(share(reason)), m_function(share(function)), m_file(share(file)), m_line(line)
+{
+}
+
+BaseException::BaseException(const std::wstring& reason, const wchar_t* function, const wchar_t* file, unsigned line)
+    : BaseException(reason.c_str(), function, file, line)
+{
+}
+
+// The report caches stay behind: a copy may go to another thread, and they are not locked.
+BaseException::BaseException(const BaseException& other) noexcept
+    : std::exception(other), m_reason(other.m_reason), m_function(other.m_function), m_file(other.m_file),
+      m_line(other.m_line)
+{
+}
+
+BaseException& BaseException::operator=(const BaseException& other) noexcept
+{
+    m_reason = other.m_reason;
+    m_function = other.m_function;
+    m_file = other.m_file;
+    m_line = other.m_line;
+    m_wideReport.reset();
+    m_narrowReport.reset();
+    return *this;
+}
+
+BaseException::~BaseException() = default;
+
+const char* BaseException::what() const noexcept
+{
+    try {
+        if (!m_narrowReport)
+            m_narrowReport = std::make_shared<const std::string>(str::toMultibyte(wideWhat()));
+        return m_narrowReport->c_str();
+    } catch (...) {
+        return "";
+    }
+}
+
+const wchar_t* BaseException::wideWhat() const
+{
+    if (!m_wideReport) {
+        std::wostringstream stream;
+        report(stream);
+        m_wideReport = std::make_shared<const std::wstring>(stream.str());
+    }
+    return m_wideReport->c_str();
+}
+
+void BaseException::report(std::wostream& stream) const
+{
+    stream << L"Type: vx::BaseException, Reason: " << reason();
+    reportPlace(stream);
+}
+
+void BaseException::reportPlace(std::wostream& stream) const
+{
+    stream << L", Function: " << *m_function << L", File: " << *m_file << L", Line: " << m_line;
+}
+
+std::wstring details::widenSource(std::string_view text)
+{
+    return {text.begin(), text.end()};
+}
+
+namespace logging {
+
+LogStream& operator<<(LogStream& stream, const std::exception& exception) noexcept
+{
+    if (!stream.isEnabled())
+        return stream;
+    stream << "Exception occurred. ";
+    try {
+        const auto* own = dynamic_cast<const BaseException*>(&exception);
+        const std::wstring text = own ? std::wstring(own->wideWhat()) : str::toUnicode(exception.what());
+        stream << str::toMultibyte(text);
+    } catch (...) {
+        stream << "Serious Error: Exception occurred during another exception tracing.";
+    }
+    return stream;
+}
+
+} // namespace logging
+
+} // namespace vx

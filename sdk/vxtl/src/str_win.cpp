@@ -1,0 +1,77 @@
+#include "vxtl/str.h"
+
+#include "vxtl/win32exception.h"
+
+#include <windows.h>
+
+namespace vx::str {
+
+namespace {
+
+constexpr std::size_t longestText = 0x7FFFFFFF;
+
+std::string narrow(UINT codePage, DWORD flags, std::wstring_view text)
+{
+    const int length = static_cast<int>(text.size());
+    const int bytes = WideCharToMultiByte(codePage, flags, text.data(), length, nullptr, 0, nullptr, nullptr);
+    std::string result(bytes > 0 ? static_cast<std::size_t>(bytes) : 0, '\0');
+    if (bytes > 0)
+        WideCharToMultiByte(codePage, flags, text.data(), length, result.data(), bytes, nullptr, nullptr);
+    return result;
+}
+
+std::wstring widen(UINT codePage, DWORD flags, std::string_view text)
+{
+    const int length = static_cast<int>(text.size());
+    const int characters = MultiByteToWideChar(codePage, flags, text.data(), length, nullptr, 0);
+    std::wstring result(characters > 0 ? static_cast<std::size_t>(characters) : 0, L'\0');
+    if (characters > 0)
+        MultiByteToWideChar(codePage, flags, text.data(), length, result.data(), characters);
+    return result;
+}
+
+} // namespace
+
+// The system calls refuse an empty text, so it never reaches them.
+
+std::string toMultibyte(std::wstring_view text)
+{
+    if (text.size() > longestText)
+        VX_THROW(BaseException, L"Too long string");
+    std::string result = narrow(CP_ACP, 0, text);
+    if (result.empty() && !text.empty())
+        VX_THROW_WIN32(GetLastError());
+    return result;
+}
+
+std::wstring toUnicode(std::string_view text)
+{
+    if (text.size() > longestText)
+        VX_THROW(BaseException, L"Too long string");
+    std::wstring result = widen(CP_ACP, 0, text);
+    if (result.empty() && !text.empty())
+        VX_THROW_WIN32(GetLastError());
+    return result;
+}
+
+std::string toUtf8(std::wstring_view text)
+{
+    if (text.size() > longestText)
+        VX_THROW(BaseException, L"Too long string");
+    std::string result = narrow(CP_UTF8, WC_ERR_INVALID_CHARS, text);
+    if (result.empty() && !text.empty())
+        VX_THROW_WIN32(GetLastError());
+    return result;
+}
+
+std::wstring fromUtf8(std::string_view text)
+{
+    if (text.size() > longestText)
+        VX_THROW(BaseException, L"Too long string");
+    std::wstring result = widen(CP_UTF8, MB_ERR_INVALID_CHARS, text);
+    if (result.empty() && !text.empty())
+        VX_THROW_WIN32(GetLastError());
+    return result;
+}
+
+} // namespace vx::str

@@ -1,0 +1,74 @@
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <string>
+
+namespace vx::settings {
+class Settings;
+}
+namespace vx::registry {
+class Registry;
+}
+namespace vx::meridia {
+enum class QrlMeridiaError_enum : int;
+}
+namespace vx::tarn {
+class TarnpatchSettings;
+}
+
+namespace vx::tarn::common {
+
+class Event;
+class IGlobalAtom;
+class IProcess;
+class IRegistryKeyNotifier;
+class IService;
+class ISyncFolders;
+class ISystemRestorePoint;
+class ITimeout;
+class IUpdaterLauncher;
+class IUserSessions;
+
+/// Makes what the plug-in shares with the agent; each call makes a new object. Two stages: before
+/// setSettings only operations that need no settings may be called. setSettings comes once, before other
+/// threads exist; afterwards any thread may call. Operations pass on what the constructors throw.
+class CommonFactory {
+public:
+    /// Answers whether the store is to be tried again after this error.
+    using RetryCallback = std::function<bool(meridia::QrlMeridiaError_enum)>;
+
+    CommonFactory();
+    virtual ~CommonFactory();
+    CommonFactory(const CommonFactory&) = delete;
+    CommonFactory& operator=(const CommonFactory&) = delete;
+
+    virtual void setSettings(std::shared_ptr<settings::Settings> settings);
+    /// One attempt.
+    virtual std::shared_ptr<settings::Settings> createSettings();
+    /// Blocks for as long as `retry` answers true. The exception at the end always carries code 3.
+    virtual std::shared_ptr<settings::Settings> createSettings(const RetryCallback& retry);
+    virtual std::shared_ptr<ISyncFolders> createSyncFolders();
+    virtual std::shared_ptr<ISystemRestorePoint> createSystemRestorePoint();
+    virtual std::shared_ptr<registry::Registry> createRegistry();
+    virtual std::shared_ptr<IService> createServiceProxy(const std::wstring& name);
+    virtual std::shared_ptr<IRegistryKeyNotifier> createRegistryKeyNotifier();
+    virtual std::shared_ptr<IGlobalAtom> createGlobalAtom(const std::wstring& name);
+    /// Waits up to 60 seconds for the start event, which the agent manager makes.
+    virtual std::shared_ptr<IUpdaterLauncher> createUpdaterLauncher();
+    /// `securityDescriptor`: a native descriptor or null, borrowed for the call.
+    virtual std::shared_ptr<Event> createEvent(bool manualReset, bool initialState, const std::wstring& name,
+        bool inheritHandle, void* securityDescriptor);
+    virtual std::shared_ptr<Event> openEvent(unsigned long access, const std::wstring& name, bool inheritHandle);
+    virtual std::shared_ptr<IProcess> createProcess();
+    /// `initialDelay` in milliseconds.
+    virtual std::shared_ptr<ITimeout> createTimeoutGenerator(std::uint64_t initialDelay);
+    virtual std::shared_ptr<IUserSessions> createUserSessions();
+
+protected:
+    std::shared_ptr<settings::Settings> m_settings;             ///< empty until setSettings
+    std::shared_ptr<TarnpatchSettings> m_tarnpatchSettings;     ///< likewise
+};
+
+} // namespace vx::tarn::common

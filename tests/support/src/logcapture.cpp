@@ -1,0 +1,79 @@
+#include "support/logcapture.h"
+
+#include "logging/backend.h"
+
+#include <algorithm>
+#include <cstdarg>
+#include <cstdio>
+#include <mutex>
+
+namespace VxQrlLogging {
+
+std::atomic<int> details::processLevel{0};
+
+namespace {
+std::mutex mutex;
+std::vector<support::LogCapture::Line> captured;
+} // namespace
+
+void log(int level, const char* format, ...) noexcept
+{
+    std::va_list arguments;
+    va_start(arguments, format);
+    std::va_list copy;
+    va_copy(copy, arguments);
+    std::string text(static_cast<std::size_t>(std::vsnprintf(nullptr, 0, format, copy)), '\0');
+    va_end(copy);
+    std::vsnprintf(text.data(), text.size() + 1, format, arguments);
+    va_end(arguments);
+    const std::lock_guard lock(mutex);
+    captured.push_back({level, text});
+}
+
+} // namespace VxQrlLogging
+
+namespace support {
+
+using namespace VxQrlLogging;
+
+LogCapture::LogCapture(int level)
+{
+    const std::lock_guard lock(mutex);
+    captured.clear();
+    details::processLevel = level;
+}
+
+LogCapture::~LogCapture()
+{
+    details::processLevel = 0;
+}
+
+std::vector<LogCapture::Line> LogCapture::lines() const
+{
+    const std::lock_guard lock(mutex);
+    return captured;
+}
+
+std::string LogCapture::text() const
+{
+    std::string all;
+    for (const Line& line : lines())
+        all += line.text + '\n';
+    return all;
+}
+
+bool LogCapture::has(int level, const std::string& text) const
+{
+    const auto all = lines();
+    return std::any_of(all.begin(), all.end(),
+        [&](const Line& line) { return line.level == level && line.text.find(text) != std::string::npos; });
+}
+
+std::size_t LogCapture::count(const std::string& text) const
+{
+    const auto all = lines();
+    return static_cast<std::size_t>(std::count_if(
+        all.begin(), all.end(), [&](const Line& line) { return line.text.find(text) != std::string::npos; }));
+}
+
+} // namespace support
