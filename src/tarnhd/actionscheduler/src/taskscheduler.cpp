@@ -8,6 +8,7 @@
 
 namespace Vx {
 
+using vx::tarn::saturatingAdd;
 using vx::tarn::Ticks;
 
 namespace {
@@ -15,20 +16,9 @@ namespace {
 // One wait never lasts longer: the deadline of the condition variable would overflow for huge delays.
 constexpr std::chrono::nanoseconds longestWait = std::chrono::hours(24);
 
-constexpr Ticks saturatingAdd(Ticks a, Ticks b)
-{
-    Ticks sum = 0;
-    if (!__builtin_add_overflow(a, b, &sum))
-        return sum;
-    return b > 0 ? std::numeric_limits<Ticks>::max() : std::numeric_limits<Ticks>::min();
-}
-
 constexpr Ticks toTicks(std::chrono::milliseconds duration)
 {
-    Ticks ticks = 0;
-    if (!__builtin_mul_overflow(Ticks{duration.count()}, vx::tarn::ticksPerMillisecond, &ticks))
-        return ticks;
-    return duration.count() > 0 ? std::numeric_limits<Ticks>::max() : std::numeric_limits<Ticks>::min();
+    return vx::tarn::saturatingMultiply(duration.count(), vx::tarn::ticksPerMillisecond);
 }
 
 // A uniform number from 0 to `range`, both included. Values behind the largest multiple of the number of
