@@ -1,7 +1,8 @@
 #include "tarnhd/taskscheduler.h"
 
-#include "looptest.h"
+#include "support/fakeclock.h"
 #include "support/logcapture.h"
+#include "support/record.h"
 
 #include <gmock/gmock.h>
 
