@@ -41,7 +41,7 @@ void PluginFrame::registerPluginFactory(PluginFactory factory)
 std::uint32_t PluginFrame::initialize(const char* pluginName, hosterAPI* hosterAPI, pluginAPI* pluginAPI) noexcept
 {
     std::uint32_t result = failed;
-    guarded("", [&] {
+    guarded([&] {
         const std::lock_guard lock(m_instanceMutex);
         if (m_instance)
             return;
@@ -69,7 +69,7 @@ std::uint32_t PluginFrame::main(pluginAPI* pluginAPI) noexcept
     ENTRY_SCOPE("qrlPluginMain");
     VX_LOG_VALUES(pluginAPI);
     std::uint32_t result = failed;
-    guarded("", [&] {
+    guarded([&] {
         const auto plugin = getPlugin(pluginAPI);
         const ScopeGuard stopped([this, plugin, pluginAPI] { reportPluginStopped(*plugin, *pluginAPI); });
         plugin->reportPluginStarted();
@@ -80,12 +80,13 @@ std::uint32_t PluginFrame::main(pluginAPI* pluginAPI) noexcept
 
 void PluginFrame::reportPluginStopped(QrlHosterPlugin& plugin, pluginAPI& pluginAPI) noexcept
 {
-    guarded("", [&] {
+    guarded([&] {
         plugin.reportPluginStopped();
         const std::lock_guard lock(m_instanceMutex);
         pluginAPI.pluginContextData = nullptr;
         m_instance.reset();
     });
+    guarded([&] { plugin.release(); });
 }
 
 std::uint32_t PluginFrame::stop(pluginAPI* pluginAPI) noexcept
@@ -94,21 +95,21 @@ std::uint32_t PluginFrame::stop(pluginAPI* pluginAPI) noexcept
     VX_LOG_VALUES(pluginAPI);
     // Before the look-up, so that a stop ahead of main still keeps the plug-in from running.
     m_stopRequested = true;
-    return guarded("", [&] { getPlugin(pluginAPI)->stop(); }) ? done : failed;
+    return guarded([&] { getPlugin(pluginAPI)->stop(); }) ? done : failed;
 }
 
 void PluginFrame::onPowerEvent(pluginAPI* pluginAPI, std::uint32_t type, std::uint32_t data) noexcept
 {
     ENTRY_SCOPE("qrlPluginOnPowerEvent");
     VX_LOG_VALUES(pluginAPI, type, data);
-    guarded("", [&] { getPlugin(pluginAPI)->onPowerEvent(type, data); });
+    guarded([&] { getPlugin(pluginAPI)->onPowerEvent(type, data); });
 }
 
 void PluginFrame::onSessionChangeEvent(pluginAPI* pluginAPI, std::uint32_t type, std::uint32_t data) noexcept
 {
     ENTRY_SCOPE("qrlPluginOnSessionChangeEvent");
     VX_LOG_VALUES(pluginAPI, type, data);
-    guarded("", [&] { getPlugin(pluginAPI)->onSessionChangeEvent(type, data); });
+    guarded([&] { getPlugin(pluginAPI)->onSessionChangeEvent(type, data); });
 }
 
 void PluginFrame::onResumeFromLowPowerMode(pluginAPI* pluginAPI) noexcept

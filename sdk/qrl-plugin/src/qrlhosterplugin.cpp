@@ -2,6 +2,8 @@
 
 #include "vxtl/exception.h"
 
+#include <mutex>
+
 namespace vx::qrl {
 
 namespace {
@@ -50,34 +52,46 @@ bool QrlHosterPlugin::main(const PluginFactory& factory, const std::atomic<bool>
         logging::LogStream(logging::Level::Error) << "Plugin factory is not registered";
         return false;
     }
-    auto running = plugin();
-    if (!running) {
-        running = factory();
+    auto plugin = m_plugin;
+    if (!plugin) {
+        plugin = factory();
         const std::lock_guard lock(m_pluginMutex);
-        m_plugin = running;
+        m_plugin = plugin;
     }
     // A stop that found no plug-in has raised its flag before it took the mutex, so it is seen here.
     if (!stopRequested)
-        running->run();
+        plugin->run();
     return true;
+}
+
+void QrlHosterPlugin::release()
+{
+    std::shared_ptr<PluginImpl> last;
+    const std::lock_guard lock(m_pluginMutex);
+    last.swap(m_plugin);
+}
+
+template <typename Call>
+void QrlHosterPlugin::forward(Call call)
+{
+    const std::shared_lock lock(m_pluginMutex);
+    if (m_plugin)
+        call(*m_plugin);
 }
 
 void QrlHosterPlugin::stop()
 {
-    if (const auto running = plugin())
-        running->stop();
+    forward([](PluginImpl& plugin) { plugin.stop(); });
 }
 
 void QrlHosterPlugin::onPowerEvent(std::uint32_t type, std::uint32_t data)
 {
-    if (const auto running = plugin())
-        running->onPowerEvent(type, data);
+    forward([=](PluginImpl& plugin) { plugin.onPowerEvent(type, data); });
 }
 
 void QrlHosterPlugin::onSessionChangeEvent(std::uint32_t type, std::uint32_t data)
 {
-    if (const auto running = plugin())
-        running->onSessionChangeEvent(type, data);
+    forward([=](PluginImpl& plugin) { plugin.onSessionChangeEvent(type, data); });
 }
 
 void QrlHosterPlugin::reportPluginStarted()
@@ -94,12 +108,6 @@ void QrlHosterPlugin::report(std::uint32_t state)
 {
     if (m_hosterAPI && m_hosterAPI->reportPluginState)
         m_hosterAPI->reportPluginState(m_pluginName.c_str(), state);
-}
-
-std::shared_ptr<PluginImpl> QrlHosterPlugin::plugin() const
-{
-    const std::lock_guard lock(m_pluginMutex);
-    return m_plugin;
 }
 
 } // namespace vx::qrl

@@ -5,7 +5,7 @@
 
 #include <atomic>
 #include <memory>
-#include <mutex>
+#include <shared_mutex>
 #include <string>
 
 namespace vx::qrl {
@@ -32,6 +32,8 @@ public:
 
     /// Builds the plug-in and, unless a stop has been requested, blocks in its run. False without a factory.
     bool main(const PluginFactory& factory, const std::atomic<bool>& stopRequested);
+    /// Destroys the plug-in on the calling thread, once the calls into it have returned.
+    void release();
     void stop();
     void onPowerEvent(std::uint32_t type, std::uint32_t data);
     void onSessionChangeEvent(std::uint32_t type, std::uint32_t data);
@@ -41,12 +43,15 @@ public:
 private:
     void fillRecord(pluginAPI& record, const Callbacks& callbacks);
     void report(std::uint32_t state);
-    std::shared_ptr<PluginImpl> plugin() const;
+    template <typename Call>
+    void forward(Call call);
 
     std::string m_pluginName;
     hosterAPI* m_hosterAPI;
-    std::shared_ptr<PluginImpl> m_plugin; ///< guarded by m_pluginMutex; written by main only
-    mutable std::mutex m_pluginMutex;     ///< never held across a call into the plug-in
+    /// Written by main and release; shared by the calls from other threads, so that none of them is left holding
+    /// the plug-in when main's thread is to destroy it.
+    std::shared_mutex m_pluginMutex;
+    std::shared_ptr<PluginImpl> m_plugin; ///< guarded by m_pluginMutex
 };
 
 } // namespace vx::qrl

@@ -5,6 +5,7 @@
 
 #include <future>
 #include <stdexcept>
+#include <thread>
 
 namespace vx::qrl {
 namespace {
@@ -17,12 +18,18 @@ struct FakePlugin : PluginImpl {
             throw std::runtime_error("run failed");
         ended.get_future().wait();
     }
-    void stop() override { ended.set_value(); }
+    void stop() override
+    {
+        ended.set_value();
+        if (stopReturns.valid())
+            stopReturns.wait();
+    }
     void onPowerEvent(std::uint32_t type, std::uint32_t data) override { power.emplace_back(type, data); }
 
     bool runFails = false;
     std::promise<void> running;
     std::promise<void> ended;
+    std::shared_future<void> stopReturns;
     std::vector<std::pair<std::uint32_t, std::uint32_t>> power;
 };
 
@@ -56,15 +63,22 @@ pluginAPI recordOf(std::uint32_t size, void* context = nullptr)
 const Callbacks marks{initializeMark, mainMark, stopMark, powerMark, sessionMark, resumeMark};
 
 std::vector<std::string> reports;
+std::promise<void> stoppedReport; ///< fulfilled with the first report of a stop
 
 void QRL_STDCALL recordReport(const char* name, std::uint32_t state)
 {
     reports.push_back(std::string(name) + "=" + std::to_string(state));
+    if (state == 0 && reports.size() == 2)
+        stoppedReport.set_value();
 }
 
 class PluginFrameTest : public testing::Test {
 protected:
-    PluginFrameTest() { reports.clear(); }
+    PluginFrameTest()
+    {
+        reports.clear();
+        stoppedReport = {};
+    }
 
     void registerPlugin()
     {
@@ -191,6 +205,7 @@ TEST_F(PluginFrameTest, reportsTheStopOnEveryWayOutOfMain)
     EXPECT_EQ(reports, startedAndStopped);
 
     reports.clear();
+    stoppedReport = {};
     registerPlugin();
     plugin->runFails = true;
     ASSERT_EQ(frame.initialize("name", &host, &record), 0u);
@@ -215,6 +230,35 @@ TEST_F(PluginFrameTest, neverRunsAgainAfterAStop)
     EXPECT_EQ(frame.main(&record), 0u);
     EXPECT_EQ(built, 2);
     EXPECT_EQ(reports.size(), 4u);
+}
+
+TEST_F(PluginFrameTest, destroysThePluginOnTheThreadThatRanItEvenWhenAStopOutlastsTheRun)
+{
+    struct Probe : FakePlugin {
+        explicit Probe(std::promise<std::thread::id>& target) : destroyedOn(target) {}
+        ~Probe() override { destroyedOn.set_value(std::this_thread::get_id()); }
+        std::promise<std::thread::id>& destroyedOn;
+    };
+    std::promise<std::thread::id> destroyedOn;
+    std::promise<void> stopMayReturn;
+    std::promise<void> isRunning;
+    frame.registerPluginFactory([&] {
+        const auto probe = std::make_shared<Probe>(destroyedOn);
+        probe->stopReturns = stopMayReturn.get_future().share();
+        probe->running.swap(isRunning);
+        return probe;
+    });
+    auto ran = isRunning.get_future();
+    ASSERT_EQ(frame.initialize("name", &host, &record), 0u);
+    std::thread runner([&] { frame.main(&record); });
+    const auto runnerId = runner.get_id();
+    ran.wait();
+    std::thread stopper([&] { frame.stop(&record); });
+    stoppedReport.get_future().wait();
+    stopMayReturn.set_value();
+    EXPECT_TRUE(destroyedOn.get_future().get() == runnerId);
+    runner.join();
+    stopper.join();
 }
 
 TEST_F(PluginFrameTest, endsHoweverAStopRacesWithMain)
