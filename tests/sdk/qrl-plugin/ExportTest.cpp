@@ -78,7 +78,7 @@ struct AlignedPlugin : PluginImpl {
     static inline pluginAPI* record = nullptr;
 };
 
-void QRL_STDCALL ignoreReport(const char*, std::uint32_t) {}
+void VX_STDCALL ignoreReport(const char*, std::uint32_t) {}
 
 TEST(QRLPluginInitialize, worksOverAMisalignedStack)
 {
