@@ -26,6 +26,11 @@ private:
     Handle m_handle;
 };
 
+namespace details {
+/// Logs that a handle could not be closed. Never throws.
+void logCloseFailure(void* handle, unsigned long error) noexcept;
+} // namespace details
+
 /// Closes with CloseHandle.
 struct KernelHandleCloser {
     void operator()(void* handle) const noexcept;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <iterator>
 #include <span>
 #include <vector>
 
@@ -20,8 +21,9 @@ namespace sync {
 inline constexpr unsigned long infinite = 0xFFFFFFFF;
 
 namespace details {
+/// False on a time-out.
 bool waitForSingleObject(void* handle, unsigned long timeoutMs);
-/// The index of the handle that fired; handles.size() on an empty list.
+/// The index of the handle that fired, an abandoned mutex included; handles.size() on an empty list.
 std::size_t waitForMultipleObjects(std::span<void* const> handles);
 } // namespace details
 
@@ -34,7 +36,7 @@ inline bool waitForSingleObject(const IWaitable& waitable, unsigned long timeout
 
 /// Blocks without a time-out until any object fires and gives its iterator; the earlier one in the list
 /// when several have. Elements are pointers of any kind to IWaitable. An empty list gives its end at
-/// once. Throws Win32Exception "wait failed".
+/// once. At most 64 elements. Throws Win32Exception "wait failed".
 template <typename List>
 auto waitForMultipleObjects(const List& list)
 {
