@@ -31,3 +31,11 @@ using Win32Exception = ErrorCodeException<Win32ErrorCategory, unsigned long>;
         const unsigned long vxFailureCode = (code);                                                                    \
         VX_THROW_AS(::vx::Win32Exception, functionName, vxFailureCode, std::wstring(__VA_ARGS__));                     \
     } while (false)
+
+/// Throws a Win32Exception unless the status, for one of a registry call, is 0.
+#define VX_CHECK_WIN32(status)                                                                                         \
+    do {                                                                                                               \
+        const auto vxStatus = static_cast<unsigned long>(status);                                                      \
+        if (vxStatus != 0)                                                                                             \
+            VX_THROW_WIN32(vxStatus);                                                                                  \
+    } while (false)

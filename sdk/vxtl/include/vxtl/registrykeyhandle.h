@@ -1,0 +1,19 @@
+#pragma once
+
+#include "vxtl/handle.h"
+
+namespace vx::registry {
+
+/// Closes with RegCloseKey.
+struct RegistryKeyCloser {
+    void operator()(void* key) const noexcept;
+};
+
+struct NoRegistryKey {
+    bool operator()(void* key) const noexcept { return !key; }
+};
+
+/// A native key handle. Closing a predefined one does no harm.
+using RegistryKeyHandle = AutomaticHandle<void*, RegistryKeyCloser, NoRegistryKey>;
+
+} // namespace vx::registry
