@@ -2,6 +2,7 @@
 #include "agent/runjournal.h"
 
 #include "common/commonfactory.h"
+#include "logging/processlogger.h"
 #include "settings-api/settings.h"
 #include "vxtl/str.h"
 
@@ -54,8 +55,15 @@ int failed(int code, const std::exception& exception)
     return code;
 }
 
+/// The agent's own log beside the plug-in's, open while a run lasts.
+struct Log {
+    Log() { VxQrlLogging::open("tarn", "tarnag", 4, 0); }
+    ~Log() { VxQrlLogging::close(); }
+};
+
 int runScript(const RunJournal& journal, const devhost::agent::AgentRun& run)
 {
+    const Log log;
     int code = noStore;
     try {
         AgentRunner([] { return vx::tarn::common::CommonFactory().createSettings(); }).perform(run);
