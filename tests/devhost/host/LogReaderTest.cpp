@@ -76,7 +76,7 @@ protected:
 TEST_F(LogReaderTest, tellsCompleteLinesOnce)
 {
     EXPECT_THAT(reader.read(), IsEmpty());
-    writer.line(L"");
+    writer.line({});
     writer.line(L"first \u00e4\u20ac");
     writer.raw(L"sec");
     EXPECT_THAT(reader.read(), ElementsAre("", "first \xC3\xA4\xE2\x82\xAC"));

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "store/fault.h"
+#include "store/role.h"
 #include "store/value.h"
 
 #include <chrono>
@@ -15,10 +16,6 @@ namespace devhost::store {
 
 /// The instance that the environment variable TARNHD_INSTANCE names; "default" without it.
 std::wstring instanceFromEnvironment();
-
-/// Who a connection is made for: programs that use the store through the client library, which fault
-/// plans apply to, or tools that inspect and drive it, which always get through.
-enum class Role { Application, Tool };
 
 /// One change of a value.
 struct Change {
