@@ -8,6 +8,8 @@
 
 #include <CLI/CLI.hpp>
 #include <cstdio>
+#include <fcntl.h>
+#include <io.h>
 #include <windows.h>
 
 namespace {
@@ -101,6 +103,8 @@ int wmain(int count, wchar_t** texts)
 {
     // A scripted crash must end the process at once, without a dialog.
     SetErrorMode(SEM_FAILCRITICALERRORS | SEM_NOGPFAULTERRORBOX);
+    _setmode(_fileno(stdout), _O_BINARY);
+    _setmode(_fileno(stderr), _O_BINARY);
     std::vector<std::string> arguments;
     for (int i = 1; i < count; ++i)
         arguments.push_back(vx::str::toUtf8(texts[i]));

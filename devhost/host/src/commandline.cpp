@@ -82,7 +82,8 @@ Grammar::Grammar()
         ->envname("TARNHD_INSTANCE")
         ->capture_default_str();
     m_app.add_flag("--json", m_json, "print one JSON object per line");
-    m_app.require_subcommand(1);
+    // At least one is asked for by perform: the parser would hide a misspelt one behind that message.
+    m_app.require_subcommand(0, 1);
     m_app.fallthrough();
     addRunCommands();
     addRequestCommands();
@@ -213,6 +214,8 @@ void Grammar::parse(const std::vector<std::string>& arguments)
 
 ExitCode Grammar::perform()
 {
+    if (!m_action)
+        throw CommandError(ExitCode::BadUsage, "a subcommand is required: see tarnhost --help");
     Printer printer(m_json ? Printer::Form::Json : Printer::Form::Text);
     StopSignal stop;
     return m_action({vx::str::fromUtf8(m_instance), printer, stop});

@@ -5,6 +5,7 @@
 #include "vxtl/str.h"
 
 #include <array>
+#include <cstdint>
 #include <utility>
 #include <windows.h>
 
@@ -28,8 +29,15 @@ std::string toUtf8(std::wstring_view line)
 
 } // namespace
 
-/// An open file of the log with its identity, which a rename does not change. While it is open, no other
-/// file can get that identity.
+/// Where reading stands while no file is open. The system's number of a file may be given to another one
+/// once the file is deleted, so its first bytes belong to its identity, as far as they were there.
+struct LogReader::Position {
+    std::array<DWORD, 3> number;
+    std::string head;
+    std::uint64_t offset;
+};
+
+/// An open file of the log. While it is open no other file can get its number.
 class LogReader::File {
 public:
     static std::unique_ptr<File> open(const std::filesystem::path& path)
@@ -39,7 +47,8 @@ public:
         if (handle != INVALID_HANDLE_VALUE)
             return std::unique_ptr<File>(new File(handle));
         const auto code = GetLastError();
-        if (code != ERROR_FILE_NOT_FOUND && code != ERROR_PATH_NOT_FOUND)
+        // A file that was deleted while somebody had it open keeps its name for a while.
+        if (code != ERROR_FILE_NOT_FOUND && code != ERROR_PATH_NOT_FOUND && code != ERROR_DELETE_PENDING)
             throw CommandError(ExitCode::Failed, "cannot read " + toText(path) + ": " + systemText(code));
         return nullptr;
     }
@@ -47,31 +56,50 @@ public:
     File(const File&) = delete;
     File& operator=(const File&) = delete;
 
-    bool isSame(const File& other) const { return m_identity == other.m_identity; }
+    bool isSame(const File& other) const { return m_number == other.m_number; }
+    bool isAt(const Position& position) const
+    {
+        return m_number == position.number && readHead().starts_with(position.head);
+    }
+    void seek(const Position& position) { m_offset = position.offset; }
+    Position position() const { return {m_number, readHead(), m_offset}; }
 
     /// What was appended since the last call; whole characters only. Empty at the end.
     std::wstring_view readSome()
     {
-        DWORD got = 0;
-        OVERLAPPED place{};
-        place.Offset = static_cast<DWORD>(m_offset);
-        place.OffsetHigh = static_cast<DWORD>(m_offset >> 32);
-        if (!ReadFile(m_handle, m_buffer.data(), sizeof(m_buffer), &got, &place))
-            got = 0;
+        const auto got = readAt(m_offset, m_buffer.data(), sizeof(m_buffer));
         m_offset += got - got % sizeof(wchar_t);
         return {m_buffer.data(), got / sizeof(wchar_t)};
     }
 
 private:
+    static constexpr DWORD headSize = 256;
+
     explicit File(HANDLE handle) : m_handle(handle)
     {
         BY_HANDLE_FILE_INFORMATION information{};
         GetFileInformationByHandle(handle, &information);
-        m_identity = {information.dwVolumeSerialNumber, information.nFileIndexHigh, information.nFileIndexLow};
+        m_number = {information.dwVolumeSerialNumber, information.nFileIndexHigh, information.nFileIndexLow};
+    }
+
+    DWORD readAt(std::uint64_t offset, void* buffer, DWORD size) const
+    {
+        DWORD got = 0;
+        OVERLAPPED place{};
+        place.Offset = static_cast<DWORD>(offset);
+        place.OffsetHigh = static_cast<DWORD>(offset >> 32);
+        return ReadFile(m_handle, buffer, size, &got, &place) ? got : 0;
+    }
+
+    std::string readHead() const
+    {
+        std::string head(headSize, '\0');
+        head.resize(readAt(0, head.data(), headSize));
+        return head;
     }
 
     HANDLE m_handle;
-    std::array<DWORD, 3> m_identity;
+    std::array<DWORD, 3> m_number;
     std::uint64_t m_offset = 0;
     std::array<wchar_t, 16384> m_buffer;
 };
@@ -92,26 +120,52 @@ std::filesystem::path LogReader::fileName(const std::filesystem::path& current, 
 void LogReader::rewind()
 {
     m_partial.clear();
-    m_file.reset();
-    for (unsigned index = 0; index <= highestIndex; ++index) {
-        auto file = File::open(fileName(m_current, index));
-        if (file)
-            m_file = std::move(file);
-        else if (index > 0) // the current file is missing for a moment in each rotation
-            break;
-    }
+    m_position.reset();
+    if (const auto oldest = openOldest())
+        m_position = std::make_unique<Position>(oldest->position());
 }
 
 std::vector<std::string> LogReader::read()
 {
-    if (!m_file)
-        m_file = File::open(m_current);
+    m_file = m_position ? reopen() : File::open(m_current);
     if (m_file) {
         drain();
         while (advance())
             drain();
+        m_position = std::make_unique<Position>(m_file->position());
+        // Between the calls nothing is open: the logger could not replace a file that somebody holds.
+        m_file.reset();
     }
     return std::exchange(m_lines, {});
+}
+
+std::unique_ptr<LogReader::File> LogReader::openOldest() const
+{
+    std::unique_ptr<File> oldest;
+    for (unsigned index = 0; index <= highestIndex; ++index) {
+        auto file = File::open(fileName(m_current, index));
+        if (file)
+            oldest = std::move(file);
+        else if (index > 0) // the current file is missing for a moment in each rotation
+            break;
+    }
+    return oldest;
+}
+
+/// The file in which reading stood. Files only move up, so one walk up cannot miss it. When it is gone, the
+/// oldest one that is left.
+std::unique_ptr<LogReader::File> LogReader::reopen()
+{
+    for (unsigned index = 0; index <= highestIndex; ++index) {
+        auto file = File::open(fileName(m_current, index));
+        if (file && file->isAt(*m_position)) {
+            file->seek(*m_position);
+            return file;
+        }
+    }
+    if (!m_partial.empty())
+        take(L"\n");
+    return openOldest();
 }
 
 /// Steps into the file that follows the present one. False when that is the current one, or when a
@@ -122,26 +176,22 @@ bool LogReader::advance()
         const auto file = File::open(fileName(m_current, index));
         return file && file->isSame(*m_file);
     };
-    if (isAt(0))
-        return false;
-    unsigned index = 1;
+    unsigned index = 0;
     while (index <= highestIndex && !isAt(index))
         ++index;
-    const bool gone = index > highestIndex;
-    auto next = gone ? nullptr : openSuccessor(index);
+    if (index == 0)
+        return false;
+    auto next = index > highestIndex ? openOldest() : openSuccessor(index);
     // A rotation moves the older file first. So if the present file has not moved, the newer one opened
     // before this test was its direct successor.
-    if (!gone && (!next || !isAt(index)))
+    if (!next || (index <= highestIndex && !isAt(index)))
         return false;
     // Only now is the present file certain to be complete.
     drain();
     if (!m_partial.empty())
         take(L"\n");
-    if (gone)
-        rewind();
-    else
-        m_file = std::move(next);
-    return m_file != nullptr;
+    m_file = std::move(next);
+    return true;
 }
 
 /// The next newer file. Within a rotation it may still bear its old number; then nothing may have come to

@@ -10,8 +10,8 @@ namespace devhost::host {
 
 /// Reads a rotated UTF-16 log that other programs write: NAME.log is the current file, NAME.1.log the one
 /// before it, and so on. Each call continues where the last one ended, through any number of rotations, so
-/// that no line is lost or told twice as long as its file still exists. Keeps the file that it stands in
-/// open, without being in the writers' way. One thread.
+/// that no line is lost or told twice as long as its file still exists. Holds no file open between
+/// the calls, so it is not in the writers' way. One thread.
 class LogReader {
 public:
     /// `file` is the current file; it need not exist yet.
@@ -31,15 +31,19 @@ public:
 
 private:
     class File;
+    struct Position;
 
+    std::unique_ptr<File> openOldest() const;
+    std::unique_ptr<File> reopen();
     bool advance();
     std::unique_ptr<File> openSuccessor(unsigned index) const;
     void drain();
     void take(std::wstring_view text);
 
     std::filesystem::path m_current;
-    std::unique_ptr<File> m_file; ///< the file that reading stands in
-    std::wstring m_partial;       ///< the line that is not complete yet
+    std::unique_ptr<File> m_file;         ///< the file that is being read, within a call
+    std::unique_ptr<Position> m_position; ///< where the last call ended
+    std::wstring m_partial;               ///< the line that is not complete yet
     std::vector<std::string> m_lines;
 };
 
