@@ -113,8 +113,7 @@ void Grammar::addRunCommands()
     auto* file = run->add_option(
         "--store", m_store, "the store's file; tarnhost.INSTANCE.store.json beside this program without it");
     run->add_flag("--no-store", m_noStore, "another process serves the store")->excludes(file);
-    run->add_option("--agent-dir", m_agentDirectory, "write the agent's folder to the registry")
-        ->check(CLI::ExistingDirectory);
+    run->add_option("--agent-dir", m_agentDirectory, "write the agent's folder to the registry");
     auto* seconds = run->add_option("--for-seconds", m_seconds, "end after that time");
     run->add_flag("--until-stop", m_untilStop, "end on Ctrl-C or 'tarnhost stop' only, which is the default")
         ->excludes(seconds);

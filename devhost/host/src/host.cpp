@@ -67,6 +67,8 @@ void Host::prepare()
     // For the plug-in's store library, whichever way it reads its environment.
     _wputenv_s(L"TARNHD_INSTANCE", m_context.instance.c_str());
     SetEnvironmentVariableW(L"TARNHD_INSTANCE", m_context.instance.c_str());
+    if (m_options.agentDirectory && !is_directory(*m_options.agentDirectory))
+        throw CommandError(ExitCode::BadUsage, "there is no folder " + toText(*m_options.agentDirectory));
     if (m_options.agentDirectory)
         writeAgentDirectory(*m_options.agentDirectory);
     const auto folder = readAgentDirectory();

@@ -102,8 +102,8 @@ void printStore(Printer& printer, const json& store)
     printer.line("scan:       " + requestText(store.at("scan")) + ", last " + timeText(store.at("last_scan")));
     printer.line(
         "install:    " + requestText(store.at("install")) + ", result " + plain(store.at("install").at("result")));
-    printer.line("updates:    " + plain(store.at("missing_updates")) + " missing, " +
-                 plain(store.at("patches_to_install")) + " published");
+    printer.line("updates:    missing " + plain(store.at("missing_updates")) + ", published " +
+                 plain(store.at("patches_to_install")));
 }
 
 void printAgent(Printer& printer, const json& agent)

@@ -128,6 +128,8 @@ ExitCode makeOutage(const Context& context, const std::string& what)
 ExitCode planFault(
     const Context& context, const std::string& operation, int code, unsigned count, const std::string& key)
 {
+    if (operation != "clear" && code == 0)
+        throw CommandError(ExitCode::BadUsage, "fault: give the error CODE that the calls are to end with");
     Client client(context.instance);
     if (operation == "clear")
         client.clearFaults();

@@ -1,4 +1,5 @@
 #include "childprocess.h"
+#include "host/directorywatch.h"
 #include "store/client.h"
 
 #include <algorithm>
@@ -81,6 +82,8 @@ TEST_F(TarnhostTest, answersMistakesWithOneLineAndACode)
         {L"scan --wait 0", 2, "--wait"},
         {L"outage sometimes", 2, "\"sometimes\" is neither on, off nor a number of seconds"},
         {L"fault frob 3", 2, "frob"},
+        {L"fault get", 2, "give the error CODE"},
+        {L"run --no-store --agent-dir C:\\missing", 2, "there is no folder C:\\missing"},
         {L"get windows.tarnpatch.enabled", 3, "unreachable"},
         {L"scan --wait 5", 3, "unreachable"},
         {L"watch", 3, "unreachable"},
@@ -192,4 +195,29 @@ TEST_F(TarnhostTest, printsTheEndOfALog)
     const auto option = L"log --file \"" + file.native() + L"\"";
     EXPECT_EQ(call(option + L" --lines 2").output, "two\nthree\n");
     EXPECT_EQ(call(L"--json " + option + L" -n 1").output, "{\"line\":\"three\"}\n");
+}
+
+TEST_F(TarnhostTest, followsALogThroughARotation)
+{
+    const auto utf16 = [](const std::u16string& text) {
+        return std::string(reinterpret_cast<const char*>(text.data()), text.size() * sizeof(char16_t));
+    };
+    const support::TemporaryFolder logs;
+    const auto file = logs.path() / "sample.log";
+    support::writeFile(file, utf16(u"\xFEFF"
+                                   u"one\r\n"));
+    devhost::host::DirectoryWatch changes(folder.path());
+    const auto log = start(L"log --follow --file \"" + file.native() + L"\"");
+    const devhost::host::Signal never;
+    const auto expect = [&](const std::string& text) {
+        const auto deadline = std::chrono::steady_clock::now() + 60s;
+        while (log->output() != text && std::chrono::steady_clock::now() < deadline)
+            changes.wait(never, 1000);
+        EXPECT_EQ(log->output(), text);
+    };
+    expect("one\n");
+    std::filesystem::rename(file, logs.path() / "sample.1.log");
+    support::writeFile(file, utf16(u"\xFEFF"
+                                   u"two\r\n"));
+    expect("one\ntwo\n");
 }
