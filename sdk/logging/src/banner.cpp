@@ -1,4 +1,4 @@
-#include "banner.h"
+#include "logging/details/banner.h"
 
 #include <cstdio>
 #include <windows.h>

@@ -1,6 +1,6 @@
 #include "logging/loggerwin.h"
 
-#include "banner.h"
+#include "logging/details/banner.h"
 #include "logging/details/lasterror.h"
 #include "logging/details/recordheader.h"
 #include "messagebuffer.h"

@@ -8,27 +8,27 @@ namespace {
 
 PluginFrame& processFrame();
 
-std::uint32_t QRL_STDCALL qrlPluginMain(pluginAPI* pluginAPI)
+std::uint32_t VX_STDCALL qrlPluginMain(pluginAPI* pluginAPI)
 {
     return processFrame().main(pluginAPI);
 }
 
-std::uint32_t QRL_STDCALL qrlPluginStop(pluginAPI* pluginAPI)
+std::uint32_t VX_STDCALL qrlPluginStop(pluginAPI* pluginAPI)
 {
     return processFrame().stop(pluginAPI);
 }
 
-void QRL_STDCALL qrlPluginOnPowerEvent(pluginAPI* pluginAPI, std::uint32_t type, std::uint32_t data)
+void VX_STDCALL qrlPluginOnPowerEvent(pluginAPI* pluginAPI, std::uint32_t type, std::uint32_t data)
 {
     processFrame().onPowerEvent(pluginAPI, type, data);
 }
 
-void QRL_STDCALL qrlPluginOnSessionChangeEvent(pluginAPI* pluginAPI, std::uint32_t type, std::uint32_t data)
+void VX_STDCALL qrlPluginOnSessionChangeEvent(pluginAPI* pluginAPI, std::uint32_t type, std::uint32_t data)
 {
     processFrame().onSessionChangeEvent(pluginAPI, type, data);
 }
 
-void QRL_STDCALL qrlOnResumeFromLowPowerMode(pluginAPI* pluginAPI)
+void VX_STDCALL qrlOnResumeFromLowPowerMode(pluginAPI* pluginAPI)
 {
     processFrame().onResumeFromLowPowerMode(pluginAPI);
 }
@@ -58,7 +58,7 @@ void registerPluginFactory(PluginFactory factory)
 
 } // namespace vx::qrl
 
-std::uint32_t QRL_STDCALL QRLPluginInitialize(
+std::uint32_t VX_STDCALL QRLPluginInitialize(
     const char* pluginName, vx::qrl::hosterAPI* hosterAPI, vx::qrl::pluginAPI* pluginAPI)
 {
     return vx::qrl::processFrame().initialize(pluginName, hosterAPI, pluginAPI);

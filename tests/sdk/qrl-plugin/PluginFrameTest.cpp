@@ -33,24 +33,24 @@ struct FakePlugin : PluginImpl {
     std::vector<std::pair<std::uint32_t, std::uint32_t>> power;
 };
 
-std::uint32_t QRL_STDCALL initializeMark(const char*, hosterAPI*, pluginAPI*)
+std::uint32_t VX_STDCALL initializeMark(const char*, hosterAPI*, pluginAPI*)
 {
     return 0;
 }
-std::uint32_t QRL_STDCALL mainMark(pluginAPI*)
+std::uint32_t VX_STDCALL mainMark(pluginAPI*)
 {
     return 1;
 }
-std::uint32_t QRL_STDCALL stopMark(pluginAPI*)
+std::uint32_t VX_STDCALL stopMark(pluginAPI*)
 {
     return 2;
 }
-void QRL_STDCALL powerMark(pluginAPI*, std::uint32_t, std::uint32_t) {}
-void QRL_STDCALL sessionMark(pluginAPI*, std::uint32_t type, std::uint32_t)
+void VX_STDCALL powerMark(pluginAPI*, std::uint32_t, std::uint32_t) {}
+void VX_STDCALL sessionMark(pluginAPI*, std::uint32_t type, std::uint32_t)
 {
     ADD_FAILURE() << type;
 }
-void QRL_STDCALL resumeMark(pluginAPI*) {}
+void VX_STDCALL resumeMark(pluginAPI*) {}
 
 pluginAPI recordOf(std::uint32_t size, void* context = nullptr)
 {
@@ -65,7 +65,7 @@ const Callbacks marks{initializeMark, mainMark, stopMark, powerMark, sessionMark
 std::vector<std::string> reports;
 std::promise<void> stoppedReport; ///< fulfilled with the first report of a stop
 
-void QRL_STDCALL recordReport(const char* name, std::uint32_t state)
+void VX_STDCALL recordReport(const char* name, std::uint32_t state)
 {
     reports.push_back(std::string(name) + "=" + std::to_string(state));
     if (state == 0 && reports.size() == 2)

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "qrl-plugin/callingconvention.h"
+#include "delay-load/callingconvention.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -11,11 +11,11 @@ namespace vx::qrl {
 struct hosterAPI;
 struct pluginAPI;
 
-using PluginInitializeFunction = std::uint32_t(QRL_STDCALL*)(const char* pluginName, hosterAPI*, pluginAPI*);
-using PluginFunction = std::uint32_t(QRL_STDCALL*)(pluginAPI*);
-using PluginEventFunction = void(QRL_STDCALL*)(pluginAPI*, std::uint32_t type, std::uint32_t data);
-using PluginResumeFunction = void(QRL_STDCALL*)(pluginAPI*);
-using ReportPluginStateFunction = void(QRL_STDCALL*)(const char* pluginName, std::uint32_t state);
+using PluginInitializeFunction = std::uint32_t(VX_STDCALL*)(const char* pluginName, hosterAPI*, pluginAPI*);
+using PluginFunction = std::uint32_t(VX_STDCALL*)(pluginAPI*);
+using PluginEventFunction = void(VX_STDCALL*)(pluginAPI*, std::uint32_t type, std::uint32_t data);
+using PluginResumeFunction = void(VX_STDCALL*)(pluginAPI*);
+using ReportPluginStateFunction = void(VX_STDCALL*)(const char* pluginName, std::uint32_t state);
 
 /// Belongs to the host. What lies behind these fields is the host's own.
 struct hosterAPI {
@@ -54,5 +54,5 @@ static_assert(offsetof(pluginAPI, onSessionChangeEvent) == 32);
 } // namespace vx::qrl
 
 /// The library's one export. 0: the instance was made; 1: there is one already, or making it failed.
-extern "C" std::uint32_t QRL_STDCALL QRLPluginInitialize(
+extern "C" std::uint32_t VX_STDCALL QRLPluginInitialize(
     const char* pluginName, vx::qrl::hosterAPI* hosterAPI, vx::qrl::pluginAPI* pluginAPI);

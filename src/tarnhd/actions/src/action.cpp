@@ -7,8 +7,7 @@ namespace vx::tarn {
 
 Action::Action(common::CommonFactory* commonFactory, const TarnpatchSettings* settings)
     : m_commonFactory(commonFactory), m_settings(settings), m_updaterLauncher(commonFactory->createUpdaterLauncher())
-{
-}
+{}
 
 Action::~Action() = default;
 

@@ -12,8 +12,7 @@ using logging::LogStream;
 ScanOnce::ScanOnce(
     common::CommonFactory* commonFactory, const TarnpatchSettings* settings, Ticks startTime, WallClock now)
     : Action(commonFactory, settings), m_startTime(startTime), m_now(std::move(now))
-{
-}
+{}
 
 common::ExitStatus ScanOnce::execute()
 {

@@ -20,12 +20,10 @@ constexpr double largestRandom = 32767.0;
 
 } // namespace
 
-StartupAutoScan::StartupAutoScan(
-    common::CommonFactory* commonFactory, const TarnpatchSettings* settings, WallClock now)
+StartupAutoScan::StartupAutoScan(common::CommonFactory* commonFactory, const TarnpatchSettings* settings, WallClock now)
     : StartupAction(commonFactory, settings), m_now(std::move(now)), m_creationTime(m_now()),
       m_scanLauncher(commonFactory->createUpdaterLauncher())
-{
-}
+{}
 
 std::chrono::milliseconds StartupAutoScan::getDelay()
 {

@@ -1,7 +1,7 @@
 #include "tarnhd/actionscheduler.h"
 
 #include "logging/logstream.h"
-#include "tarnhd/guarded.h"
+#include "vxtl/guarded.h"
 
 namespace vx::tarn {
 

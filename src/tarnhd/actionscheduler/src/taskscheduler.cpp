@@ -1,6 +1,6 @@
 #include "tarnhd/taskscheduler.h"
 
-#include "tarnhd/guarded.h"
+#include "vxtl/guarded.h"
 
 #include <algorithm>
 #include <cstdint>
@@ -163,7 +163,7 @@ void TaskScheduler::run()
 {
     while (!isStopped())
         if (const std::unique_ptr<Task> task = takeNext())
-            vx::tarn::guarded("Exception caught: ", [&] { task->run(); });
+            vx::guarded("Exception caught: ", [&] { task->run(); });
 }
 
 void TaskScheduler::stop()

@@ -4,8 +4,8 @@
 #include "common/event.h"
 #include "common/exitstatus.h"
 #include "common/iprocess.h"
-#include "tarnhd/guarded.h"
 #include "vxtl/exception.h"
+#include "vxtl/guarded.h"
 #include "vxtl/process/credentials.h"
 #include "vxtl/registry.h"
 
@@ -48,8 +48,7 @@ AgentRunner::AgentRunner(const TarnpatchSettings& settings, const TarnpatchStatu
     std::chrono::milliseconds retryPause, WallClock now)
     : m_commonFactory(commonFactory), m_settings(settings), m_status(status), m_startEvent(std::move(startEvent)),
       m_retryPause(retryPause), m_now(std::move(now))
-{
-}
+{}
 
 void AgentRunner::actionThread(common::Event& stopEvent)
 {
@@ -93,8 +92,7 @@ bool AgentRunner::agentStartRequested(AgentStartReason reason, common::Event& st
         LogStream(Level::Info) << "tarnag.exe start timestamp: " << timestamp;
         result = startAgent(reason, stopEvent);
         if (result == Result::Finished) {
-            LogStream(Level::Info)
-                << "Tarnag agent finished successfully. Updating last successfull start timestamp.";
+            LogStream(Level::Info) << "Tarnag agent finished successfully. Updating last successfull start timestamp.";
             storeLastStartTimestamp(timestamp);
         } else if (result == Result::Failed) {
             LogStream(Level::Error) << "Failed to start tarnpatch agent (tarnag.exe)";

@@ -3,9 +3,9 @@
 #include "common/commonfactory.h"
 #include "common/event.h"
 #include "tarnhd/agentrunner.h"
-#include "tarnhd/guarded.h"
 #include "tarnhd/pinnedthread.h"
 #include "vxtl/globalmutex.h"
+#include "vxtl/guarded.h"
 
 #include <windows.h>
 
@@ -26,12 +26,10 @@ TarnpatchManager::TarnpatchManager(const std::shared_ptr<settings::Settings>& se
     : m_commonFactory(commonFactory), m_settings(settings), m_status(settings),
       m_startEvent(
           commonFactory->createEvent(false, false, startEventName, false, sync::accessibleSecurityDescriptor())),
-      m_stopEvent(createStopEvent()),
-      m_runner(std::make_shared<AgentRunner>(
-          m_settings, m_status, commonFactory, m_startEvent, retryPause, std::move(now))),
+      m_stopEvent(createStopEvent()), m_runner(std::make_shared<AgentRunner>(m_settings, m_status, commonFactory,
+                                          m_startEvent, retryPause, std::move(now))),
       m_stopTimeout(stopTimeout)
-{
-}
+{}
 
 TarnpatchManager::~TarnpatchManager()
 {
@@ -105,8 +103,7 @@ bool TarnpatchManager::stop()
     }
     if (!sync::waitForSingleObject(*m_actionThread, static_cast<unsigned long>(m_stopTimeout.count()))) {
         LogStream(Level::Warning) << "TarnpatchManager action thread was not finished during "
-                                  << std::chrono::duration_cast<std::chrono::seconds>(m_stopTimeout).count()
-                                  << " sec.";
+                                  << std::chrono::duration_cast<std::chrono::seconds>(m_stopTimeout).count() << " sec.";
         // The late thread keeps its event, set for good: the next start must not call it back.
         m_stopEvent = createStopEvent();
     }

@@ -1,6 +1,6 @@
 #include "tarnhd/pinnedthread.h"
 
-#include "tarnhd/guarded.h"
+#include "vxtl/guarded.h"
 #include "vxtl/win32exception.h"
 
 #include <windows.h>

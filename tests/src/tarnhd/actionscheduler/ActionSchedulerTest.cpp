@@ -1,7 +1,8 @@
 #include "tarnhd/actionscheduler.h"
 
-#include "looptest.h"
+#include "support/fakeclock.h"
 #include "support/logcapture.h"
+#include "support/record.h"
 
 #include <gmock/gmock.h>
 

@@ -1,7 +1,8 @@
 #include "tarnhd/taskscheduler.h"
 
-#include "looptest.h"
+#include "support/fakeclock.h"
 #include "support/logcapture.h"
+#include "support/record.h"
 
 #include <gmock/gmock.h>
 
@@ -79,8 +80,9 @@ TEST_F(TaskSchedulerTest, keepsOneUniqueTaskPerNameTheEarlierOne)
     EXPECT_EQ(schedule("u", 7000, true), start + 5000 * ticksPerMillisecond);
     EXPECT_EQ(schedule("u", 2000, true), start + 2000 * ticksPerMillisecond);
     schedule("b", 2000);
+    EXPECT_EQ(schedule("u", 1500, true), start + 1500 * ticksPerMillisecond);
     schedule("u", 1000); // not unique itself, so it is no replacement
-    EXPECT_THAT(take(4, 2000), ElementsAre("u", "a", "u", "b"));
+    EXPECT_THAT(take(4, 2000), ElementsAre("u", "u", "a", "b"));
     EXPECT_EQ(scheduler.cancel("u", 0), 0u);
 }
 
@@ -106,7 +108,9 @@ TEST_F(TaskSchedulerTest, defersWhatIsDueSooner)
     clock.advance(milliseconds(700));
     scheduler.deferAtLeast(milliseconds(4000));
     schedule("between", 3999);
-    EXPECT_THAT(take(4, 9000), ElementsAre("between", "sooner", "soon", "late"));
+    EXPECT_THAT(take(3, 4000), ElementsAre("between", "sooner", "soon"));
+    schedule("before late", 4000);
+    EXPECT_THAT(take(2, 5000), ElementsAre("before late", "late"));
 }
 
 TEST_F(TaskSchedulerTest, addsARandomTimeWithBothEnds)

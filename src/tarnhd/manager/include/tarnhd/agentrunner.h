@@ -26,9 +26,8 @@ namespace vx::tarn {
 /// that can block. Apart from actionThread all operations are for any thread.
 class AgentRunner {
 public:
-    AgentRunner(const TarnpatchSettings& settings, const TarnpatchStatus& status,
-        common::CommonFactory* commonFactory, std::shared_ptr<common::Event> startEvent,
-        std::chrono::milliseconds retryPause, WallClock now);
+    AgentRunner(const TarnpatchSettings& settings, const TarnpatchStatus& status, common::CommonFactory* commonFactory,
+        std::shared_ptr<common::Event> startEvent, std::chrono::milliseconds retryPause, WallClock now);
     AgentRunner(const AgentRunner&) = delete;
     AgentRunner& operator=(const AgentRunner&) = delete;
 

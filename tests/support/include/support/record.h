@@ -1,10 +1,7 @@
 #pragma once
 
-#include "tarnhd/wallclock.h"
-
 #include <gtest/gtest.h>
 
-#include <atomic>
 #include <chrono>
 #include <condition_variable>
 #include <mutex>
@@ -13,18 +10,8 @@
 
 namespace support {
 
+/// Generous: a wait that reaches it has failed.
 inline constexpr std::chrono::seconds deadline{60};
-
-/// A clock that a test sets.
-struct FakeClock {
-    std::atomic<vx::tarn::Ticks> now{1'000'000'000'000};
-
-    vx::tarn::WallClock function()
-    {
-        return [this] { return now.load(); };
-    }
-    void advance(std::chrono::milliseconds by) { now += by.count() * vx::tarn::ticksPerMillisecond; }
-};
 
 /// What ran, in order; another thread can wait for the nth entry.
 class Record {
@@ -35,6 +22,11 @@ public:
         m_entries.push_back(entry);
         m_added.notify_all();
     }
+    std::size_t size() const
+    {
+        const std::lock_guard lock(m_mutex);
+        return m_entries.size();
+    }
     std::vector<std::string> waitFor(std::size_t count)
     {
         std::unique_lock lock(m_mutex);
@@ -43,7 +35,7 @@ public:
     }
 
 private:
-    std::mutex m_mutex;
+    mutable std::mutex m_mutex;
     std::condition_variable m_added;
     std::vector<std::string> m_entries;
 };

@@ -1,0 +1,138 @@
+#include "vxtl/process/process.h"
+#include "support/logcapture.h"
+#include "vxtl/users/useraccount.h"
+#include "vxtl/win32exception.h"
+
+#include <windows.h>
+
+#include <filesystem>
+#include <istream>
+#include <ostream>
+
+using namespace vx;
+using namespace vx::process;
+namespace fs = std::filesystem;
+
+namespace {
+
+constexpr unsigned long deadlineMs = 30000;
+const std::wstring none;
+constexpr unsigned long tokenFlags = CREATE_NO_WINDOW | CREATE_UNICODE_ENVIRONMENT;
+
+std::wstring self()
+{
+    wchar_t path[MAX_PATH];
+    return {path, GetModuleFileNameW(nullptr, path, MAX_PATH)};
+}
+
+std::wstring selfAsChild(const std::wstring& part)
+{
+    return L"\"" + self() + L"\" child " + part;
+}
+
+std::uint32_t exitCode(const Process& process)
+{
+    EXPECT_TRUE(sync::waitForSingleObject(process, deadlineMs));
+    return process.getReturnCode();
+}
+
+SharedHandle ownToken()
+{
+    HANDLE token = nullptr;
+    EXPECT_TRUE(OpenProcessToken(GetCurrentProcess(), TOKEN_ALL_ACCESS, &token));
+    return std::make_shared<KernelHandle>(token);
+}
+
+} // namespace
+
+TEST(Process, failsOnWhatIsNotThere)
+{
+    try {
+        Process(L"no such folder\\no such program.exe", none, none, Credentials());
+        FAIL() << "no exception";
+    } catch (const Win32Exception&) {
+        FAIL() << "the system was asked";
+    } catch (const BaseException& exception) {
+        EXPECT_STREQ(exception.reason().c_str(), L"Executable file does not exists");
+        EXPECT_THAT(exception.what(), testing::HasSubstr("Function: vx::process::Process::Process,"));
+    }
+    for (const auto& [token, reason] : {std::pair<SharedHandle, const wchar_t*>(nullptr, L"Can't create process"),
+             {ownToken(), L"CreateProcessAsUser failed"}}) {
+        try {
+            Process(L"nosuchprogram.exe", tokenFlags, Redirect::StandardOutput, token ? token->get() : nullptr);
+            FAIL() << "no exception";
+        } catch (const Win32Exception& exception) {
+            EXPECT_EQ(exception.reason(), reason);
+            EXPECT_EQ(exception.code(), ERROR_FILE_NOT_FOUND);
+            EXPECT_THAT(exception.what(), testing::HasSubstr("Function: vx::process::Process::createProcess,"));
+        }
+        HANDLE thread = nullptr;
+        EXPECT_FALSE(OpenThreadToken(GetCurrentThread(), TOKEN_QUERY, TRUE, &thread)) << "still impersonated";
+    }
+}
+
+TEST(Process, talksThroughTheRedirectedStreamsOnly)
+{
+    const auto all = Redirect::StandardInput | Redirect::StandardOutput | Redirect::StandardError;
+    Process process(selfAsChild(L"echo"), 0, all, nullptr);
+    *process.stdinStream() << "hello\n";
+    EXPECT_EQ(exitCode(process), 3u);
+    std::string out(9, ' ');
+    EXPECT_TRUE(process.stdoutStream()->read(out.data(), 9));
+    EXPECT_EQ(out, "out hello");
+    // The child's ends are closed here, so its death is seen instead of waited for.
+    EXPECT_EQ(process.stdoutStream()->get(), EOF);
+    EXPECT_TRUE(process.stdoutStream()->bad());
+    EXPECT_TRUE(process.stdinStream()->write("x", 1).bad());
+
+    Process output(selfAsChild(L"exit 1"), 0, Redirect::StandardOutput, nullptr);
+    EXPECT_FALSE(output.stdinStream());
+    EXPECT_TRUE(output.stdoutStream());
+    EXPECT_FALSE(output.stderrStream());
+}
+
+TEST(Process, letsTheChildSeeTheEndOfItsInputWhenDestroyed)
+{
+    SharedHandle handle;
+    {
+        Process process(selfAsChild(L"drain"), 0, Redirect::StandardInput, nullptr);
+        handle = process.processHandle();
+        EXPECT_EQ(process.getReturnCode(), STILL_ACTIVE);
+        *process.stdinStream() << "1234567";
+    }
+    ASSERT_TRUE(sync::details::waitForSingleObject(handle->get(), deadlineMs));
+    DWORD code = 0;
+    EXPECT_TRUE(GetExitCodeProcess(handle->get(), &code));
+    EXPECT_EQ(code, 7u);
+}
+
+TEST(Process, startsAnExecutableWhosePathHasBlanksInItsOwnFolder)
+{
+    const fs::path folder = fs::temp_directory_path() / "vxtl process test";
+    fs::remove_all(folder);
+    fs::create_directories(folder / "elsewhere");
+    fs::copy_file(self(), folder / "the child.exe");
+    const std::wstring child = folder / "the child.exe";
+    EXPECT_EQ(exitCode(Process(child, L"child cwd", none, Credentials())), 5u);
+    EXPECT_EQ(exitCode(Process(child, L"child cwd", folder / "elsewhere", Credentials())), 6u);
+    std::error_code busy;
+    fs::remove_all(folder, busy);
+}
+
+TEST(Process, runsUnderTheCallersOwnToken)
+{
+    support::LogCapture log;
+    const SharedHandle token = ownToken();
+    Process process(selfAsChild(L"exit 42"), tokenFlags, Redirect::None, token->get());
+    EXPECT_EQ(exitCode(process), 42u);
+    EXPECT_EQ(log.count(" with credentials: '"), 1u);
+    EXPECT_GT(users::UserAccount(token->get()).user().size(), 0u);
+}
+
+TEST(Process, tellsWhyWhenTheTokenMayNotBeDuplicated)
+{
+    HANDLE raw = nullptr;
+    ASSERT_TRUE(OpenProcessToken(GetCurrentProcess(), TOKEN_QUERY, &raw));
+    const KernelHandle token(raw);
+    EXPECT_THROW(Process(selfAsChild(L"exit 1"), tokenFlags, Redirect::None, token.get()), Win32Exception);
+}

@@ -1,0 +1,69 @@
+#include "common/registrykeynotifier.h"
+#include "common/event.h"
+#include "support/logcapture.h"
+#include "vxtl/registry.h"
+#include "vxtl/win32exception.h"
+
+#include <gtest/gtest.h>
+#include <windows.h>
+
+namespace vx::tarn::common {
+namespace {
+
+class RegistryKeyNotifierTest : public testing::Test {
+protected:
+    RegistryKeyNotifierTest()
+    {
+        if (m_software->doesKeyExist(name))
+            m_software->deleteTree(name);
+        m_key = m_software->createKey(name);
+    }
+    ~RegistryKeyNotifierTest() override { m_software->deleteTree(name); }
+
+    static constexpr const wchar_t* name = L"TarnhdNotifierTest";
+    static constexpr const wchar_t* path = L"Software\\TarnhdNotifierTest";
+    std::shared_ptr<registry::RegistryKey> m_software =
+        registry::createWin32Registry()->openKey(L"HKEY_CURRENT_USER\\Software", registry::allAccess);
+    std::shared_ptr<registry::RegistryKey> m_key;
+    std::shared_ptr<Event> m_event = Event::createAutoResetEvent({}, false);
+    RegistryKeyNotifier m_notifier;
+};
+
+TEST_F(RegistryKeyNotifierTest, tellsOncePerRequest)
+{
+    EXPECT_TRUE(m_notifier.initialize(HKEY_CURRENT_USER, path, KEY_NOTIFY));
+    EXPECT_FALSE(m_notifier.initialize(HKEY_CURRENT_USER, path, KEY_NOTIFY));
+    m_notifier.notifyChangeKeyValue(REG_NOTIFY_CHANGE_NAME, *m_event);
+    EXPECT_FALSE(sync::waitForSingleObject(*m_event, 0));
+    m_key->createKey(L"one");
+    EXPECT_TRUE(sync::waitForSingleObject(*m_event, 30'000));
+    m_key->createKey(L"two");
+    EXPECT_FALSE(sync::waitForSingleObject(*m_event, 0));
+    m_notifier.notifyChangeKeyValue(REG_NOTIFY_CHANGE_NAME, *m_event);
+    m_key->deleteKey(L"two");
+    EXPECT_TRUE(sync::waitForSingleObject(*m_event, 30'000));
+}
+
+TEST_F(RegistryKeyNotifierTest, throwsWhereNothingIsOpen)
+{
+    const auto functionOf = [](auto operation, unsigned long code) {
+        try {
+            operation();
+        } catch (const Win32Exception& e) {
+            EXPECT_EQ(e.code(), code);
+            const std::string text = e.what();
+            return text.substr(text.find("Function: "), text.find(", File") - text.find("Function: "));
+        }
+        return std::string("nothing thrown");
+    };
+    EXPECT_EQ(functionOf([&] { m_notifier.initialize(HKEY_CURRENT_USER, L"Software\\No such key", KEY_NOTIFY); },
+                  ERROR_FILE_NOT_FOUND),
+        "Function: vx::tarn::common::RegistryKeyNotifier::initialize");
+    EXPECT_EQ(
+        functionOf([&] { m_notifier.notifyChangeKeyValue(REG_NOTIFY_CHANGE_NAME, *m_event); }, ERROR_INVALID_HANDLE),
+        "Function: vx::tarn::common::RegistryKeyNotifier::notifyChangeKeyValue");
+    EXPECT_TRUE(m_notifier.initialize(HKEY_CURRENT_USER, path, KEY_NOTIFY)) << "a failure leaves it closed";
+}
+
+} // namespace
+} // namespace vx::tarn::common
