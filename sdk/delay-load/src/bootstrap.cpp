@@ -61,6 +61,8 @@ LoadStatus Bootstrap::initialize(const LoadContext& context, const Initializer& 
     const std::lock_guard lock(m_mutex);
     LoadResult record{};
     try {
+        if (!initializer)
+            throw LateLoadFailure{LoadStatus::Other, {}, {}};
         LateBinder binder(*this, context);
         initializer(binder);
     } catch (const LateLoadFailure& failure) {

@@ -24,7 +24,8 @@ TEST(BaseException, reportsReasonAndPlaceInOneLine)
     const std::wstring report = caught(L"went wrong").wideWhat();
     EXPECT_EQ(report.find(L"Type: vx::BaseException, Reason: went wrong, Function: "
                           L"vx::`anonymous-namespace'::Thrower::fail, File: tests/sdk/vxtl/ExceptionTest.cpp, Line: "),
-        0u) << std::string(report.begin(), report.end());
+        0u)
+        << std::string(report.begin(), report.end());
 }
 
 TEST(BaseException, takesNullTextsForEmptyOnes)

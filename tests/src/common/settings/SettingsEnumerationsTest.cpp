@@ -62,7 +62,7 @@ TEST(SettingsEnumerationsTest, patchStatesConvertBothWays)
 TEST(SettingsEnumerationsTest, anythingElseIsInvalid)
 {
     EXPECT_EQ("Invalid value for ModeItem", failureOf([] { toModeItem(L"Disable"); }));
-    EXPECT_EQ("Invalid value for FrequencyItem", failureOf([] { toFrequencyItem(L""); }));
+    EXPECT_EQ("Invalid value for FrequencyItem", failureOf([] { toFrequencyItem({}); }));
     EXPECT_EQ("Invalid value for ShowFlyerPolicyItem", failureOf([] { toShowFlyerPolicyItem(L" nobody"); }));
     EXPECT_EQ("Invalid value for UseHttpProxyItem", failureOf([] { toUseHttpProxyItem(L"yes"); }));
     EXPECT_EQ("Invalid value for ResultItem", failureOf([] { toText(static_cast<ResultItem>(4)); }));
