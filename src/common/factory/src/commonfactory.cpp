@@ -57,7 +57,7 @@ std::shared_ptr<ISyncFolders> CommonFactory::createSyncFolders()
 
 std::shared_ptr<ISystemRestorePoint> CommonFactory::createSystemRestorePoint()
 {
-    return std::make_shared<SystemRestorePoint>();
+    return std::make_shared<SystemRestorePoint>(std::make_unique<SystemRestoreDriver>());
 }
 
 std::shared_ptr<registry::Registry> CommonFactory::createRegistry()

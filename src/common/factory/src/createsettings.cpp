@@ -4,13 +4,8 @@
 
 namespace vx::tarn::common {
 
-namespace {
-
 using logging::Level;
 using logging::LogStream;
-using meridia::QrlMeridiaException;
-
-} // namespace
 
 std::shared_ptr<settings::Settings> createSettings(
     const std::function<std::shared_ptr<settings::Settings>()>& make, const CommonFactory::RetryCallback& retry)

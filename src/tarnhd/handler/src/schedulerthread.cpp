@@ -12,7 +12,7 @@ SchedulerThread::SchedulerThread(ActionScheduler& scheduler, std::chrono::millis
 
 SchedulerThread::~SchedulerThread()
 {
-    // A stop of the plug-in may have come before it could see the scheduler.
+    // An owner that leaves with an exception has not been stopped.
     guarded([this] { m_scheduler.stop(); });
     m_thread.join();
 }

@@ -258,14 +258,5 @@ TEST_F(TarnHandlerTest, wakesTheSchedulerOnAResumeOnly)
     EXPECT_EQ(later(1), (Entries{"resume"}));
 }
 
-TEST_F(TarnHandlerTest, survivesAStatusChange)
-{
-    beginAndWait();
-    store.notify(missingUpdatesKey);
-    store.notify(L"status.windows.tarnpatch.installation.log.entries");
-    store.notify(L"windows.tarnpatch.scanning.exclude_updates.by_type");
-    EXPECT_EQ(later(1), (Entries{"scan"}));
-}
-
 } // namespace
 } // namespace vx::tarn

@@ -55,7 +55,7 @@ public:
     std::shared_ptr<vx::tarn::common::Event> createEvent(
         bool manual, bool state, const std::wstring&, bool inherit, void*) override
     {
-        return vx::tarn::common::createEvent(manual, state, L"", inherit);
+        return vx::tarn::common::createEvent(manual, state, {}, inherit);
     }
 
 private:
