@@ -25,6 +25,7 @@ using logging::LogStream;
 
 std::unique_ptr<Subscriptions> TarnHandler::subscribeToChanges()
 {
+    VX_LOG_SCOPE();
     const auto setStatusChanged = [this] { m_statusChangedEvent->set(); };
     const auto scan = [this] { startScan(); };
     const std::map<std::wstring, std::function<void()>> handlers{
@@ -46,6 +47,7 @@ std::unique_ptr<Subscriptions> TarnHandler::subscribeToChanges()
 
 void TarnHandler::setupActionScheduler()
 {
+    VX_LOG_SCOPE();
     const auto interval = m_tarnpatchSettings->scanning.automatic.pollingInterval();
     LogStream(Level::Info) << "Setup action scheduler. Polling interval: " << interval.count() << " minute(s)";
     const std::chrono::milliseconds period = interval;
@@ -56,6 +58,7 @@ void TarnHandler::setupActionScheduler()
 
 void TarnHandler::updateEnabledStatus()
 {
+    VX_LOG_SCOPE();
     const bool wasEnabled = m_tarnpatchStatus->enabled();
     const bool enable = m_tarnpatchSettings->enabled();
     LogStream(Level::Info) << "Tarnpatch enabled status: wasEnabled = " << wasEnabled << ", enable = " << enable;
@@ -72,12 +75,14 @@ void TarnHandler::updateEnabledStatus()
 
 void TarnHandler::startScan()
 {
+    VX_LOG_SCOPE();
     LogStream(Level::Info) << "tarnag.exe start requested";
     m_updaterLauncher->startScan();
 }
 
 void TarnHandler::startScanSignalChanged()
 {
+    VX_LOG_SCOPE();
     const auto& request = m_tarnpatchSettings->remoteOperations.scanForUpdates;
     const auto start = request.start();
     const auto ack = request.ack();
@@ -95,6 +100,7 @@ void TarnHandler::startScanSignalChanged()
 
 void TarnHandler::startDeploymentQueueInstallation()
 {
+    VX_LOG_SCOPE();
     m_statusChangedEvent->set();
     if (m_tarnpatchSettings->installation.deploymentQueue().empty())
         LogStream(Level::Debug) << "No items in a deployment queue. No need to start tarnag.";
@@ -104,6 +110,7 @@ void TarnHandler::startDeploymentQueueInstallation()
 
 void TarnHandler::onPostRebootDeployCompleted()
 {
+    VX_LOG_SCOPE();
     m_actionScheduler->cancelOneTimeTasks();
     m_manager->update();
     m_updaterLauncher->startScan();

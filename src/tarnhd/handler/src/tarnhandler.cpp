@@ -55,6 +55,7 @@ TarnHandler::~TarnHandler() = default;
 
 void TarnHandler::initializeHandler()
 {
+    VX_LOG_SCOPE();
     m_settings = createSettings();
     m_commonFactory->setSettings(m_settings);
     m_tarnpatchSettings = std::make_shared<TarnpatchSettings>(m_settings);
@@ -145,6 +146,7 @@ bool TarnHandler::waitForProfile()
 
 void TarnHandler::processFirstRun()
 {
+    VX_LOG_SCOPE();
     const auto atom = m_commonFactory->createGlobalAtom(postRebootAtom);
     if (atom->exists())
         return;
@@ -184,6 +186,7 @@ bool TarnHandler::waitForStop(std::chrono::milliseconds timeout) const
 
 void TarnHandler::stop()
 {
+    VX_LOG_SCOPE();
     LogStream(Level::Info) << "Plugin stop requested";
     const std::lock_guard lock(m_stopMutex);
     if (isValid(*m_stopEvent))
@@ -206,6 +209,7 @@ void TarnHandler::stopManager() noexcept
 
 void TarnHandler::onPowerEvent(std::uint32_t type, std::uint32_t)
 {
+    VX_LOG_SCOPE();
     VX_LOG_VALUES(type);
     if (type == PBT_APMRESUMEAUTOMATIC && m_initialized)
         m_actionScheduler->onResume();

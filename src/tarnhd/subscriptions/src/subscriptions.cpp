@@ -28,6 +28,7 @@ settings::SubscriptionId Subscriptions::subscribe(
 
 bool Subscriptions::unsubscribe(settings::SubscriptionId id)
 {
+    VX_LOG_SCOPE();
     return guarded(L"Failed to unsubscribe from property: " + nameOf(id) + L". Reason: ", [&] {
         m_settings->unsubscribeFromChanges(id);
         std::erase(m_subscriptionIds, id);
@@ -37,6 +38,7 @@ bool Subscriptions::unsubscribe(settings::SubscriptionId id)
 
 void Subscriptions::unsubscribeAll()
 {
+    VX_LOG_SCOPE();
     const auto ids = m_subscriptionIds;
     for (const auto id : ids)
         if (!unsubscribe(id))
