@@ -178,3 +178,9 @@ TEST_F(LibraryTest, staysLoadedWhileAHandleIsOpen)
     FreeLibrary(std::exchange(module, nullptr));
     EXPECT_FALSE(loaded());
 }
+
+TEST_F(LibraryTest, aProcessEndsCalmlyWithAHandleLeftOpen)
+{
+    server.start();
+    EXPECT_EQ(awaitChild(startChild(L"--leave \"" + libraryPath() + L"\"")), 7U);
+}

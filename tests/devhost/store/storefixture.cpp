@@ -32,11 +32,13 @@ StoreTest::StoreTest()
 StoreTest::~StoreTest()
 {
     server.stop();
+    for (const auto& child : m_children)
+        killChild(child);
     std::error_code ignored;
     std::filesystem::remove_all(folder, ignored);
 }
 
-vx::SharedHandle StoreTest::startChild(const std::wstring& arguments) const
+vx::SharedHandle StoreTest::startChild(const std::wstring& arguments)
 {
     wchar_t program[MAX_PATH] = {};
     GetModuleFileNameW(nullptr, program, MAX_PATH);
@@ -47,7 +49,7 @@ vx::SharedHandle StoreTest::startChild(const std::wstring& arguments) const
     EXPECT_TRUE(
         CreateProcessW(program, commandLine.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr, &startup, &process));
     CloseHandle(process.hThread);
-    return std::make_shared<vx::KernelHandle>(process.hProcess);
+    return m_children.emplace_back(std::make_shared<vx::KernelHandle>(process.hProcess));
 }
 
 void StoreTest::writeFile(const std::string& content) const

@@ -33,7 +33,7 @@ struct StoreTest : testing::Test {
     ~StoreTest() override;
 
     /// This program again, with arguments; see main.cpp.
-    vx::SharedHandle startChild(const std::wstring& arguments) const;
+    vx::SharedHandle startChild(const std::wstring& arguments);
     void writeFile(const std::string& content) const;
     std::string readFile() const;
 
@@ -44,6 +44,9 @@ struct StoreTest : testing::Test {
     Heard heard; ///< of callbacks, so it outlives the clients
     devhost::store::Client tool;
     devhost::store::Client client;
+
+private:
+    std::vector<vx::SharedHandle> m_children; ///< killed at the end, if a failed test has not done so
 };
 
 void killChild(const vx::SharedHandle& process);
