@@ -70,7 +70,12 @@ ExitCode call(const Context& context, const nlohmann::json& message)
 ExitCode requestScan(const Context& context, std::optional<unsigned> waitSeconds)
 {
     RemoteOperation operation(context, keys::scanStart, keys::scanAck);
-    return request(operation, waitSeconds);
+    const auto code = request(operation, waitSeconds);
+    const auto enabled = store::Client(context.instance).get(std::string(keys::statusEnabled));
+    if (enabled && *enabled == store::Value::fromBool(false))
+        context.printer.event("warning", "the feature is off: requests are closed without a scan (see enable)",
+            {{"warning", "feature off"}});
+    return code;
 }
 
 ExitCode requestInstallation(const Context& context, const std::string& descriptor, std::optional<unsigned> waitSeconds)

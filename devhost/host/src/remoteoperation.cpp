@@ -56,10 +56,11 @@ RemoteOperation::Outcome RemoteOperation::openAndWait(std::chrono::seconds timeo
         return Outcome::TimedOut;
     if (!closed.isSet())
         return Outcome::Stopped;
-    const std::chrono::duration<double> taken = std::chrono::steady_clock::now() - begin;
+    const auto taken =
+        std::chrono::duration_cast<std::chrono::milliseconds>(std::chrono::steady_clock::now() - begin).count();
     m_context.printer.event("acknowledged",
-        "request " + std::to_string(number) + " was acknowledged after " + std::to_string(taken.count()) + " s",
-        {{"ack", number}, {"seconds", taken.count()}});
+        "request " + std::to_string(number) + " was acknowledged after " + std::to_string(taken) + " ms",
+        {{"ack", number}, {"milliseconds", taken}});
     return Outcome::Acknowledged;
 }
 

@@ -1,4 +1,6 @@
 #include "childprocess.h"
+#include "store/client.h"
+#include "store/server.h"
 
 #include <gmock/gmock.h>
 #include <nlohmann/json.hpp>
@@ -7,6 +9,7 @@
 
 namespace {
 
+namespace store = devhost::store;
 using nlohmann::json;
 using support::ChildProcess;
 using testing::HasSubstr;
@@ -24,6 +27,16 @@ protected:
     {
         return std::make_unique<ChildProcess>(
             L"\"" + (folder.path() / "tarnag.exe").native() + L"\" " + arguments, folder.path());
+    }
+
+    /// Gives the agent the store's client library and an instance of its own.
+    std::wstring useStore()
+    {
+        const wchar_t* library = L"vx_qrl_meridia_32.dll";
+        std::filesystem::copy_file(support::programFolder() / library, folder.path() / library);
+        const auto instance = L"agent-test" + std::to_wstring(GetCurrentProcessId());
+        SetEnvironmentVariableW(L"TARNHD_INSTANCE", instance.c_str());
+        return instance;
     }
 
     unsigned long run(const std::wstring& arguments = {}) { return start(arguments)->wait().value_or(999); }
@@ -57,19 +70,22 @@ TEST_F(TarnagTest, carriesOutOneEntryPerStart)
 TEST_F(TarnagTest, listsItsStartsWithTheProductsCommandLines)
 {
     script(R"({"runs": [{"exitCode": 3}]})");
-    const std::vector<std::pair<std::wstring, json>> rows{
+    const struct {
+        const wchar_t* arguments;
+        json listed;
+    } rows[] = {
         {L"", json::array()},
         {L"-c complete", {"-c", "complete"}},
         {L"--command=queue --severity=important", {"--command=queue", "--severity=important"}},
         {L"--command=queue --severity=", {"--command=queue", "--severity="}},
     };
-    for (const auto& [arguments, listed] : rows) {
-        EXPECT_EQ(run(arguments), 3u);
+    for (const auto& row : rows) {
+        EXPECT_EQ(run(row.arguments), 3u);
         const auto entries = journal();
         ASSERT_GE(entries.size(), 2u);
         const auto& begin = entries[entries.size() - 2];
         EXPECT_EQ(begin.at("event"), "start");
-        EXPECT_EQ(begin.at("arguments"), listed);
+        EXPECT_EQ(begin.at("arguments"), row.listed);
         EXPECT_EQ(entries.back().at("exit_code"), 3);
         EXPECT_EQ(entries.back().at("pid"), begin.at("pid"));
     }
@@ -90,6 +106,35 @@ TEST_F(TarnagTest, waitsForTheEventItIsTold)
     EXPECT_EQ(agent->wait(), 5u);
     CloseHandle(go);
     CloseHandle(started);
+}
+
+TEST_F(TarnagTest, writesItsResultsToTheStore)
+{
+    const auto instance = useStore();
+    store::Server server((folder.path() / "store.json").native(), instance);
+    server.start();
+    script(R"({"runs": [{"missingUpdates": [{"update_id": "A"}], "exitCode": 0, "set": {
+        "status.windows.tarnpatch.installation.last_installation.restart_computer_needed": true,
+        "windows.tarnpatch.scanning.automatic.polling_interval": 5, "x.text": "\u20ac"}}]})");
+    const auto agent = start();
+    EXPECT_EQ(agent->wait(), 0u) << agent->errors();
+    store::Client client(instance);
+    EXPECT_EQ(client.get("status.windows.tarnpatch.scanning.last_scanning.missing_updates"),
+        store::Value::fromObject(R"([{"update_id":"A"}])"));
+    EXPECT_EQ(client.get("status.windows.tarnpatch.installation.last_installation.restart_computer_needed"),
+        store::Value::fromBool(true));
+    EXPECT_EQ(client.get("windows.tarnpatch.scanning.automatic.polling_interval"), store::Value::fromInt32(5));
+    EXPECT_EQ(client.get("x.text"), store::Value::fromString("\xE2\x82\xAC"));
+}
+
+TEST_F(TarnagTest, endsWithACodeOfItsOwnWithoutAStore)
+{
+    useStore();
+    script(R"({"runs": [{"missingUpdates": []}]})");
+    const auto agent = start();
+    EXPECT_EQ(agent->wait(), 21u);
+    EXPECT_THAT(agent->errors(), testing::StartsWith("tarnag: "));
+    EXPECT_EQ(journal().back().at("exit_code"), 21);
 }
 
 TEST_F(TarnagTest, keepsTheListWholeWhenManyRunAtOnce)
