@@ -58,21 +58,31 @@ TEST_F(StoreOutageTest, writesMadeMeanwhileArriveWhenTheStoreIsBack)
 
 TEST_F(StoreOutageTest, survivesEveryErrorCodeOnEveryKindOfCall)
 {
+    using namespace devhost::store;
     startHost();
-    using devhost::store::FaultKind;
     std::int64_t request = 0;
     for (int code = 1; code <= 25; ++code) {
-        for (const char* kind : {"get", "set"}) {
-            SCOPED_TRACE(std::string(kind) + " " + std::to_string(code));
-            EXPECT_NO_THROW(client.addFault({devhost::store::parseFaultKind(kind), code, 9, {}}));
+        for (const Operation operation : {Operation::Get, Operation::Set}) {
+            SCOPED_TRACE(std::string(operationName(operation)) + " " + std::to_string(code));
+            client.addFault({operation, static_cast<ErrorCode>(code), 9, {}});
             setNumber(scanStart, ++request);
-            waitForLog("No need to start scanning.", 0);
             client.clearFaults();
             // The next good request is served, whatever became of the faulty one.
             scan(++request);
             ASSERT_TRUE(hostRuns());
         }
     }
+    EXPECT_EQ(stopHost(), 0u);
+}
+
+TEST_F(StoreOutageTest, goesOnWithoutTheKeysItCannotSubscribeTo)
+{
+    using namespace devhost::store;
+    startStoreAlone();
+    client.addFault({Operation::Subscribe, ErrorCode::AccessDenied, 2, enabled});
+    startHost();
+    EXPECT_EQ(logCount("Failed to subscribe to a property windows.tarnpatch.enabled. Reason: "), 1u);
+    scan(1);
     EXPECT_EQ(stopHost(), 0u);
 }
 
