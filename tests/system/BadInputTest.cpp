@@ -21,7 +21,7 @@ TEST_F(BadInputTest, valuesOfTheWrongTypeCountAsMissing)
     client.set(lastScan, Value::fromString("garbage"));
     client.set(status + "installation.last_installation.restart_computer_needed", Value::fromString("garbage"));
     startHost();
-    EXPECT_EQ(logCount("Failed to read a bool value: windows.tarnpatch.enabled"), 1u);
+    EXPECT_GE(logCount("Failed to read a bool value: windows.tarnpatch.enabled"), 1u);
     EXPECT_GE(logCount("Setting 'windows.tarnpatch.enabled' not found - fallback to default value"), 1u);
     scan(1);
     EXPECT_EQ(stopHost(), 0u);
@@ -46,8 +46,8 @@ TEST_F(BadInputTest, theHostProgramSaysWhatIsWrongInOneLine)
     EXPECT_EQ(command("get " + enabled), 3u) << "no store";
     EXPECT_EQ(command("status"), 3u);
     startHost();
-    EXPECT_EQ(command("set no.such.key 1"), 1u);
-    EXPECT_EQ(command("set " + enabled + " maybe"), 1u);
+    EXPECT_EQ(command("set no.such.key 1"), 2u);
+    EXPECT_EQ(command("set " + enabled + " maybe"), 2u);
     EXPECT_EQ(command("get no.such.key"), 1u);
     EXPECT_EQ(command("dance"), 2u);
     EXPECT_EQ(command("run"), 5u) << "a second host";
