@@ -36,7 +36,7 @@ endif()
 # Header-only libraries are copied out of the system's include folder one by one: that folder itself
 # must not be seen by the cross compiler.
 set(header_libraries ${CMAKE_BINARY_DIR}/header-libraries)
-foreach(library nlohmann CLI spdlog)
+foreach(library nlohmann CLI spdlog fmt)
     if(EXISTS /usr/include/${library} AND NOT EXISTS ${header_libraries}/${library})
         file(COPY /usr/include/${library} DESTINATION ${header_libraries})
     endif()

@@ -41,6 +41,19 @@ std::wstring widen(const char* text)
     return result;
 }
 
+// UTF-8 to UTF-16 with room for as many units as bytes; 0 when the system can't. Plain ASCII, nearly every
+// message, needs no system call.
+int convert(const char* text, int size, wchar_t* target)
+{
+    unsigned char all = 0;
+    for (int i = 0; i < size; ++i) {
+        const auto byte = static_cast<unsigned char>(text[i]);
+        all |= byte;
+        target[i] = byte;
+    }
+    return all < 0x80 ? size : MultiByteToWideChar(CP_UTF8, 0, text, size, target, size);
+}
+
 std::wstring orEmpty(const wchar_t* text)
 {
     return text ? text : L"";
@@ -177,8 +190,7 @@ void LoggerWin::logNarrow(int level, const char* format, std::va_list arguments)
     if (message.size() > smallBufferSize)
         large.reset(new wchar_t[headerSize + message.size() + 1]);
     wchar_t* record = large ? large.get() : small;
-    const int bytes = static_cast<int>(message.size());
-    const int length = MultiByteToWideChar(CP_UTF8, 0, message.data(), bytes, record + headerSize, bytes);
+    const int length = convert(message.data(), static_cast<int>(message.size()), record + headerSize);
     if (length <= 0) {
         log(failureLevel, L"VX_QRL_LOG failure: unable to convert ANSI to UNICODE. Format: %S", format);
         return;

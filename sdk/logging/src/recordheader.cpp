@@ -1,6 +1,9 @@
 #include "logging/details/recordheader.h"
 
 #include <algorithm>
+#include <atomic>
+#include <bit>
+#include <cstdint>
 #include <windows.h>
 
 namespace VxQrlLogging {
@@ -36,6 +39,38 @@ private:
     wchar_t* m_end = m_text;
 };
 
+constexpr std::uint64_t ticksPerSecond = 10'000'000;
+
+// Seconds that local time is ahead of UTC. The system's conversion costs more than all the formatting, so
+// its answer serves for the rest of the second: the second in the upper half, the answer in the lower.
+std::int32_t localOffset(std::uint64_t utc) noexcept
+{
+    static std::atomic<std::uint64_t> known{0};
+    const auto second = static_cast<std::uint32_t>(utc / ticksPerSecond);
+    const std::uint64_t found = known.load(std::memory_order_relaxed);
+    if (found >> 32 == second)
+        return static_cast<std::int32_t>(found);
+    const auto utcTime = std::bit_cast<FILETIME>(utc);
+    FILETIME localTime = utcTime;
+    FileTimeToLocalFileTime(&utcTime, &localTime);
+    const auto ahead = static_cast<std::int64_t>(std::bit_cast<std::uint64_t>(localTime) - utc);
+    const auto offset = static_cast<std::int32_t>(ahead / static_cast<std::int64_t>(ticksPerSecond));
+    known.store(std::uint64_t{second} << 32 | static_cast<std::uint32_t>(offset), std::memory_order_relaxed);
+    return offset;
+}
+
+SYSTEMTIME localTime() noexcept
+{
+    FILETIME now;
+    GetSystemTimeAsFileTime(&now);
+    const auto utc = std::bit_cast<std::uint64_t>(now);
+    const std::uint64_t ahead = static_cast<std::uint64_t>(std::int64_t{localOffset(utc)}) * ticksPerSecond;
+    now = std::bit_cast<FILETIME>(utc + ahead);
+    SYSTEMTIME time{};
+    FileTimeToSystemTime(&now, &time);
+    return time;
+}
+
 } // namespace
 
 RecordTime RecordTime::now(bool utc) noexcept
@@ -44,7 +79,7 @@ RecordTime RecordTime::now(bool utc) noexcept
     if (utc)
         GetSystemTime(&time);
     else
-        GetLocalTime(&time);
+        time = localTime();
     return {time.wYear, time.wMonth, time.wDay, time.wHour, time.wMinute, time.wSecond, time.wMilliseconds};
 }
 

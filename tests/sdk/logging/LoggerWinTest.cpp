@@ -59,6 +59,7 @@ TEST_F(LoggerWinTest, marksEachLevel)
 
 TEST_F(LoggerWinTest, writesMessagesUpToTheLargeBuffer)
 {
+    LogFolder::configure(L"", L"LogMaxSizeKB", 1000);
     open();
     const std::string failure = "VX_QRL_LOG failure: too large message. Format: %s";
     std::vector<std::string> expected;
@@ -70,10 +71,16 @@ TEST_F(LoggerWinTest, writesMessagesUpToTheLargeBuffer)
         logger().log(4, "%s", std::string(size, 'n').c_str());
         expected.push_back(size <= 65534 ? std::string(size, 'n') : failure);
     }
+    for (const std::size_t size : {0, 2046, 2047, 65534, 65535}) {
+        logger().log(4, "%s%s", std::string(size / 2, 'a').c_str(), std::string(size - size / 2, 'b').c_str());
+        expected.push_back(
+            size <= 65534 ? std::string(size / 2, 'a') + std::string(size - size / 2, 'b') : failure + "%s");
+    }
+    logger().log(4, "%s%s", nullptr, "text");
+    expected.push_back("(null)text");
     std::vector<std::string> seen;
-    for (const int index : {2, 1, 0})
-        for (const std::string& message : m_folder.messages(index))
-            seen.push_back(message);
+    for (const std::string& message : m_folder.messages())
+        seen.push_back(message);
     ASSERT_EQ(seen.size(), expected.size());
     for (std::size_t i = 0; i < seen.size(); ++i)
         EXPECT_TRUE(seen[i] == expected[i]) << i << ": " << seen[i].size() << " instead of " << expected[i].size();
@@ -215,7 +222,7 @@ TEST_F(LoggerWinTest, staysSilentWithoutAFolder)
     EXPECT_TRUE(std::filesystem::is_empty(m_folder.root() / "file"));
 }
 
-TEST_F(LoggerWinTest, takesTheEndOfMessagesFromManyThreads)
+TEST_F(LoggerWinTest, survivesCloseAndOpenWhileThreadsLog)
 {
     open();
     std::vector<std::thread> threads;
@@ -224,7 +231,6 @@ TEST_F(LoggerWinTest, takesTheEndOfMessagesFromManyThreads)
             for (int i = 0; i < 50; ++i)
                 logger().log(4, "message");
         });
-    // Closing and opening under fire must neither crash nor hang.
     for (int i = 0; i < 10; ++i) {
         logger().close();
         open();

@@ -1,7 +1,10 @@
 #include "logging/details/banner.h"
 #include "logging/details/recordheader.h"
 
+#include <bit>
+#include <cstdint>
 #include <gtest/gtest.h>
+#include <windows.h>
 
 namespace VxQrlLogging {
 namespace {
@@ -27,6 +30,32 @@ TEST(RecordHeader, hasOneWidthOrIsRefused)
         wchar_t record[headerSize + 1] = {};
         EXPECT_EQ(formatHeader(record, c.time, c.process, c.thread, c.prefix), c.text != nullptr);
         EXPECT_EQ(std::wstring(record), c.text ? c.text : L"");
+    }
+}
+
+TEST(RecordTime, isTheSystemsTime)
+{
+    const auto ticks = [](const SYSTEMTIME& time) {
+        FILETIME file;
+        SystemTimeToFileTime(&time, &file);
+        return std::bit_cast<std::uint64_t>(file);
+    };
+    for (const bool utc : {false, false, true}) {
+        SYSTEMTIME before;
+        SYSTEMTIME after;
+        utc ? GetSystemTime(&before) : GetLocalTime(&before);
+        const RecordTime now = RecordTime::now(utc);
+        utc ? GetSystemTime(&after) : GetLocalTime(&after);
+        SYSTEMTIME time = before;
+        time.wYear = static_cast<WORD>(now.year);
+        time.wMonth = static_cast<WORD>(now.month);
+        time.wDay = static_cast<WORD>(now.day);
+        time.wHour = static_cast<WORD>(now.hour);
+        time.wMinute = static_cast<WORD>(now.minute);
+        time.wSecond = static_cast<WORD>(now.second);
+        time.wMilliseconds = static_cast<WORD>(now.millisecond);
+        EXPECT_LE(ticks(before), ticks(time));
+        EXPECT_LE(ticks(time), ticks(after));
     }
 }
 

@@ -1,0 +1,6 @@
+#pragma once
+
+#include "bench/comparison.h"
+
+/// Rows of calls that the level filters.
+void compareFilteredCalls(bench::Comparison& table);

@@ -1,0 +1,59 @@
+#include "sandbox.h"
+
+#include <stdexcept>
+#include <windows.h>
+
+namespace {
+
+constexpr const wchar_t* loggingKey = L"SOFTWARE\\Vantorix\\QRL\\Logging";
+
+HKEY createKey()
+{
+    HKEY key = nullptr;
+    if (RegCreateKeyExW(HKEY_LOCAL_MACHINE, loggingKey, 0, nullptr, 0, KEY_ALL_ACCESS | KEY_WOW64_32KEY, nullptr, &key,
+            nullptr) != ERROR_SUCCESS)
+        throw std::runtime_error("the logger's configuration can't be written");
+    return key;
+}
+
+void setNumber(HKEY key, const wchar_t* value, DWORD number)
+{
+    RegSetValueExW(key, value, 0, REG_DWORD, reinterpret_cast<const BYTE*>(&number), sizeof number);
+}
+
+} // namespace
+
+Sandbox::Sandbox()
+    : m_root(std::filesystem::temp_directory_path() / ("vx-log-bench-" + std::to_string(GetCurrentProcessId())))
+{
+    clear();
+    std::filesystem::create_directories(m_root);
+    SetEnvironmentVariableW(L"ProgramData", m_root.c_str());
+}
+
+Sandbox::~Sandbox()
+{
+    clear();
+}
+
+void Sandbox::clear() const
+{
+    std::error_code ignored;
+    std::filesystem::remove_all(m_root, ignored);
+    const HKEY key = createKey();
+    RegDeleteTreeW(key, nullptr);
+    RegCloseKey(key);
+}
+
+std::filesystem::path Sandbox::folder(const wchar_t* name1) const
+{
+    return m_root / L"Vantorix" / L"Log" / name1;
+}
+
+void Sandbox::configure(unsigned long maxSizeKb, unsigned long rotateCount)
+{
+    const HKEY key = createKey();
+    setNumber(key, L"LogMaxSizeKB", maxSizeKb);
+    setNumber(key, L"LogRotateCount", rotateCount);
+    RegCloseKey(key);
+}
