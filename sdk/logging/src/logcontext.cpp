@@ -1,29 +1,48 @@
 #include "logging/logcontext.h"
 
-#include <cstdio>
+#include "logging/details/messagetext.h"
+
+#include <mutex>
 
 namespace vx::logging {
 
+namespace {
+
+constexpr unsigned long lockSpinCount = 1500;
+
+void appendControl(details::MessageText& target, unsigned char byte)
+{
+    static constexpr std::string_view named = "0......abtnvfr";
+    if (byte < named.size() && named[byte] != '.') {
+        const char spelled[] = {'\\', named[byte]};
+        target.append({spelled, sizeof spelled});
+        return;
+    }
+    const char octal[] = {'\\', '0', static_cast<char>('0' + byte / 8), static_cast<char>('0' + byte % 8)};
+    target.append({octal, sizeof octal});
+}
+
+void appendEscaped(details::MessageText& target, std::string_view text)
+{
+    std::size_t plain = 0;
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        const auto byte = static_cast<unsigned char>(text[i]);
+        if (byte >= 0x20)
+            continue;
+        target.append(text.substr(plain, i - plain));
+        appendControl(target, byte);
+        plain = i + 1;
+    }
+    target.append(text.substr(plain));
+}
+
+} // namespace
+
 std::string escape(std::string_view text)
 {
-    std::string result;
-    result.reserve(text.size());
-    for (const char c : text) {
-        const auto byte = static_cast<unsigned char>(c);
-        if (byte >= 0x20) {
-            result += c;
-            continue;
-        }
-        static constexpr std::string_view named = "0......abtnvfr";
-        if (byte < named.size() && named[byte] != '.') {
-            result += {'\\', named[byte]};
-            continue;
-        }
-        char octal[8];
-        std::snprintf(octal, sizeof octal, "\\%03o", byte);
-        result += octal;
-    }
-    return result;
+    details::MessageText escaped;
+    appendEscaped(escaped, text);
+    return std::string(escaped.view());
 }
 
 LogContext& LogContext::instance()
@@ -33,9 +52,18 @@ LogContext& LogContext::instance()
     return context;
 }
 
+LogContext::LogContext() : m_lockValid(false), m_lock(lockSpinCount)
+{
+    m_lockValid = m_lock.error() == 0;
+    if (!m_lockValid)
+        VxQrlLogging::log(2, "!!! InitializeCriticalSectionAndSpinCount failed: %i\n", m_lock.error());
+}
+
 int LogContext::takeDepth(int indentChange)
 {
-    const std::lock_guard lock(m_mutex);
+    std::unique_lock lock(m_lock, std::defer_lock);
+    if (m_lockValid)
+        lock.lock();
     int& depth = m_depths[std::this_thread::get_id()];
     const int old = depth;
     depth += indentChange;
@@ -48,8 +76,11 @@ void LogContext::write(Level level, std::string_view text, int indentChange) noe
         if (!isEnabled(level))
             return;
         const int depth = takeDepth(indentChange);
-        const std::string indentation(depth > 0 ? 2 * static_cast<std::size_t>(depth) : 0, ' ');
-        VxQrlLogging::log(backendLevel(level), "%s%s", indentation.c_str(), escape(text).c_str());
+        details::MessageText indentation;
+        indentation.append(depth > 0 ? 2 * static_cast<std::size_t>(depth) : 0, ' ');
+        details::MessageText escaped;
+        appendEscaped(escaped, text);
+        VxQrlLogging::log(backendLevel(level), "%s%s", indentation.c_str(), escaped.c_str());
     } catch (...) {
     }
 }

@@ -9,6 +9,9 @@
 
 #include <thread>
 
+// COM objects delete themselves; their destructor is nobody's to call.
+#pragma GCC diagnostic ignored "-Wnon-virtual-dtor"
+
 namespace vx {
 namespace {
 

@@ -32,15 +32,17 @@ bool exists(const std::wstring& name)
     return KernelHandle(OpenMutexW(SYNCHRONIZE, FALSE, name.c_str())).isValid();
 }
 
-TEST(GlobalMutexChild, DISABLED_findsItFree)
+int tryToLock()
 {
-    EXPECT_TRUE(GlobalMutex(ChildTest::argument()).tryLock(0));
+    return GlobalMutex(ChildTest::argument()).tryLock(0) ? 0 : 1;
 }
 
-TEST(GlobalMutexChild, DISABLED_dies)
+int dieOwningIt()
 {
-    GlobalMutex(ChildTest::argument()).lock();
+    GlobalMutex mutex(ChildTest::argument());
+    mutex.lock();
     TerminateProcess(GetCurrentProcess(), 7);
+    return 8;
 }
 
 TEST_F(GlobalMutexTest, excludesOtherProcesses)
@@ -48,15 +50,15 @@ TEST_F(GlobalMutexTest, excludesOtherProcesses)
     GlobalMutex mutex(m_name);
     {
         const std::lock_guard lock(mutex);
-        EXPECT_NE(ChildTest(L"GlobalMutexChild.DISABLED_findsItFree", m_name).wait(), 0u);
+        EXPECT_EQ(ChildTest(L"tryToLock", m_name).wait(), 1u);
     }
-    EXPECT_EQ(ChildTest(L"GlobalMutexChild.DISABLED_findsItFree", m_name).wait(), 0u);
+    EXPECT_EQ(ChildTest(L"tryToLock", m_name).wait(), 0u);
 }
 
 TEST_F(GlobalMutexTest, isTakenOverFromADeadProcess)
 {
     GlobalMutex mutex(m_name);
-    ASSERT_EQ(ChildTest(L"GlobalMutexChild.DISABLED_dies", m_name).wait(), 7u);
+    ASSERT_EQ(ChildTest(L"dieOwningIt", m_name).wait(), 7u);
     EXPECT_TRUE(mutex.tryLock(0));
     mutex.unlock();
 }
@@ -120,3 +122,9 @@ TEST_F(GlobalMutexTest, logsWhatTheSystemGave)
 
 } // namespace
 } // namespace vx::sync
+
+int main(int argc, char** argv)
+{
+    return support::mainWithChildren(
+        argc, argv, {{"tryToLock", &vx::sync::tryToLock}, {"dieOwningIt", &vx::sync::dieOwningIt}});
+}

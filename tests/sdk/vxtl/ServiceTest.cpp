@@ -6,6 +6,8 @@
 #include <gtest/gtest.h>
 #include <windows.h>
 
+#include <fstream>
+
 namespace vx {
 namespace {
 
@@ -63,14 +65,19 @@ TEST(Wow64, showsTheRealSystemFolderWhileRedirectionIsOff)
 {
     if (!wow64::isWow64())
         GTEST_SKIP() << "this system redirects nothing";
-    // This name exists for redirected programs only.
-    const auto exists = [] { return GetFileAttributesW(L"C:\\windows\\sysnative") != INVALID_FILE_ATTRIBUTES; };
-    EXPECT_TRUE(exists());
+    const auto machine = [] {
+        std::ifstream library("C:\\windows\\system32\\kernel32.dll", std::ios::binary);
+        char head[1024] = {};
+        library.read(head, sizeof(head));
+        const auto* header = reinterpret_cast<const IMAGE_DOS_HEADER*>(head);
+        return reinterpret_cast<const IMAGE_NT_HEADERS*>(head + header->e_lfanew)->FileHeader.Machine;
+    };
+    EXPECT_EQ(machine(), IMAGE_FILE_MACHINE_I386);
     {
         const wow64::DisabledFsRedirection off;
-        EXPECT_FALSE(exists());
+        EXPECT_EQ(machine(), IMAGE_FILE_MACHINE_AMD64);
     }
-    EXPECT_TRUE(exists());
+    EXPECT_EQ(machine(), IMAGE_FILE_MACHINE_I386);
 }
 
 } // namespace

@@ -3,6 +3,8 @@
 #include "logging/backend.h"
 
 #include <algorithm>
+#include <chrono>
+#include <condition_variable>
 #include <cstdarg>
 #include <cstdio>
 #include <mutex>
@@ -13,6 +15,7 @@ std::atomic<int> details::processLevel{0};
 
 namespace {
 std::mutex mutex;
+std::condition_variable added;
 std::vector<support::LogCapture::Line> captured;
 } // namespace
 
@@ -28,6 +31,7 @@ void log(int level, const char* format, ...) noexcept
     va_end(arguments);
     const std::lock_guard lock(mutex);
     captured.push_back({level, text});
+    added.notify_all();
 }
 
 } // namespace VxQrlLogging
@@ -74,6 +78,15 @@ std::size_t LogCapture::count(const std::string& text) const
     const auto all = lines();
     return static_cast<std::size_t>(std::count_if(
         all.begin(), all.end(), [&](const Line& line) { return line.text.find(text) != std::string::npos; }));
+}
+
+bool LogCapture::waitFor(const std::string& text, std::size_t times) const
+{
+    std::unique_lock lock(mutex);
+    return added.wait_for(lock, std::chrono::seconds(60), [&] {
+        return static_cast<std::size_t>(std::count_if(captured.begin(), captured.end(),
+                   [&](const Line& line) { return line.text.find(text) != std::string::npos; })) >= times;
+    });
 }
 
 } // namespace support

@@ -1,9 +1,9 @@
 #pragma once
 
+#include "logging/details/criticalsection.h"
 #include "logging/logstream.h"
 
 #include <map>
-#include <mutex>
 #include <string>
 #include <string_view>
 #include <thread>
@@ -19,6 +19,10 @@ class LogContext {
 public:
     static LogContext& instance();
 
+    LogContext();
+    LogContext(const LogContext&) = delete;
+    LogContext& operator=(const LogContext&) = delete;
+
     /// Escapes and indents the text and hands it to the back-end. A change of +1 takes effect behind
     /// this line, a change of -1 before it. Never throws.
     void write(Level level, std::string_view text, int indentChange) noexcept;
@@ -26,8 +30,9 @@ public:
 private:
     int takeDepth(int indentChange);
 
-    std::mutex m_mutex;
-    std::map<std::thread::id, int> m_depths; ///< guarded by m_mutex
+    std::map<std::thread::id, int> m_depths; ///< guarded by m_lock while that is valid
+    bool m_lockValid;
+    details::CriticalSection m_lock;
 };
 
 } // namespace vx::logging

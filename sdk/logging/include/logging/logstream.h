@@ -1,13 +1,14 @@
 #pragma once
 
 #include "logging/backend.h"
+#include "logging/details/messagetext.h"
 #include "logging/functionname.h"
 
+#include <charconv>
 #include <concepts>
 #include <exception>
 #include <optional>
 #include <sstream>
-#include <string>
 #include <string_view>
 #include <type_traits>
 
@@ -71,16 +72,34 @@ private:
     void finish() noexcept;
 
     Level m_level;
-    std::optional<std::string> m_text;
+    std::optional<details::MessageText> m_text;
 };
+
+namespace details {
+/// Integers that a stream prints as numbers: not the characters, not bool.
+template <typename T>
+concept PlainInteger = std::integral<T> && !std::same_as<T, bool> && sizeof(T) > 1 && !std::same_as<T, wchar_t> &&
+                       !std::same_as<T, char16_t> && !std::same_as<T, char32_t>;
+} // namespace details
 
 template <typename T>
 void LogStream::insert(const T& value) noexcept
 {
-    if constexpr (std::convertible_to<const T&, std::string_view>) {
+    if constexpr (std::convertible_to<const T&, const char*>) {
+        const char* text = value;
+        append(text ? std::string_view(text) : std::string_view());
+    } else if constexpr (std::convertible_to<const T&, std::string_view>) {
         append(value);
+    } else if constexpr (std::convertible_to<const T&, const wchar_t*>) {
+        const wchar_t* text = value;
+        appendWide(text ? std::wstring_view(text) : std::wstring_view());
     } else if constexpr (std::convertible_to<const T&, std::wstring_view>) {
         appendWide(value);
+    } else if constexpr (details::PlainInteger<T>) {
+        char digits[24];
+        append({digits, std::to_chars(digits, digits + sizeof digits, value).ptr});
+    } else if constexpr (std::same_as<T, char>) {
+        append({&value, 1});
     } else {
         try {
             std::ostringstream stream;
@@ -112,6 +131,7 @@ public:
 private:
     void enter() noexcept;
     void leave() noexcept;
+    void write(std::string_view brace, int indentChange) const noexcept;
 
     const char* m_name;
     bool m_entered = false;

@@ -26,7 +26,10 @@ public:
     {
         m_impl->setStringValue(name, value);
     }
-    void setJsonValue(const std::wstring& name, const nlohmann::json& value) const { m_impl->setJsonValue(name, value); }
+    void setJsonValue(const std::wstring& name, const nlohmann::json& value) const
+    {
+        m_impl->setJsonValue(name, value);
+    }
     SubscriptionId subscribeForChanges(const std::wstring& name, const ChangeCallback& callback) const
     {
         return m_impl->subscribeForChanges(name, callback);

@@ -59,12 +59,18 @@ ServiceOperation ServiceProxy::waitFor(ServiceState state, milliseconds timeout,
     if (wait == ServiceWait::No)
         return {};
     return ServiceOperation([service = m_service, pollPause = m_pollPause, state, timeout](const IWaitable* cancel) {
-        const auto deadline = std::chrono::steady_clock::now() + timeout;
-        while (service.getState() != state)
-            if (std::chrono::steady_clock::now() >= deadline || pause(cancel, pollPause))
-                return false;
-        return true;
+        return waitForState([&] { return service.getState(); }, state, timeout, pollPause, cancel);
     });
+}
+
+bool waitForState(const std::function<ServiceState()>& currentState, ServiceState state, milliseconds timeout,
+    milliseconds pollPause, const IWaitable* cancel)
+{
+    const auto deadline = std::chrono::steady_clock::now() + timeout;
+    while (currentState() != state)
+        if (std::chrono::steady_clock::now() >= deadline || pause(cancel, pollPause))
+            return false;
+    return true;
 }
 
 bool ServiceProxy::isStartPending()

@@ -57,7 +57,9 @@ TEST_F(SystemRestorePointTest, beginsAndEndsTheSameChange)
 
 TEST_F(SystemRestorePointTest, cutsALongDescription)
 {
-    m_point->create(std::wstring(255, L'x') + std::wstring(45, L'y'));
+    std::wstring description(255, L'x');
+    description.resize(300, L'y');
+    m_point->create(description);
     ASSERT_EQ(m_calls.size(), 1u);
     EXPECT_EQ(m_calls[0].description, std::wstring(255, L'x'));
 }

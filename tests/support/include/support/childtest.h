@@ -1,21 +1,22 @@
 #pragma once
 
+#include <gmock/gmock.h>
 #include <windows.h>
 
+#include <map>
 #include <string>
 
 namespace support {
 
-/// A test of this program that runs in a process of its own: one whose name begins with DISABLED_. Passes
-/// text through the variable TARNHD_TEST_ARGUMENT. Ends the process if it still runs at destruction.
+/// Runs a function of this test program, one of those given to mainWithChildren, in a process of its own.
+/// Ends the process if it still runs at destruction.
 class ChildTest {
 public:
-    ChildTest(const std::wstring& test, const std::wstring& argument)
+    ChildTest(const std::wstring& function, const std::wstring& argument)
     {
         wchar_t program[MAX_PATH];
         GetModuleFileNameW(nullptr, program, MAX_PATH);
-        std::wstring command =
-            L'"' + std::wstring(program) + L"\" --gtest_also_run_disabled_tests --gtest_filter=" + test;
+        std::wstring command = L'"' + std::wstring(program) + L"\" --child " + function;
         SetEnvironmentVariableW(L"TARNHD_TEST_ARGUMENT", argument.c_str());
         STARTUPINFOW startup = {};
         startup.cb = sizeof(startup);
@@ -30,7 +31,7 @@ public:
     ChildTest(const ChildTest&) = delete;
     ChildTest& operator=(const ChildTest&) = delete;
 
-    /// The child's result, 0 for success; 98 when it does not end within 60 seconds.
+    /// What the function gave; 98 when it does not end within 60 seconds.
     unsigned long wait() const
     {
         DWORD code = 98;
@@ -50,6 +51,15 @@ public:
 private:
     PROCESS_INFORMATION m_information = {};
 };
+
+/// A test program's main: runs its tests or, for a ChildTest, the function of that name.
+inline int mainWithChildren(int argc, char** argv, const std::map<std::string, int (*)()>& children)
+{
+    if (argc == 3 && std::string(argv[1]) == "--child")
+        return children.at(argv[2])();
+    testing::InitGoogleMock(&argc, argv);
+    return RUN_ALL_TESTS();
+}
 
 /// A name that no other process uses.
 inline std::wstring uniqueName(const std::wstring& stem)

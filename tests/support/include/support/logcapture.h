@@ -26,6 +26,8 @@ public:
     /// Whether a line of this level holds the text, leading blanks aside.
     bool has(int level, const std::string& text) const;
     std::size_t count(const std::string& text) const;
+    /// Blocks until that many lines hold the text; false when they don't come.
+    bool waitFor(const std::string& text, std::size_t times = 1) const;
 };
 
 } // namespace support

@@ -31,4 +31,9 @@ private:
     std::chrono::milliseconds m_pollPause;
 };
 
+/// Looks until the state is there: true. False on the time-out or once `cancel`, which may be null, has
+/// fired.
+bool waitForState(const std::function<ServiceState()>& currentState, ServiceState state,
+    std::chrono::milliseconds timeout, std::chrono::milliseconds pollPause, const IWaitable* cancel);
+
 } // namespace vx::tarn::common

@@ -1,27 +1,60 @@
 #pragma once
 
-#include "settings-api/settings.h"
+#include "common/installationsettings.h"
+#include "common/remoteoperationssettings.h"
+#include "common/scanningsettings.h"
 
-#include <chrono>
-#include <cstdint>
-#include <memory>
-#include <nlohmann/json_fwd.hpp>
-#include <string>
+namespace vx::tarn {
 
-// The contract that other units code against; see the table of keys for types, units and defaults.
-//
-// TarnpatchSettings: keys under "windows.tarnpatch."; TarnpatchStatus: keys under
-// "status.windows.tarnpatch.". Sections are public members that mirror the key path in lower camel
-// case, getters are named after the last part of the key, setters are set + that name:
-//   settings.enabled();
-//   settings.scanning.automatic.pollingInterval();                    // std::chrono::minutes
-//   settings.scanning.automatic.maximumRescanningPeriod();            // std::chrono::hours
-//   settings.scanning.automatic.scanningOnSystemStartup.delay();      // std::chrono::minutes
-//   settings.installation.completion.wait();  settings.installation.completion.setWait(false);
-//   settings.installation.completion.timestamp();                     // std::chrono::seconds
-//   settings.installation.inProgress();  settings.installation.setInProgress(false);
-//   settings.remoteOperations.scanForUpdates.start();  ....setAck(value);   // std::int64_t
-//   status.enabled();  status.setEnabled(true);
-//   status.scanning.lastScanning.timestamp();  ....setTimestamp(seconds);   // std::int64_t seconds, -1 never
-//   status.scanning.lastScanning.missingUpdates();  ....setMissingUpdates(json);
-//   status.installation.lastInstallation.restartComputerNeeded();  ....setRestartComputerNeeded(false);
+/// Keys under "windows.tarnpatch.communication.".
+class CommunicationSettings : public SettingsSection {
+public:
+    using SettingsSection::SettingsSection;
+
+    UseHttpProxyItem useHttpProxy() const;
+    /// Used when useHttpProxy is UserDefined.
+    std::wstring userDefinedProxy() const;
+    bool ignoreRevocationServerOfflineError() const;
+    /// Address of the management server's proxy.
+    std::wstring hqProxyUrl() const;
+};
+
+/// Keys under "windows.tarnpatch.certificates.".
+class CertificatesSettings : public SettingsSection {
+public:
+    using SettingsSection::SettingsSection;
+
+    /// The agent's certificates were put into the system's store.
+    bool alreadyInStorage() const;
+    void setAlreadyInStorage(bool value) const;
+};
+
+/// Keys under "windows.tarnpatch.current_status.", published for other components.
+class CurrentStatusSettings : public SettingsSection {
+public:
+    using SettingsSection::SettingsSection;
+
+    /// An array of patches to install.
+    void setPatchesToInstall(const nlohmann::json& value) const;
+};
+
+/// The typed view of the keys under "windows.tarnpatch.". Each call goes to the store; a copy copies the handle.
+/// Any thread. Sections mirror the path of the keys, and each key has its getter and, where the handler writes
+/// it, its setter. A getter answers its default for a missing key only; other failures of the store pass on,
+/// and a text that no enumerator has throws std::invalid_argument.
+class TarnpatchSettings : public SettingsSection {
+public:
+    explicit TarnpatchSettings(const std::shared_ptr<settings::Settings>& store);
+
+    /// The master switch.
+    bool enabled() const;
+
+    ScanningSettings scanning;
+    InstallationSettings installation;
+    CommunicationSettings communication;
+    RemoteOperationsSettings remoteOperations;
+    CertificatesSettings certificates;
+    CurrentStatusSettings currentStatus;
+};
+
+} // namespace vx::tarn

@@ -1,0 +1,50 @@
+#pragma once
+
+#include <filesystem>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace devhost::host {
+
+/// Reads a rotated UTF-16 log that other programs write: NAME.log is the current file, NAME.1.log the one
+/// before it, and so on. Each call continues where the last one ended, through any number of rotations, so
+/// that no line is lost or told twice as long as its file still exists. Holds no file open between
+/// the calls, so it is not in the writers' way. One thread.
+class LogReader {
+public:
+    /// `file` is the current file; it need not exist yet.
+    explicit LogReader(std::filesystem::path file);
+    ~LogReader();
+    LogReader(const LogReader&) = delete;
+    LogReader& operator=(const LogReader&) = delete;
+
+    /// Goes to the beginning of the oldest file that is there.
+    void rewind();
+    /// The lines that were completed since the last call, in UTF-8 and without line ends. Before the first
+    /// rewind it starts with the current file. Throws CommandError when a file cannot be read.
+    std::vector<std::string> read();
+
+    /// NAME.log for 0, NAME.1.log for 1.
+    static std::filesystem::path fileName(const std::filesystem::path& current, unsigned index);
+
+private:
+    class File;
+    struct Position;
+
+    std::unique_ptr<File> openOldest() const;
+    std::unique_ptr<File> reopen();
+    bool advance();
+    std::unique_ptr<File> openSuccessor(unsigned index) const;
+    void drain();
+    void take(std::wstring_view text);
+
+    std::filesystem::path m_current;
+    std::unique_ptr<File> m_file;         ///< the file that is being read, within a call
+    std::unique_ptr<Position> m_position; ///< where the last call ended
+    std::wstring m_partial;               ///< the line that is not complete yet
+    std::vector<std::string> m_lines;
+};
+
+} // namespace devhost::host

@@ -1,0 +1,55 @@
+#pragma once
+
+#include "host/hostcallbacks.h"
+#include "host/pluginloader.h"
+#include "host/pluginrecord.h"
+
+#include <chrono>
+#include <functional>
+#include <future>
+#include <memory>
+#include <optional>
+#include <thread>
+
+namespace devhost::host {
+
+/// One life of a plug-in: loaded, initialised, its main callback running on a thread of its own, stopped,
+/// unloaded at destruction. Operations may come from any thread once the constructor has returned.
+class PluginSession {
+public:
+    struct Listener {
+        HostCallbacks::StateListener onState; ///< on the plug-in's thread
+        std::function<void(std::uint32_t code)> onMainEnded;
+    };
+
+    /// Loads and initialises. `size` is one of PluginRecord::knownSizes. Throws CommandError.
+    PluginSession(const std::filesystem::path& library, std::string name, std::uint32_t size, Listener listener);
+    /// A main callback that still runs is left running, with the library in memory.
+    ~PluginSession();
+    PluginSession(const PluginSession&) = delete;
+    PluginSession& operator=(const PluginSession&) = delete;
+
+    /// Gives the main callback its thread.
+    void start();
+    /// Calls the stop callback and gives its result; the main callback may take its time after that.
+    std::uint32_t stop();
+    /// The main callback's result; nothing when it has not ended within the time.
+    std::optional<std::uint32_t> waitForEnd(std::chrono::milliseconds timeout);
+    /// A resume from low power by the way that this size of record has. Throws CommandError when it has none.
+    void resume();
+    /// Throws CommandError when this size of record knows no session events.
+    void sessionEvent(std::uint32_t type, std::uint32_t data);
+    /// Whether the plug-in has kept to its part of the record.
+    bool isRecordIntact() const { return m_record->isIntact(); }
+
+private:
+    std::string m_name;
+    HostCallbacks m_callbacks;
+    std::shared_ptr<PluginRecord> m_record; ///< shared with the main thread, which may outlive this object
+    PluginLoader m_loader;
+    std::function<void(std::uint32_t)> m_onMainEnded;
+    std::thread m_main;
+    std::shared_future<std::uint32_t> m_result;
+};
+
+} // namespace devhost::host

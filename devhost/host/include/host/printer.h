@@ -1,0 +1,31 @@
+#pragma once
+
+#include <mutex>
+#include <nlohmann/json_fwd.hpp>
+#include <string>
+#include <string_view>
+
+namespace devhost::host {
+
+/// Writes results and events to standard output, for people or as one JSON object per line. Any thread;
+/// each call is one whole line, shown at once. Texts are UTF-8.
+class Printer {
+public:
+    enum class Form { Text, Json };
+
+    explicit Printer(Form form) : m_form(form) {}
+
+    bool isJson() const { return m_form == Form::Json; }
+    /// A line with the time in front, for what happens while a command runs: `text` for people; the
+    /// members of `fields` with "time" and "event" for programs.
+    void event(std::string_view name, std::string_view text, const nlohmann::json& fields);
+    /// A line of a command's answer, in the form that is asked for.
+    void result(std::string_view text, const nlohmann::json& object);
+    void line(std::string_view text);
+
+private:
+    Form m_form;
+    std::mutex m_mutex;
+};
+
+} // namespace devhost::host

@@ -1,0 +1,233 @@
+#include "host/logreader.h"
+
+#include "host/exitcode.h"
+#include "host/systemtext.h"
+#include "vxtl/str.h"
+
+#include <array>
+#include <cstdint>
+#include <utility>
+#include <windows.h>
+
+namespace devhost::host {
+
+namespace {
+
+// The logger keeps at most this many rotated files.
+constexpr unsigned highestIndex = 100;
+constexpr wchar_t byteOrderMark = 0xFEFF;
+
+/// Damaged text must not end the reading.
+std::string toUtf8(std::wstring_view line)
+{
+    const auto size =
+        WideCharToMultiByte(CP_UTF8, 0, line.data(), static_cast<int>(line.size()), nullptr, 0, nullptr, nullptr);
+    std::string text(static_cast<std::size_t>(size), '\0');
+    WideCharToMultiByte(CP_UTF8, 0, line.data(), static_cast<int>(line.size()), text.data(), size, nullptr, nullptr);
+    return text;
+}
+
+} // namespace
+
+/// Where reading stands while no file is open. The system's number of a file may be given to another one
+/// once the file is deleted, so its first bytes belong to its identity, as far as they were there.
+struct LogReader::Position {
+    std::array<DWORD, 3> number;
+    std::string head;
+    std::uint64_t offset;
+};
+
+/// An open file of the log. While it is open no other file can get its number.
+class LogReader::File {
+public:
+    static std::unique_ptr<File> open(const std::filesystem::path& path)
+    {
+        const auto handle = CreateFileW(path.c_str(), GENERIC_READ,
+            FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr, OPEN_EXISTING, 0, nullptr);
+        if (handle != INVALID_HANDLE_VALUE)
+            return std::unique_ptr<File>(new File(handle));
+        const auto code = GetLastError();
+        // A file that was deleted while somebody had it open keeps its name for a while.
+        if (code != ERROR_FILE_NOT_FOUND && code != ERROR_PATH_NOT_FOUND && code != ERROR_DELETE_PENDING)
+            throw CommandError(ExitCode::Failed, "cannot read " + toText(path) + ": " + systemText(code));
+        return nullptr;
+    }
+    ~File() { CloseHandle(m_handle); }
+    File(const File&) = delete;
+    File& operator=(const File&) = delete;
+
+    bool isSame(const File& other) const { return m_number == other.m_number; }
+    bool isAt(const Position& position) const
+    {
+        return m_number == position.number && readHead().starts_with(position.head);
+    }
+    void seek(const Position& position) { m_offset = position.offset; }
+    Position position() const { return {m_number, readHead(), m_offset}; }
+
+    /// What was appended since the last call; whole characters only. Empty at the end.
+    std::wstring_view readSome()
+    {
+        const auto got = readAt(m_offset, m_buffer.data(), sizeof(m_buffer));
+        m_offset += got - got % sizeof(wchar_t);
+        return {m_buffer.data(), got / sizeof(wchar_t)};
+    }
+
+private:
+    static constexpr DWORD headSize = 256;
+
+    explicit File(HANDLE handle) : m_handle(handle)
+    {
+        BY_HANDLE_FILE_INFORMATION information{};
+        GetFileInformationByHandle(handle, &information);
+        m_number = {information.dwVolumeSerialNumber, information.nFileIndexHigh, information.nFileIndexLow};
+    }
+
+    DWORD readAt(std::uint64_t offset, void* buffer, DWORD size) const
+    {
+        DWORD got = 0;
+        OVERLAPPED place{};
+        place.Offset = static_cast<DWORD>(offset);
+        place.OffsetHigh = static_cast<DWORD>(offset >> 32);
+        return ReadFile(m_handle, buffer, size, &got, &place) ? got : 0;
+    }
+
+    std::string readHead() const
+    {
+        std::string head(headSize, '\0');
+        head.resize(readAt(0, head.data(), headSize));
+        return head;
+    }
+
+    HANDLE m_handle;
+    std::array<DWORD, 3> m_number;
+    std::uint64_t m_offset = 0;
+    std::array<wchar_t, 16384> m_buffer;
+};
+
+LogReader::LogReader(std::filesystem::path file) : m_current(std::move(file)) {}
+
+LogReader::~LogReader() = default;
+
+std::filesystem::path LogReader::fileName(const std::filesystem::path& current, unsigned index)
+{
+    if (index == 0)
+        return current;
+    auto name = current;
+    name.replace_extension(L"." + std::to_wstring(index) + current.extension().native());
+    return name;
+}
+
+void LogReader::rewind()
+{
+    m_partial.clear();
+    m_position.reset();
+    if (const auto oldest = openOldest())
+        m_position = std::make_unique<Position>(oldest->position());
+}
+
+std::vector<std::string> LogReader::read()
+{
+    m_file = m_position ? reopen() : File::open(m_current);
+    if (m_file) {
+        drain();
+        while (advance())
+            drain();
+        m_position = std::make_unique<Position>(m_file->position());
+        // Between the calls nothing is open: the logger could not replace a file that somebody holds.
+        m_file.reset();
+    }
+    return std::exchange(m_lines, {});
+}
+
+std::unique_ptr<LogReader::File> LogReader::openOldest() const
+{
+    std::unique_ptr<File> oldest;
+    for (unsigned index = 0; index <= highestIndex; ++index) {
+        auto file = File::open(fileName(m_current, index));
+        if (file)
+            oldest = std::move(file);
+        else if (index > 0) // the current file is missing for a moment in each rotation
+            break;
+    }
+    return oldest;
+}
+
+/// The file in which reading stood. Files only move up, so one walk up cannot miss it. When it is gone, the
+/// oldest one that is left.
+std::unique_ptr<LogReader::File> LogReader::reopen()
+{
+    for (unsigned index = 0; index <= highestIndex; ++index) {
+        auto file = File::open(fileName(m_current, index));
+        if (file && file->isAt(*m_position)) {
+            file->seek(*m_position);
+            return file;
+        }
+    }
+    if (!m_partial.empty())
+        take(L"\n");
+    return openOldest();
+}
+
+/// Steps into the file that follows the present one. False when that is the current one, or when a
+/// rotation is just going on; the next call finds it finished.
+bool LogReader::advance()
+{
+    const auto isAt = [this](unsigned index) {
+        const auto file = File::open(fileName(m_current, index));
+        return file && file->isSame(*m_file);
+    };
+    unsigned index = 0;
+    while (index <= highestIndex && !isAt(index))
+        ++index;
+    if (index == 0)
+        return false;
+    auto next = index > highestIndex ? openOldest() : openSuccessor(index);
+    // A rotation moves the older file first. So if the present file has not moved, the newer one opened
+    // before this test was its direct successor.
+    if (!next || (index <= highestIndex && !isAt(index)))
+        return false;
+    // Only now is the present file certain to be complete.
+    drain();
+    if (!m_partial.empty())
+        take(L"\n");
+    m_file = std::move(next);
+    return true;
+}
+
+/// The next newer file. Within a rotation it may still bear its old number; then nothing may have come to
+/// stand between the two while it was opened.
+std::unique_ptr<LogReader::File> LogReader::openSuccessor(unsigned index) const
+{
+    for (unsigned newer = index; newer-- > 0;) {
+        auto file = File::open(fileName(m_current, newer));
+        if (!file)
+            continue;
+        for (unsigned between = newer + 1; between < index; ++between)
+            if (File::open(fileName(m_current, between)))
+                return nullptr;
+        return file;
+    }
+    return nullptr;
+}
+
+void LogReader::drain()
+{
+    for (auto text = m_file->readSome(); !text.empty(); text = m_file->readSome())
+        take(text);
+}
+
+void LogReader::take(std::wstring_view text)
+{
+    for (const wchar_t character : text) {
+        if (character == L'\n') {
+            if (m_partial.ends_with(L'\r'))
+                m_partial.pop_back();
+            m_lines.push_back(toUtf8(m_partial));
+            m_partial.clear();
+        } else if (character != byteOrderMark) {
+            m_partial += character;
+        }
+    }
+}
+
+} // namespace devhost::host

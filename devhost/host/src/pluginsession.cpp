@@ -1,0 +1,82 @@
+#include "host/pluginsession.h"
+
+#include "host/exitcode.h"
+
+namespace devhost::host {
+
+namespace {
+
+constexpr std::uint32_t resumeAutomatic = 18;
+
+CommandError noCallback(const char* what)
+{
+    return CommandError(ExitCode::Failed, std::string("this size of plug-in record has no callback for ") + what);
+}
+
+} // namespace
+
+PluginSession::PluginSession(
+    const std::filesystem::path& library, std::string name, std::uint32_t size, Listener listener)
+    : m_name(std::move(name)), m_callbacks(std::move(listener.onState)), m_record(std::make_shared<PluginRecord>(size)),
+      m_loader(library), m_onMainEnded(std::move(listener.onMainEnded))
+{
+    const auto code = m_loader.initialize(m_name.c_str(), m_callbacks.record(), m_record->get());
+    if (code != 0)
+        throw CommandError(ExitCode::Failed, "the plug-in refused to initialise: result " + std::to_string(code));
+}
+
+PluginSession::~PluginSession()
+{
+    if (!m_main.joinable())
+        return;
+    if (waitForEnd(std::chrono::milliseconds(0))) {
+        m_main.join();
+    } else {
+        m_main.detach();
+        m_loader.leak();
+    }
+}
+
+void PluginSession::start()
+{
+    std::promise<std::uint32_t> result;
+    m_result = result.get_future().share();
+    m_main = std::thread([result = std::move(result), record = m_record, listener = m_onMainEnded]() mutable {
+        const auto code = record->get()->pluginMain(record->get());
+        result.set_value(code);
+        listener(code);
+    });
+}
+
+std::uint32_t PluginSession::stop()
+{
+    return m_record->get()->pluginStop(m_record->get());
+}
+
+std::optional<std::uint32_t> PluginSession::waitForEnd(std::chrono::milliseconds timeout)
+{
+    if (!m_result.valid() || m_result.wait_for(timeout) != std::future_status::ready)
+        return std::nullopt;
+    return m_result.get();
+}
+
+void PluginSession::resume()
+{
+    const auto& api = m_record->api();
+    if (m_record->holds(offsetof(PluginApi, onSessionChangeEvent)) && api.onPowerEvent)
+        api.onPowerEvent(m_record->get(), resumeAutomatic, 0);
+    else if (api.onResumeFromLowPowerMode)
+        api.onResumeFromLowPowerMode(m_record->get());
+    else
+        throw noCallback("a resume");
+}
+
+void PluginSession::sessionEvent(std::uint32_t type, std::uint32_t data)
+{
+    const auto& api = m_record->api();
+    if (!m_record->holds(sizeof(PluginApi)) || !api.onSessionChangeEvent)
+        throw noCallback("session events");
+    api.onSessionChangeEvent(m_record->get(), type, data);
+}
+
+} // namespace devhost::host

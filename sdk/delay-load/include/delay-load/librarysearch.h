@@ -1,0 +1,31 @@
+#pragma once
+
+#include "delay-load/callingconvention.h"
+#include "delay-load/loader.h"
+
+#include <cstdint>
+#include <string>
+
+namespace vx::delayload {
+
+/// How libraries are looked for.
+struct LoadContext {
+    std::wstring directory; ///< searched first; empty for none
+    bool searchExecutableDirectory = true;
+    std::uint32_t component = 0; ///< names the registry key
+};
+
+/// The context as a library's own VXDelayLoadDependencies gets it. Lives for the call.
+struct DependencyContext {
+    const wchar_t* directory;
+    std::uint32_t searchExecutableDirectory;
+    std::uint32_t component;
+};
+using DependenciesFunction = void(VX_CDECL*)(const DependencyContext* context);
+
+/// Loads the library from the first place that has it: the context's directory, the executable's directory, the
+/// path in the registry (only without a context directory), the system directory. Only full paths are tried.
+/// A library that exports VXDelayLoadDependencies is then asked to load its own. Null when no place has it.
+Module findLibrary(ILoader& loader, const LoadContext& context, const std::wstring& name);
+
+} // namespace vx::delayload

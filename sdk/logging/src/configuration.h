@@ -1,0 +1,29 @@
+#pragma once
+
+#include <string>
+
+struct HKEY__;
+
+namespace VxQrlLogging {
+
+/// The logger's key, below the machine's or the user's hive, in the 32-bit view.
+inline constexpr const wchar_t* loggingKey = L"SOFTWARE\\Vantorix\\QRL\\Logging";
+
+/// A text value; empty when there is none. `access` is what the key is opened with.
+std::wstring registryText(HKEY__* hive, const wchar_t* key, unsigned long access, const wchar_t* value);
+
+/// The numeric configuration of one log file: a value stands at the key of the file (name1 and name2), of
+/// the program (name1) or of all logs, and the nearest wins.
+class Configuration {
+public:
+    Configuration(const std::wstring& name1, const std::wstring& name2);
+
+    /// Values of other types count as absent.
+    unsigned long number(const wchar_t* value, unsigned long fallback) const;
+
+private:
+    std::wstring m_fileKey;
+    std::wstring m_programKey;
+};
+
+} // namespace VxQrlLogging

@@ -1,0 +1,256 @@
+#include "meridia-settings/meridiasettingsapi.h"
+
+#include "doubletext.h"
+#include "storefailure.h"
+
+#include "logging/logstream.h"
+
+#include <algorithm>
+#include <nlohmann/json.hpp>
+
+namespace vx::meridia {
+
+namespace {
+
+using Error = QrlMeridiaError_enum;
+using logging::Level;
+using logging::LogStream;
+
+/// A text of the library, given back on every way out.
+template <typename Character>
+using LibraryText = std::unique_ptr<Character, void(VX_CDECL*)(void*)>;
+
+template <typename Character>
+std::basic_string<Character> copyOf(const LibraryText<Character>& text)
+{
+    return text ? text.get() : std::basic_string<Character>();
+}
+
+/// Closes what a constructor that throws has opened.
+class HandlesGuard {
+public:
+    HandlesGuard(const QrlMeridiaApi& api, QrlMeridiaHandle (&handles)[2]) : m_api(api), m_handles(handles) {}
+    ~HandlesGuard()
+    {
+        if (m_isDismissed)
+            return;
+        for (QrlMeridiaHandle& handle : m_handles)
+            if (handle != 0) {
+                m_api.closeHandle(handle);
+                handle = 0;
+            }
+    }
+    HandlesGuard(const HandlesGuard&) = delete;
+    HandlesGuard& operator=(const HandlesGuard&) = delete;
+
+    void dismiss() noexcept { m_isDismissed = true; }
+
+private:
+    const QrlMeridiaApi& m_api;
+    QrlMeridiaHandle (&m_handles)[2];
+    bool m_isDismissed = false;
+};
+
+} // namespace
+
+SettingsApi::SettingsApi(
+    const std::wstring& profile, const std::wstring& sid, const std::wstring& client, const LoadApi& loadApi)
+{
+    VX_LOG_SCOPE();
+    HandlesGuard guard(m_api, m_handles);
+    if (loadApi(m_api) != delayload::LoadStatus::Success)
+        VX_THROW(BaseException, L"Cannot load QRL Meridia library");
+    for (QrlMeridiaHandle& handle : m_handles) {
+        Error error = Error::Success;
+        handle = m_api.openHandle(profile.c_str(), sid.c_str(), client.c_str(), &error);
+        if (error != Error::Success)
+            VX_THROW(QrlMeridiaException, error, errorText(error));
+    }
+    guard.dismiss();
+}
+
+SettingsApi::~SettingsApi()
+{
+    VX_LOG_SCOPE();
+    // Only slots without a handle are closed. An open handle stays open: notifications may still be on their way.
+    for (const QrlMeridiaHandle handle : m_handles)
+        if (handle == 0)
+            m_api.closeHandle(0);
+}
+
+bool SettingsApi::getBoolValue(const std::wstring& name)
+{
+    VX_LOG_SCOPE();
+    VX_LOG_VALUES(name);
+    Error error = Error::Success;
+    const bool value = m_api.getBool(m_handles[0], name.c_str(), 0, &error) != 0;
+    throwOnReadError(error, name, L"vx::meridia::SettingsApi::getBoolValue");
+    return value;
+}
+
+std::int32_t SettingsApi::getInt32Value(const std::wstring& name)
+{
+    VX_LOG_SCOPE();
+    VX_LOG_VALUES(name);
+    Error error = Error::Success;
+    const std::int32_t value = m_api.getInt32(m_handles[0], name.c_str(), 0, &error);
+    throwOnReadError(error, name, L"vx::meridia::SettingsApi::getInt32Value");
+    return value;
+}
+
+std::int64_t SettingsApi::getInt64Value(const std::wstring& name)
+{
+    VX_LOG_SCOPE();
+    VX_LOG_VALUES(name);
+    Error error = Error::Success;
+    const std::int64_t value = m_api.getInt64(m_handles[0], name.c_str(), 0, &error);
+    throwOnReadError(error, name, L"vx::meridia::SettingsApi::getInt64Value");
+    return value;
+}
+
+double SettingsApi::getDoubleValue(const std::wstring& name)
+{
+    VX_LOG_SCOPE();
+    VX_LOG_VALUES(name);
+    Error error = Error::Success;
+    const std::wstring text =
+        copyOf(LibraryText<wchar_t>(m_api.getString(m_handles[0], name.c_str(), L"", &error), m_api.freeString));
+    throwOnReadError(error, name, L"vx::meridia::SettingsApi::getDoubleValue");
+    return parseDouble(text);
+}
+
+std::wstring SettingsApi::getStringValue(const std::wstring& name)
+{
+    VX_LOG_SCOPE();
+    VX_LOG_VALUES(name);
+    Error error = Error::Success;
+    const LibraryText<wchar_t> text(m_api.getString(m_handles[0], name.c_str(), L"", &error), m_api.freeString);
+    throwOnReadError(error, name, L"vx::meridia::SettingsApi::getStringValue");
+    return copyOf(text);
+}
+
+nlohmann::json SettingsApi::getJsonValue(const std::wstring& name)
+{
+    VX_LOG_SCOPE();
+    VX_LOG_VALUES(name);
+    Error error = Error::Success;
+    const LibraryText<char> text(m_api.getObjectAsStringUtf8(m_handles[0], name.c_str(), &error), m_api.freeString);
+    throwOnReadError(error, name, L"vx::meridia::SettingsApi::getJsonValue");
+    return nlohmann::json::parse(copyOf(text));
+}
+
+void SettingsApi::setBoolValue(const std::wstring& name, bool value)
+{
+    VX_LOG_SCOPE();
+    VX_LOG_VALUES(name, value);
+    writeRepeatedly([&] { return m_api.setBool(m_handles[0], name.c_str(), value); }, name,
+        L"vx::meridia::SettingsApi::setBoolValue");
+}
+
+void SettingsApi::setInt32Value(const std::wstring& name, std::int32_t value)
+{
+    VX_LOG_SCOPE();
+    VX_LOG_VALUES(name, value);
+    writeRepeatedly([&] { return m_api.setInt32(m_handles[0], name.c_str(), value); }, name,
+        L"vx::meridia::SettingsApi::setInt32Value");
+}
+
+void SettingsApi::setInt64Value(const std::wstring& name, std::int64_t value)
+{
+    VX_LOG_SCOPE();
+    VX_LOG_VALUES(name, value);
+    writeRepeatedly([&] { return m_api.setInt64(m_handles[0], name.c_str(), value); }, name,
+        L"vx::meridia::SettingsApi::setInt64Value");
+}
+
+void SettingsApi::setDoubleValue(const std::wstring& name, double value)
+{
+    VX_LOG_SCOPE();
+    VX_LOG_VALUES(name, value);
+    writeRepeatedly([&] { return m_api.setString(m_handles[0], name.c_str(), formatDouble(value).c_str()); }, name,
+        L"vx::meridia::SettingsApi::setDoubleValue");
+}
+
+void SettingsApi::setStringValue(const std::wstring& name, const std::wstring& value)
+{
+    VX_LOG_SCOPE();
+    VX_LOG_VALUES(name, value);
+    writeRepeatedly([&] { return m_api.setString(m_handles[0], name.c_str(), value.c_str()); }, name,
+        L"vx::meridia::SettingsApi::setStringValue");
+}
+
+void SettingsApi::setJsonValue(const std::wstring& name, const nlohmann::json& data)
+{
+    VX_LOG_SCOPE();
+    VX_LOG_VALUES(name, data.dump());
+    writeRepeatedly([&] { return m_api.setObjectFromStringUtf8(m_handles[0], name.c_str(), data.dump().c_str()); },
+        name, L"vx::meridia::SettingsApi::setJsonValue");
+}
+
+settings::SubscriptionId SettingsApi::subscribeForChanges(
+    const std::wstring& name, const settings::ChangeCallback& callback)
+{
+    VX_LOG_SCOPE();
+    VX_LOG_VALUES(name);
+    const std::lock_guard lock(m_mutex);
+    auto subscription = std::make_unique<ChangeSubscription>(ChangeSubscription{0, name, callback});
+    const auto id = reinterpret_cast<settings::SubscriptionId>(subscription.get());
+    subscription->subscriptionId = id;
+    const auto subscribe = [&] {
+        return m_api.subscribe(m_handles[1], name.c_str(), settingsChangeNotificationCallback, subscription.get());
+    };
+    if (const Error code = subscribe(); code != Error::Success)
+        VX_THROW(QrlMeridiaException, code, errorText(subscribe()) + (L", Setting: " + name));
+    try {
+        m_subscriptions.push_back(std::move(subscription));
+    } catch (...) {
+        m_api.unsubscribe(m_handles[1], name.c_str(), settingsChangeNotificationCallback, subscription.get());
+        throw;
+    }
+    return id;
+}
+
+void SettingsApi::unsubscribeFromChanges(settings::SubscriptionId subscriptionId)
+{
+    VX_LOG_SCOPE();
+    VX_LOG_VALUES(subscriptionId);
+    const std::lock_guard lock(m_mutex);
+    const auto find = [&] {
+        return std::find_if(m_subscriptions.begin(), m_subscriptions.end(),
+            [&](const auto& subscription) { return subscription->subscriptionId == subscriptionId; });
+    };
+    if (find() == m_subscriptions.end())
+        return;
+    ChangeSubscription& subscription = **find();
+    const auto unsubscribe = [&] {
+        return m_api.unsubscribe(
+            m_handles[1], subscription.settingName.c_str(), settingsChangeNotificationCallback, &subscription);
+    };
+    if (const Error code = unsubscribe(); code != Error::Success)
+        VX_THROW(QrlMeridiaException, code, errorText(unsubscribe()));
+    // The library may have called back into this object meanwhile, so the place is looked up anew.
+    if (const auto position = find(); position != m_subscriptions.end())
+        m_subscriptions.erase(position);
+}
+
+void SettingsApi::settingsChangeNotificationCallback(
+    const wchar_t* nameOrNull, std::int32_t type, const void* value, void* context)
+{
+    VX_LOG_SCOPE();
+    const wchar_t* const settingName = nameOrNull ? nameOrNull : L"";
+    VX_LOG_VALUES(settingName, type, value, context);
+    if (!context) {
+        LogStream(Level::Warning)
+            << "vx::meridia::SettingsApi::settingsChangeNotificationCallback: userData is not provided";
+        return;
+    }
+    try {
+        static_cast<const ChangeSubscription*>(context)->callback(settingName);
+    } catch (const std::exception& exception) {
+        LogStream(Level::Error) << exception;
+    } catch (...) {
+        LogStream(Level::Error) << "Unknown exception in a subscriber of " << settingName;
+    }
+}
+
+} // namespace vx::meridia

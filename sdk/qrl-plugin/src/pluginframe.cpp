@@ -1,0 +1,123 @@
+#include "pluginframe.h"
+
+#include "vxtl/guarded.h"
+
+namespace vx::qrl {
+
+namespace {
+
+constexpr std::uint32_t done = 0;
+constexpr std::uint32_t failed = 1;
+constexpr std::uint32_t noFactory = 2;
+
+/// PBT_APMRESUMEAUTOMATIC.
+constexpr std::uint32_t resumeAutomatic = 18;
+
+/// Calls a function at the end of its scope; the function must not throw.
+template <typename Function>
+class ScopeGuard {
+public:
+    explicit ScopeGuard(Function function) : m_function(std::move(function)) {}
+    ~ScopeGuard() { m_function(); }
+    ScopeGuard(const ScopeGuard&) = delete;
+    ScopeGuard& operator=(const ScopeGuard&) = delete;
+
+private:
+    Function m_function;
+};
+
+} // namespace
+
+// The log names the entries after the functions in the host's table.
+#define ENTRY_SCOPE(name) const logging::LogScope scope("vx::qrl::`anonymous-namespace'::QrlHosterPlugin::" name)
+
+void PluginFrame::registerPluginFactory(PluginFactory factory)
+{
+    if (m_factory)
+        VX_THROW(BaseException, L"Plugin factory is already registered.");
+    m_factory = std::move(factory);
+}
+
+std::uint32_t PluginFrame::initialize(const char* pluginName, hosterAPI* hosterAPI, pluginAPI* pluginAPI) noexcept
+{
+    std::uint32_t result = failed;
+    guarded([&] {
+        const std::lock_guard lock(m_instanceMutex);
+        if (m_instance)
+            return;
+        ENTRY_SCOPE("QrlHosterPlugin");
+        m_instance = std::make_shared<QrlHosterPlugin>(pluginName, hosterAPI, pluginAPI, m_callbacks);
+        result = done;
+    });
+    return result;
+}
+
+std::shared_ptr<QrlHosterPlugin> PluginFrame::getPlugin(const pluginAPI* pluginAPI)
+{
+    const std::lock_guard lock(m_instanceMutex);
+    if (!m_instance)
+        VX_THROW(BaseException, L"There's no plugin instance");
+    if (!pluginAPI)
+        VX_THROW(BaseException, L"Invalid pluginAPI value");
+    if (pluginAPI->pluginContextData != m_instance.get())
+        VX_THROW(BaseException, L"Invalid pluginContextData value");
+    return m_instance;
+}
+
+std::uint32_t PluginFrame::main(pluginAPI* pluginAPI) noexcept
+{
+    ENTRY_SCOPE("qrlPluginMain");
+    VX_LOG_VALUES(pluginAPI);
+    std::uint32_t result = failed;
+    guarded([&] {
+        const auto plugin = getPlugin(pluginAPI);
+        const ScopeGuard stopped([this, plugin, pluginAPI] { reportPluginStopped(*plugin, *pluginAPI); });
+        plugin->reportPluginStarted();
+        result = plugin->main(m_factory, m_stopRequested) ? done : noFactory;
+    });
+    return result;
+}
+
+void PluginFrame::reportPluginStopped(QrlHosterPlugin& plugin, pluginAPI& pluginAPI) noexcept
+{
+    guarded([&] {
+        plugin.reportPluginStopped();
+        const std::lock_guard lock(m_instanceMutex);
+        pluginAPI.pluginContextData = nullptr;
+        m_instance.reset();
+    });
+    guarded([&] { plugin.release(); });
+}
+
+std::uint32_t PluginFrame::stop(pluginAPI* pluginAPI) noexcept
+{
+    ENTRY_SCOPE("qrlPluginStop");
+    VX_LOG_VALUES(pluginAPI);
+    // Before the look-up, so that a stop ahead of main still keeps the plug-in from running.
+    m_stopRequested = true;
+    return guarded([&] { getPlugin(pluginAPI)->stop(); }) ? done : failed;
+}
+
+void PluginFrame::onPowerEvent(pluginAPI* pluginAPI, std::uint32_t type, std::uint32_t data) noexcept
+{
+    ENTRY_SCOPE("qrlPluginOnPowerEvent");
+    VX_LOG_VALUES(pluginAPI, type, data);
+    guarded([&] { getPlugin(pluginAPI)->onPowerEvent(type, data); });
+}
+
+void PluginFrame::onSessionChangeEvent(pluginAPI* pluginAPI, std::uint32_t type, std::uint32_t data) noexcept
+{
+    ENTRY_SCOPE("qrlPluginOnSessionChangeEvent");
+    VX_LOG_VALUES(pluginAPI, type, data);
+    guarded([&] { getPlugin(pluginAPI)->onSessionChangeEvent(type, data); });
+}
+
+void PluginFrame::onResumeFromLowPowerMode(pluginAPI* pluginAPI) noexcept
+{
+    ENTRY_SCOPE("qrlOnResumeFromLowPowerMode");
+    VX_LOG_VALUES(pluginAPI);
+    // Old and new hosts look alike to the plug-in.
+    onPowerEvent(pluginAPI, resumeAutomatic, 0);
+}
+
+} // namespace vx::qrl

@@ -1,0 +1,87 @@
+#include "settings-api/details/settingscache.h"
+
+namespace vx::settings::details {
+
+template <typename Change>
+void SettingsCache::change(Slot& slot, Change apply)
+{
+    const auto waits = [&slot] { return !slot.entry.saved && slot.underway == 0; };
+    const bool before = waits();
+    apply();
+    if (before != waits())
+        before ? --m_waiting : ++m_waiting;
+}
+
+std::optional<nlohmann::json> SettingsCache::find(const std::wstring& name) const
+{
+    const std::lock_guard lock(m_mutex);
+    const auto found = m_slots.find(name);
+    if (found == m_slots.end())
+        return std::nullopt;
+    return found->second.entry.value;
+}
+
+void SettingsCache::storeRead(const std::wstring& name, CacheEntry entry, Version before, Synchronized synchronized)
+{
+    const std::lock_guard lock(m_mutex);
+    Slot& slot = m_slots[name];
+    const bool untried = !slot.entry.saved && synchronized == Synchronized::No;
+    if (slot.underway != 0 || slot.touched > before || untried)
+        return;
+    change(slot, [&] { slot.entry = std::move(entry); });
+}
+
+SettingsCache::Passage SettingsCache::beginWrite(const std::wstring& name, CacheEntry entry)
+{
+    const std::lock_guard lock(m_mutex);
+    Slot& slot = m_slots[name];
+    change(slot, [&] {
+        slot.entry = std::move(entry);
+        slot.written = slot.touched = nextVersion();
+        ++slot.underway;
+    });
+    return {&slot, slot.written};
+}
+
+void SettingsCache::endWrite(const Passage& passage, Outcome outcome)
+{
+    const std::lock_guard lock(m_mutex);
+    Slot& slot = *passage.slot;
+    change(slot, [&] {
+        slot.touched = nextVersion();
+        --slot.underway;
+        if (outcome == Outcome::Saved && slot.written == passage.version)
+            slot.entry.saved = true;
+    });
+}
+
+std::optional<SettingsCache::Pending> SettingsCache::nextPending(const std::wstring* after)
+{
+    const std::lock_guard lock(m_mutex);
+    auto position = after ? m_slots.upper_bound(*after) : m_slots.begin();
+    while (position != m_slots.end() && (position->second.entry.saved || position->second.underway != 0))
+        ++position;
+    if (position == m_slots.end())
+        return std::nullopt;
+    Slot& slot = position->second;
+    Pending pending{position->first, slot.entry.type, slot.entry.value, {&slot, slot.written}};
+    change(slot, [&] { ++slot.underway; });
+    return pending;
+}
+
+bool SettingsCache::endSave(const Passage& passage, Outcome outcome)
+{
+    const std::lock_guard lock(m_mutex);
+    Slot& slot = *passage.slot;
+    const bool overtaken = slot.written != passage.version && outcome == Outcome::Saved;
+    change(slot, [&] {
+        --slot.underway;
+        if (overtaken)
+            slot.written = slot.touched = nextVersion(); // also keeps a write still underway from marking it saved
+        if (outcome == Outcome::Saved)
+            slot.entry.saved = !overtaken;
+    });
+    return !overtaken;
+}
+
+} // namespace vx::settings::details

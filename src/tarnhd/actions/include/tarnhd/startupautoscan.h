@@ -1,0 +1,24 @@
+#pragma once
+
+#include "tarnhd/startupaction.h"
+#include "tarnhd/wallclock.h"
+
+namespace vx::tarn {
+
+/// Asks for the scan after a boot, unless a deployment is being waited for. Its delay is the setting's plus a
+/// random part of up to the randomization interval.
+class StartupAutoScan : public StartupAction {
+public:
+    StartupAutoScan(
+        common::CommonFactory* commonFactory, const TarnpatchSettings* settings, WallClock now = systemTicks);
+
+    common::ExitStatus execute() override;
+    std::chrono::milliseconds getDelay() override;
+
+private:
+    const WallClock m_now;
+    const Ticks m_creationTime;
+    const std::shared_ptr<common::IUpdaterLauncher> m_scanLauncher; ///< the one that execute uses
+};
+
+} // namespace vx::tarn

@@ -1,0 +1,14 @@
+#include "tarnhd/action.h"
+
+#include "common/commonfactory.h"
+#include "common/iupdaterlauncher.h"
+
+namespace vx::tarn {
+
+Action::Action(common::CommonFactory* commonFactory, const TarnpatchSettings* settings)
+    : m_commonFactory(commonFactory), m_settings(settings), m_updaterLauncher(commonFactory->createUpdaterLauncher())
+{}
+
+Action::~Action() = default;
+
+} // namespace vx::tarn

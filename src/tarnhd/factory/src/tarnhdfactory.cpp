@@ -1,0 +1,25 @@
+#include "tarnhd/tarnhdfactory.h"
+
+#include "tarnhd/actionscheduler.h"
+#include "tarnhd/tarnpatchmanager.h"
+
+namespace vx::tarn {
+
+using namespace std::chrono_literals;
+
+TarnhdFactory::TarnhdFactory(common::CommonFactory* commonFactory) : m_commonFactory(commonFactory) {}
+
+TarnhdFactory::~TarnhdFactory() = default;
+
+std::shared_ptr<ActionScheduler> TarnhdFactory::createActionScheduler()
+{
+    return std::make_shared<ActionScheduler>();
+}
+
+std::shared_ptr<TarnpatchManager> TarnhdFactory::createTarnpatchManager(
+    const std::shared_ptr<settings::Settings>& settings)
+{
+    return std::make_shared<TarnpatchManager>(settings, m_commonFactory, 1s);
+}
+
+} // namespace vx::tarn

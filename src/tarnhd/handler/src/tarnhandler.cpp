@@ -1,0 +1,214 @@
+#include "tarnhd/tarnhandler.h"
+
+#include "schedulerthread.h"
+
+#include "common/commonfactory.h"
+#include "common/event.h"
+#include "common/hostsettings.h"
+#include "common/iglobalatom.h"
+#include "common/iupdaterlauncher.h"
+#include "common/tarnpatchsettings.h"
+#include "common/tarnpatchstatus.h"
+#include "meridia-settings/qrlmeridiaerror.h"
+#include "tarnhd/actionscheduler.h"
+#include "tarnhd/scanifexpired.h"
+#include "tarnhd/startupautoscan.h"
+#include "tarnhd/startupdeploywatchdog.h"
+#include "tarnhd/subscriptions.h"
+#include "tarnhd/tarnhdfactory.h"
+#include "tarnhd/tarnpatchmanager.h"
+#include "vxtl/guarded.h"
+
+#include <windows.h>
+
+namespace vx::tarn {
+
+using namespace std::chrono_literals;
+using logging::Level;
+using logging::LogStream;
+
+namespace {
+
+constexpr auto storeRetryPause = 500ms;
+constexpr auto profilePollPause = 100ms;
+constexpr wchar_t postRebootAtom[] = L"Global\\PostRebootATOM{894D1810-89A9-4363-A8C5-9F429B518809}";
+
+// A failure leaves a handle that is none; run looks at it.
+std::shared_ptr<common::Event> makeEvent()
+{
+    return std::make_shared<common::Event>(std::make_shared<KernelHandle>(CreateEventW(nullptr, TRUE, FALSE, nullptr)));
+}
+
+bool isValid(const common::Event& event)
+{
+    return !NoKernelHandle{}(event.getHandle());
+}
+
+} // namespace
+
+TarnHandler::TarnHandler(std::shared_ptr<common::CommonFactory> commonFactory, std::shared_ptr<TarnhdFactory> factory)
+    : m_commonFactory(std::move(commonFactory)), m_factory(std::move(factory)), m_stopEvent(makeEvent()),
+      m_statusChangedEvent(makeEvent())
+{}
+
+TarnHandler::~TarnHandler() = default;
+
+void TarnHandler::initializeHandler()
+{
+    m_settings = createSettings();
+    m_commonFactory->setSettings(m_settings);
+    m_tarnpatchSettings = std::make_shared<TarnpatchSettings>(m_settings);
+    m_tarnpatchStatus = std::make_shared<TarnpatchStatus>(m_settings);
+    // Makes the start event, which all launchers open.
+    m_manager = m_factory->createTarnpatchManager(m_settings);
+    m_updaterLauncher = m_commonFactory->createUpdaterLauncher();
+    m_actionScheduler = createActionScheduler();
+    m_initialized = true;
+}
+
+std::shared_ptr<settings::Settings> TarnHandler::createSettings()
+{
+    return m_commonFactory->createSettings([this](meridia::QrlMeridiaError_enum error) {
+        return !waitForStop(storeRetryPause) && error == meridia::QrlMeridiaError_enum::ServerUnreachable;
+    });
+}
+
+std::shared_ptr<ActionScheduler> TarnHandler::createActionScheduler()
+{
+    auto scheduler = m_factory->createActionScheduler();
+    scheduler->addTask(std::make_shared<ScanIfExpired>(m_commonFactory.get(), m_tarnpatchSettings.get()));
+    return scheduler;
+}
+
+void TarnHandler::run()
+{
+    VX_LOG_SCOPE();
+    if (!guarded("Failed to initialize handler plugin: ", [this] { initializeHandler(); }))
+        return;
+    if (!waitForProfile()) {
+        LogStream(Level::Warning) << "Meridia profile is not available yet.";
+        return;
+    }
+    m_running = false;
+    if (!isValid(*m_stopEvent)) {
+        LogStream(Level::Error) << "Stop event handle is invalid";
+        return;
+    }
+    // With a profile at hand the wait for it does not look at the event.
+    if (waitForStop(0ms))
+        return;
+    if (!m_tarnpatchSettings->enabled())
+        LogStream(Level::Warning) << "Tarnpatch is disabled. Waiting for it to be enabled.";
+    process();
+}
+
+void TarnHandler::process()
+{
+    struct ManagerStop {
+        TarnHandler& handler;
+        ~ManagerStop() { handler.stopManager(); }
+    };
+
+    processFirstRun();
+    // Outlives the subscriptions: a change handler may start the manager until the last one is gone.
+    const ManagerStop managerStop{*this};
+    const auto subscriptions = subscribeToChanges();
+    updateEnabledStatus();
+    const std::chrono::milliseconds period = m_tarnpatchSettings->scanning.automatic.pollingInterval();
+    LogStream(Level::Info) << "Scheduler period: " << period.count() << " ms.";
+    LogStream(Level::Info) << "Run processing";
+    {
+        const SchedulerThread actions(*m_actionScheduler, period);
+        m_running = true;
+        waitForEvents();
+    }
+    m_running = false;
+    LogStream(Level::Info) << "Processing stopped";
+    guarded([this] { sync::waitForSingleObject(*m_stopEvent, sync::infinite); });
+}
+
+bool TarnHandler::hasProfile() const
+{
+    return HostSettings(m_settings).lastSuccessfulUpdateTimestamp() > 0;
+}
+
+bool TarnHandler::waitForProfile()
+{
+    do {
+        bool found = false;
+        guarded("Failed to read the time of the last update: ", [&] { found = hasProfile(); });
+        if (found)
+            return true;
+    } while (!waitForStop(profilePollPause));
+    return false;
+}
+
+void TarnHandler::processFirstRun()
+{
+    const auto atom = m_commonFactory->createGlobalAtom(postRebootAtom);
+    if (atom->exists())
+        return;
+    LogStream(Level::Info) << "It's a first run after reboot.";
+    const auto& lastInstallation = m_tarnpatchStatus->installation.lastInstallation;
+    lastInstallation.setRestartComputerNeeded(false);
+    const auto watchdog = std::make_shared<StartupDeployWatchdog>(m_commonFactory.get(), m_tarnpatchSettings.get());
+    m_actionScheduler->runOnce(watchdog, watchdog->getDelay());
+    if (lastInstallation.restartComputerNeeded() ||
+        m_tarnpatchSettings->scanning.automatic.scanningOnSystemStartup.enabled()) {
+        LogStream(Level::Info) << "Scan on startup";
+        const auto scan = std::make_shared<StartupAutoScan>(m_commonFactory.get(), m_tarnpatchSettings.get());
+        m_actionScheduler->runOnce(scan, scan->getDelay());
+    } else {
+        LogStream(Level::Info) << "Scan on startup is not enabled.";
+    }
+    atom->create();
+}
+
+void TarnHandler::waitForEvents()
+{
+    // The order decides when both are set: what has changed is published before the stop is seen.
+    const common::Event* const events[] = {m_statusChangedEvent.get(), m_stopEvent.get()};
+    while (*sync::waitForMultipleObjects(events) == m_statusChangedEvent.get())
+        publishStatus();
+}
+
+void TarnHandler::publishStatus()
+{
+    m_statusChangedEvent->reset();
+}
+
+bool TarnHandler::waitForStop(std::chrono::milliseconds timeout) const
+{
+    return sync::waitForSingleObject(*m_stopEvent, static_cast<unsigned long>(timeout.count()));
+}
+
+void TarnHandler::stop()
+{
+    LogStream(Level::Info) << "Plugin stop requested";
+    const std::lock_guard lock(m_stopMutex);
+    if (isValid(*m_stopEvent))
+        m_stopEvent->set();
+    if (!m_initialized)
+        return;
+    m_actionScheduler->stop();
+    m_manager->stop();
+}
+
+// A stop that came before the manager was started could not stop it.
+void TarnHandler::stopManager() noexcept
+{
+    guarded([this] {
+        const std::lock_guard lock(m_stopMutex);
+        if (m_manager->isRunning())
+            m_manager->stop();
+    });
+}
+
+void TarnHandler::onPowerEvent(std::uint32_t type, std::uint32_t)
+{
+    VX_LOG_VALUES(type);
+    if (type == PBT_APMRESUMEAUTOMATIC && m_initialized)
+        m_actionScheduler->onResume();
+}
+
+} // namespace vx::tarn

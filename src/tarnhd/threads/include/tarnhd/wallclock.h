@@ -1,0 +1,38 @@
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <limits>
+
+namespace vx::tarn {
+
+/// Ticks of 100 nanoseconds since the Unix epoch, or a span of them.
+using Ticks = std::int64_t;
+
+inline constexpr Ticks ticksPerMillisecond = 10'000;
+inline constexpr Ticks ticksPerSecond = 10'000'000;
+
+/// Tells the time; called from any thread.
+using WallClock = std::function<Ticks()>;
+
+/// The system's wall clock. It runs on while the computer sleeps.
+Ticks systemTicks();
+
+/// Sums and products that stop at the ends of the range: times come from settings and may be anything.
+constexpr Ticks saturatingAdd(Ticks a, Ticks b) noexcept
+{
+    Ticks sum = 0;
+    if (!__builtin_add_overflow(a, b, &sum))
+        return sum;
+    return b > 0 ? std::numeric_limits<Ticks>::max() : std::numeric_limits<Ticks>::min();
+}
+
+constexpr Ticks saturatingMultiply(Ticks a, Ticks b) noexcept
+{
+    Ticks product = 0;
+    if (!__builtin_mul_overflow(a, b, &product))
+        return product;
+    return (a > 0) == (b > 0) ? std::numeric_limits<Ticks>::max() : std::numeric_limits<Ticks>::min();
+}
+
+} // namespace vx::tarn

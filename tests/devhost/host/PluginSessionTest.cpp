@@ -1,0 +1,127 @@
+#include "host/pluginsession.h"
+
+#include "childprocess.h"
+#include "host/exitcode.h"
+#include "host/signal.h"
+
+#include <gmock/gmock.h>
+#include <windows.h>
+
+namespace devhost::host {
+
+namespace {
+
+using namespace std::chrono_literals;
+
+template <typename Function>
+Function testExport(const char* name)
+{
+    return reinterpret_cast<Function>(
+        reinterpret_cast<void*>(GetProcAddress(GetModuleHandleW(L"host-test-plugin.dll"), name)));
+}
+
+class PluginSessionTest : public testing::Test {
+protected:
+    PluginSession makeSession(const char* name = "sample", std::uint32_t size = 36)
+    {
+        return PluginSession(library, name, size,
+            {[this](const std::string& plugin, std::uint32_t state) {
+                 reports.push_back(plugin + " " + std::to_string(state));
+                 if (state == 1)
+                     started.set();
+             },
+                [this](std::uint32_t code) { ended = code; }});
+    }
+
+    static std::string calls() { return testExport<const char* (*)()>("testPluginCalls")(); }
+
+    const std::filesystem::path library = support::programFolder() / "host-test-plugin.dll";
+    std::vector<std::string> reports;
+    Signal started;
+    std::optional<std::uint32_t> ended;
+};
+
+std::string failureOf(const std::function<void()>& action)
+{
+    try {
+        action();
+    } catch (const CommandError& error) {
+        return error.what();
+    }
+    return "no failure";
+}
+
+} // namespace
+
+TEST_F(PluginSessionTest, runsThePluginAndUnloadsIt)
+{
+    {
+        auto session = makeSession();
+        session.start();
+        ASSERT_TRUE(started.wait(60'000));
+        EXPECT_FALSE(session.waitForEnd(0ms));
+        EXPECT_EQ(session.stop(), 0u);
+        EXPECT_EQ(session.waitForEnd(30s), 7u);
+        EXPECT_EQ(calls(), "initialize 36;main;stop;");
+        EXPECT_TRUE(session.isRecordIntact());
+    }
+    EXPECT_THAT(reports, testing::ElementsAre("sample 1", "sample 0"));
+    EXPECT_EQ(ended, 7u);
+    EXPECT_FALSE(PluginLoader::isLoaded(library));
+}
+
+TEST_F(PluginSessionTest, callsWhatEachSizeOfRecordKnows)
+{
+    const struct {
+        std::uint32_t size;
+        std::string expected;
+    } rows[] = {
+        {0, "initialize 0;resume;"},
+        {24, "initialize 24;resume;"},
+        {28, "initialize 28;"},
+        {32, "initialize 32;power 18 0;"},
+        {36, "initialize 36;power 18 0;session 5 2;"},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.size);
+        auto session = makeSession("sample", row.size);
+        const auto resume = failureOf([&] { session.resume(); });
+        const auto change = failureOf([&] { session.sessionEvent(5, 2); });
+        EXPECT_EQ(calls(), row.expected);
+        EXPECT_THAT(resume, row.size == 28 ? testing::HasSubstr("no callback") : testing::HasSubstr("no failure"));
+        EXPECT_THAT(change, row.size < 36 ? testing::HasSubstr("no callback") : testing::HasSubstr("no failure"));
+        EXPECT_TRUE(session.isRecordIntact());
+    }
+}
+
+TEST_F(PluginSessionTest, noticesAWriteBehindTheRecord)
+{
+    EXPECT_FALSE(makeSession("overrun", 32).isRecordIntact());
+}
+
+TEST_F(PluginSessionTest, saysWhatIsWrongWithALibrary)
+{
+    EXPECT_THAT(failureOf([&] { makeSession("refuse"); }), testing::HasSubstr("refused to initialise: result 1"));
+    EXPECT_FALSE(PluginLoader::isLoaded(library));
+    EXPECT_THAT(failureOf([] { PluginLoader(L"C:\\missing\\plugin.dll"); }), testing::StartsWith("cannot load C:\\"));
+    wchar_t folder[MAX_PATH];
+    GetSystemDirectoryW(folder, MAX_PATH);
+    EXPECT_THAT(failureOf([&] { PluginLoader(std::filesystem::path(folder) / "version.dll"); }),
+        testing::HasSubstr("is no plug-in"));
+}
+
+// The last one: it leaves the library in memory.
+TEST_F(PluginSessionTest, keepsADeafPluginInMemory)
+{
+    {
+        auto session = makeSession("deaf");
+        session.start();
+        ASSERT_TRUE(started.wait(60'000));
+        session.stop();
+        EXPECT_FALSE(session.waitForEnd(1ms));
+    }
+    EXPECT_TRUE(PluginLoader::isLoaded(library));
+    testExport<void (*)()>("testPluginEnd")();
+}
+
+} // namespace devhost::host

@@ -1,0 +1,127 @@
+#include "storefixture.h"
+
+#include <future>
+
+using namespace devhost::store;
+
+TEST_F(StoreTest, keepsAllTypesAcrossARestart)
+{
+    const std::map<std::string, Value> values{{"b", Value::fromBool(true)}, {"i", Value::fromInt32(-1)},
+        {"l", Value::fromInt64(INT64_MIN)}, {"o", Value::fromObject("[1]")},
+        {"s", Value::fromString("\xD0\x96 \"\\\n")}};
+    server.start();
+    for (const auto& [name, value] : values)
+        client.set(name, value);
+    server.stop();
+    EXPECT_EQ(codeOf([&] { client.get("b"); }), ErrorCode::Unreachable);
+    server.start();
+    EXPECT_EQ(client.list(), values);
+    EXPECT_TRUE(client.remove("b"));
+    EXPECT_FALSE(client.remove("b"));
+    EXPECT_EQ(client.get("b"), std::nullopt);
+    EXPECT_EQ(codeOf([&] { client.set("i", Value::fromInt64(1)); }), ErrorCode::InvalidType);
+}
+
+TEST_F(StoreTest, leavesADamagedFileAloneAndSaysSo)
+{
+    for (const char* content : {"", "{\"format\": \"tarnhd store\", \"version\": 1, \"revi", "[]", "{}"}) {
+        SCOPED_TRACE(content);
+        writeFile(content);
+        try {
+            server.start();
+            ADD_FAILURE() << "a damaged file was accepted";
+        } catch (const StoreException& exception) {
+            const std::string line = exception.what();
+            EXPECT_EQ(exception.code(), ErrorCode::SchemaViolation);
+            EXPECT_NE(line.find("store.json: the store's file is damaged"), std::string::npos) << line;
+            EXPECT_EQ(line.find('\n'), std::string::npos) << line;
+        }
+        EXPECT_EQ(readFile(), content);
+    }
+}
+
+TEST_F(StoreTest, anUnfinishedReplacementDoesNoHarm)
+{
+    server.start();
+    client.set("a", Value::fromInt32(1));
+    server.stop();
+    const std::wstring kept = file;
+    file += L".new";
+    writeFile("{\"form");
+    file = kept;
+    server.start();
+    client.set("a", Value::fromInt32(2));
+    EXPECT_EQ(client.get("a"), Value::fromInt32(2));
+    EXPECT_EQ(codeOf([&] { client.get("b*"); }), ErrorCode::InvalidParameter);
+}
+
+TEST_F(StoreTest, oneServerPerInstanceAndPerFile)
+{
+    server.start();
+    Server sameInstance(folder + L"\\other.json", instance);
+    Server sameFile(file, instance + L".other");
+    EXPECT_EQ(codeOf([&] { sameInstance.start(); }), ErrorCode::NotAllowed);
+    EXPECT_EQ(codeOf([&] { sameFile.start(); }), ErrorCode::NotAllowed);
+    EXPECT_EQ(awaitChild(startChild(L"--serve \"" + file + L"\" " + instance + L".third")), 2U);
+    server.stop();
+    sameFile.start();
+    EXPECT_TRUE(Client(instance + L".other").waitForServer(deadline));
+}
+
+TEST_F(StoreTest, carriesLargeValues)
+{
+    server.start();
+    std::string json = "[";
+    while (json.size() < 5'000'000)
+        json += R"({"update_id": "d6c17b44a9", "title": "a \"quoted\" title \u0416"},)";
+    json += "0]";
+    client.set("big", Value::fromObject(json));
+    ASSERT_EQ(tool.get("big"), Value::fromObject(json));
+    EXPECT_EQ(
+        codeOf([&] { client.set("huge", Value::fromString(std::string(70'000'000, 'x'))); }), ErrorCode::SizeLimit);
+    EXPECT_EQ(tool.get("huge"), std::nullopt);
+}
+
+TEST_F(StoreTest, plannedFaultsHitApplicationsOnly)
+{
+    server.start();
+    tool.set("a", Value::fromInt32(1));
+    tool.addFault({Operation::Get, ErrorCode::AccessDenied, 2, "a"});
+    tool.addFault({Operation::Open, static_cast<ErrorCode>(17), 1, ""});
+    EXPECT_TRUE(client.waitForServer(deadline));
+    EXPECT_EQ(tool.get("a"), Value::fromInt32(1));
+    EXPECT_EQ(codeOf([&] { client.get("a"); }), ErrorCode::AccessDenied);
+    EXPECT_EQ(codeOf([&] { client.get("b"); }), ErrorCode::Success);
+    EXPECT_EQ(tool.faultState().faults.at(0).count, 1U);
+    EXPECT_EQ(codeOf([&] { client.get("a"); }), ErrorCode::AccessDenied);
+    EXPECT_EQ(client.get("a"), Value::fromInt32(1));
+    EXPECT_EQ(codeOf([&] { client.open("p", "a", "c"); }), static_cast<ErrorCode>(17));
+    EXPECT_EQ(tool.faultState(), FaultState{});
+}
+
+TEST_F(StoreTest, refusalAndDelayLastUntilCleared)
+{
+    server.start();
+    client.set("a", Value::fromInt32(1));
+    tool.setRefuse(true);
+    EXPECT_EQ(codeOf([&] { client.get("a"); }), ErrorCode::Unreachable);
+    EXPECT_FALSE(client.waitForServer(std::chrono::milliseconds(0)));
+    EXPECT_EQ(tool.get("a"), Value::fromInt32(1));
+    tool.clearFaults();
+    EXPECT_EQ(client.get("a"), Value::fromInt32(1));
+
+    tool.setDelay(std::chrono::milliseconds(150));
+    const auto begin = std::chrono::steady_clock::now();
+    client.get("a");
+    EXPECT_GE(std::chrono::steady_clock::now() - begin, std::chrono::milliseconds(140));
+}
+
+TEST_F(StoreTest, stopsWhileACallIsHeldUp)
+{
+    server.start();
+    tool.setDelay(std::chrono::hours(1));
+    auto held = std::async(std::launch::async, [&] { return codeOf([&] { client.get("a"); }); });
+    server.stop();
+    ASSERT_EQ(held.wait_for(deadline), std::future_status::ready);
+    EXPECT_EQ(held.get(), ErrorCode::Unreachable);
+}

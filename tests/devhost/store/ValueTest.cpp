@@ -1,0 +1,58 @@
+#include "store/value.h"
+#include "store/errorcode.h"
+
+#include <nlohmann/json.hpp>
+
+using namespace devhost::store;
+
+TEST(Value, readsTheTextsOfACommandLine)
+{
+    const struct {
+        Type type;
+        std::string text;
+        bool valid;
+    } rows[] = {
+        {Type::Boolean, "true", true},
+        {Type::Boolean, "yes", false},
+        {Type::Int32, "-2147483648", true},
+        {Type::Int32, "2147483648", false},
+        {Type::Int32, "12 ", false},
+        {Type::Int32, "", false},
+        {Type::Int64, "9223372036854775807", true},
+        {Type::Int64, "9223372036854775808", false},
+        {Type::String, "", true},
+        {Type::Object, "[1, 2]", true},
+        {Type::Object, "[1, 2", false},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(std::string(typeName(row.type)) + " " + row.text);
+        if (!row.valid) {
+            EXPECT_THROW(Value::parse(row.text, row.type), StoreException);
+            continue;
+        }
+        const Value value = Value::parse(row.text, row.type);
+        EXPECT_EQ(value.type(), row.type);
+        EXPECT_EQ(value.text(), row.text);
+        EXPECT_EQ(Value::fromJson(value.toJson()), value);
+    }
+}
+
+TEST(Value, refusesJsonThatWouldBeCutOffOrConverted)
+{
+    for (const char* text : {R"({"type":"int32","value":4294967296})", R"({"type":"int32","value":1.5})",
+             R"({"type":"int64","value":9223372036854775808})", R"({"type":"bool","value":1})",
+             R"({"type":"string","value":1})", R"({"type":"object","value":{}})", R"({"type":"double","value":1})",
+             R"({"value":1})", "[]"}) {
+        SCOPED_TRACE(text);
+        EXPECT_THROW(Value::fromJson(nlohmann::json::parse(text)), StoreException);
+    }
+}
+
+TEST(Value, givesItselfOnlyAsItsOwnType)
+{
+    const Value value = Value::fromInt32(5);
+    EXPECT_EQ(value.asInt32(), 5);
+    EXPECT_THROW(value.asInt64(), StoreException);
+    EXPECT_NE(value, Value::fromInt64(5));
+    EXPECT_NE(Value::fromString("[]"), Value::fromObject("[]"));
+}

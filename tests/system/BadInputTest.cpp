@@ -1,0 +1,58 @@
+#include "rig.h"
+
+namespace rig {
+namespace {
+
+using devhost::store::Value;
+
+class BadInputTest : public SystemTest {};
+
+TEST_F(BadInputTest, valuesOfTheWrongTypeCountAsMissing)
+{
+    startStoreAlone();
+    for (const char* key : {"enabled", "scanning.automatic.maximum_rescanning_period",
+             "scanning.automatic.scanning_on_system_startup.enabled",
+             "scanning.automatic.scanning_on_system_startup.delay",
+             "scanning.automatic.scanning_on_system_startup.randomization_interval",
+             "scanning.automatic.polling_interval", "installation.in_progress", "installation.deployment_queue",
+             "installation.completion.wait", "installation.completion.timeout", "installation.completion.timestamp"})
+        client.set(settings + key, Value::fromString("garbage"));
+    client.set(status + "enabled", Value::fromString("garbage"));
+    client.set(lastScan, Value::fromString("garbage"));
+    client.set(status + "installation.last_installation.restart_computer_needed", Value::fromString("garbage"));
+    startHost();
+    EXPECT_EQ(logCount("Failed to read a bool value: windows.tarnpatch.enabled"), 1u);
+    EXPECT_GE(logCount("Setting 'windows.tarnpatch.enabled' not found - fallback to default value"), 1u);
+    scan(1);
+    EXPECT_EQ(stopHost(), 0u);
+}
+
+TEST_F(BadInputTest, countersOfTheWrongTypeAreSurvivedAndHealed)
+{
+    startStoreAlone();
+    client.set(scanStart, Value::fromString("one"));
+    client.set(scanAck, Value::fromString("none"));
+    startHost();
+    client.set(scanStart, Value::fromString("two"));
+    waitForLog("No need to start scanning. start=0, ack=0");
+    client.remove(scanStart);
+    client.remove(scanAck);
+    scan(4);
+    EXPECT_EQ(stopHost(), 0u);
+}
+
+TEST_F(BadInputTest, theHostProgramSaysWhatIsWrongInOneLine)
+{
+    EXPECT_EQ(command("get " + enabled), 3u) << "no store";
+    EXPECT_EQ(command("status"), 3u);
+    startHost();
+    EXPECT_EQ(command("set no.such.key 1"), 1u);
+    EXPECT_EQ(command("set " + enabled + " maybe"), 1u);
+    EXPECT_EQ(command("get no.such.key"), 1u);
+    EXPECT_EQ(command("dance"), 2u);
+    EXPECT_EQ(command("run"), 5u) << "a second host";
+    EXPECT_EQ(stopHost(), 0u);
+}
+
+} // namespace
+} // namespace rig

@@ -1,0 +1,93 @@
+#include "rig.h"
+
+#include "host/bootatom.h"
+
+namespace rig {
+namespace {
+
+using nlohmann::json;
+
+class LifecycleTest : public SystemTest {};
+
+TEST_F(LifecycleTest, aStopLeavesTheRunningAgentAlone)
+{
+    const Gate gate("left-alone");
+    script({json::object(), gate.run()});
+    startHost();
+    const std::int64_t scanned = number(lastScan);
+    EXPECT_GT(scanned, 0);
+    setNumber(scanStart, 1);
+    ASSERT_TRUE(gate.waitUntilStarted());
+    const auto before = std::chrono::steady_clock::now();
+    EXPECT_EQ(stopHost(), 0u);
+    EXPECT_LT(std::chrono::steady_clock::now() - before, std::chrono::seconds(8));
+    EXPECT_EQ(logCount("Thread stop event detected while tarnag running."), 1u);
+    EXPECT_EQ(logCount("Tarnag agent finished successfully."), 2u) << "the start time was recorded";
+    EXPECT_EQ(agentStarts(), 2u);
+    gate.release();
+}
+
+TEST_F(LifecycleTest, onlyTheFirstRunAfterABootScansOnStartUp)
+{
+    startStoreAlone();
+    client.set(settings + "scanning.automatic.scanning_on_system_startup.delay", devhost::store::Value::fromInt32(0));
+    startHost();
+    waitForLog("Start after reboot scan if expired", 1);
+    EXPECT_EQ(logCount("It's a first run after reboot."), 1u);
+    EXPECT_EQ(stopHost(), 0u);
+
+    startHost();
+    EXPECT_EQ(stopHost(), 0u);
+    EXPECT_EQ(logCount("It's a first run after reboot."), 1u);
+    EXPECT_EQ(logCount("Start after reboot scan if expired"), 1u);
+
+    EXPECT_EQ(command("forget-boot"), 0u);
+    startHost();
+    waitForLog("Start after reboot scan if expired", 2);
+    EXPECT_EQ(logCount("It's a first run after reboot."), 2u);
+    EXPECT_EQ(stopHost(), 0u);
+}
+
+TEST_F(LifecycleTest, stopsWhileItWaitsForTheProfile)
+{
+    startHost(Wait::No, "--no-profile");
+    waitForLog("Setting 'status.windows.meridia.last_successful_update_timestamp' not found");
+    EXPECT_EQ(stopHost(), 0u);
+    EXPECT_EQ(logCount("Meridia profile is not available yet."), 1u);
+    EXPECT_EQ(logCount("Run processing"), 0u);
+}
+
+TEST_F(LifecycleTest, stopsBetweenTheAttemptsForABusyAgent)
+{
+    script({{{"exitCode", 8}}});
+    startHost(Wait::ForProcessing);
+    waitForLog("Tarnag agent has been already started.");
+    const auto before = std::chrono::steady_clock::now();
+    EXPECT_EQ(stopHost(), 0u);
+    EXPECT_LT(std::chrono::steady_clock::now() - before, std::chrono::seconds(8));
+}
+
+TEST_F(LifecycleTest, worksInHostsOfEveryRecordSize)
+{
+    for (const char* size : {"0", "24", "28", "32", "36"}) {
+        SCOPED_TRACE(size);
+        startHost(Wait::ForProcessing, std::string("--size ") + size);
+        EXPECT_EQ(command("resume-event"), std::string(size) == "28" ? 1u : 0u);
+        EXPECT_EQ(stopHost(), 0u);
+    }
+}
+
+TEST_F(LifecycleTest, loadsAnewInOneProcess)
+{
+    startHost();
+    EXPECT_EQ(command("restart"), 0u);
+    waitForLog("Run processing", 2);
+    waitForAgentEnds(2);
+    scan(1);
+    EXPECT_EQ(stopHost(), 0u);
+    EXPECT_EQ(logCount("LOGGING STARTED"), 2u);
+    EXPECT_EQ(logCount("It's a first run after reboot."), 1u);
+}
+
+} // namespace
+} // namespace rig

@@ -1,0 +1,80 @@
+#include "rig.h"
+
+#include <gmock/gmock.h>
+
+namespace rig {
+namespace {
+
+using namespace std::chrono_literals;
+using nlohmann::json;
+
+class StoreOutageTest : public SystemTest {};
+
+TEST_F(StoreOutageTest, aPlugInThatStartsDuringAnOutageWaitsForItsEnd)
+{
+    startStoreAlone();
+    client.set("status.windows.meridia.last_successful_update_timestamp", devhost::store::Value::fromInt64(1));
+    killStore();
+    host = std::make_unique<support::ChildProcess>(
+        L'"' + (support::programFolder() / "tarnhost.exe").wstring() + L"\" run --no-store --no-profile", folder.path());
+    EXPECT_FALSE(host->wait(10s)) << "the host ended: " << host->output() << host->errors();
+    EXPECT_EQ(logCount("Run processing"), 0u);
+    startStoreAlone();
+    waitForLog("Run processing");
+    waitForAgentEnds(1);
+    scan(1);
+    EXPECT_EQ(stopHost(), 0u);
+}
+
+TEST_F(StoreOutageTest, aStopEndsTheWaitForTheStore)
+{
+    host = std::make_unique<support::ChildProcess>(
+        L'"' + (support::programFolder() / "tarnhost.exe").wstring() + L"\" run --no-store --no-profile", folder.path());
+    EXPECT_EQ(command("status --wait 20"), 0u);
+    waitForLog("LOGGING STARTED");
+    EXPECT_EQ(stopHost(), 0u);
+    EXPECT_EQ(logCount("Failed to initialize handler plugin: "), 1u);
+}
+
+TEST_F(StoreOutageTest, writesMadeMeanwhileArriveWhenTheStoreIsBack)
+{
+    const Gate gate("outage");
+    script({json::object(), gate.run(), json::object()});
+    startStoreAlone();
+    startHost();
+    setNumber(scanStart, 1);
+    ASSERT_TRUE(gate.waitUntilStarted());
+    killStore();
+    gate.release();
+    waitForLog("Update a scanning remote operation status: 1");
+    waitForLog("Failed to set int64 value: windows.tarnpatch.remote_operations.scan_for_updates.ack");
+    startStoreAlone();
+    EXPECT_EQ(number(scanAck), 0) << "the write is pending";
+    set(settings + "scanning.automatic.polling_interval", devhost::store::Value::fromInt32(11));
+    waitForNumber(scanAck, 1);
+    scan(2);
+    EXPECT_EQ(stopHost(), 0u);
+}
+
+TEST_F(StoreOutageTest, survivesEveryErrorCodeOnEveryKindOfCall)
+{
+    startHost();
+    using devhost::store::FaultKind;
+    std::int64_t request = 0;
+    for (int code = 1; code <= 25; ++code) {
+        for (const char* kind : {"get", "set"}) {
+            SCOPED_TRACE(std::string(kind) + " " + std::to_string(code));
+            EXPECT_NO_THROW(client.addFault({devhost::store::parseFaultKind(kind), code, 9, {}}));
+            setNumber(scanStart, ++request);
+            waitForLog("No need to start scanning.", 0);
+            client.clearFaults();
+            // The next good request is served, whatever became of the faulty one.
+            scan(++request);
+            ASSERT_TRUE(hostRuns());
+        }
+    }
+    EXPECT_EQ(stopHost(), 0u);
+}
+
+} // namespace
+} // namespace rig
