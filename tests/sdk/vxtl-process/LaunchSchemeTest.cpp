@@ -26,11 +26,26 @@ bool isImpersonating()
     return OpenThreadToken(GetCurrentThread(), TOKEN_QUERY, TRUE, &token) && CloseHandle(token);
 }
 
-/// Starts nothing and records how it was asked. Its tokens are this process's own.
-struct FakeLaunchDriver : LaunchDriver {
+struct MockLaunchDriver : LaunchDriver {
+    MOCK_METHOD(LaunchedProcess, create, (const LaunchRequest&), (override));
+    MOCK_METHOD(LaunchedProcess, createAsUser, (void*, const LaunchRequest&), (override));
+    MOCK_METHOD(LaunchedProcess, createWithLogon, (const Credentials&, const LaunchRequest&), (override));
+    MOCK_METHOD(SharedHandle, logon, (const Credentials&), (override));
+    MOCK_METHOD(SharedHandle, duplicatePrimary, (void*), (override));
+    MOCK_METHOD(std::shared_ptr<void>, createEnvironment, (void*), (override));
+    MOCK_METHOD(bool, hasEffectiveAdminRights, (void*), (override));
+    MOCK_METHOD(
+        std::shared_ptr<users::UserAccountProperties>, accountProperties, (const users::UserAccount&), (override));
+    MOCK_METHOD(std::shared_ptr<priveleges::IPrivelegesHolder>, privelegesHolder, (const std::wstring&), (override));
+};
+
+/// Starts nothing and records how it was asked; the tokens are this process's own.
+struct LaunchScheme : testing::Test {
+    testing::NiceMock<MockLaunchDriver> driver;
     FakeAccountDriver accounts;
-    std::shared_ptr<FakeHolder> holder = std::make_shared<FakeHolder>(); ///< null: asking throws
-    bool administrator = false;
+    std::shared_ptr<FakeHolder> holder = std::make_shared<FakeHolder>();
+    support::LogCapture log;
+    std::wstring program = std::wstring(MAX_PATH, L'\0');
     bool launchFails = false;
     std::string how;
     LaunchRequest request;
@@ -38,7 +53,29 @@ struct FakeLaunchDriver : LaunchDriver {
     std::weak_ptr<KernelHandle> token;
     std::weak_ptr<void> environment;
 
-    LaunchedProcess launch(const char* name, const LaunchRequest& given)
+    LaunchScheme()
+    {
+        program.resize(GetModuleFileNameW(nullptr, program.data(), MAX_PATH));
+        holder->right = L"SeAssignPrimaryTokenPrivilege";
+        ON_CALL(driver, create).WillByDefault([&](const auto& given) { return record("create", given); });
+        ON_CALL(driver, createAsUser).WillByDefault([&](void*, const auto& given) { return record("asUser", given); });
+        ON_CALL(driver, createWithLogon).WillByDefault([&](const auto&, const auto& given) {
+            return record("withLogon", given);
+        });
+        ON_CALL(driver, logon).WillByDefault([&](const auto&) { return ownToken(); });
+        ON_CALL(driver, duplicatePrimary).WillByDefault([&](void*) { return std::make_shared<KernelHandle>(nullptr); });
+        ON_CALL(driver, createEnvironment).WillByDefault([&](void*) {
+            const auto block = std::make_shared<int>();
+            environment = block;
+            return block;
+        });
+        ON_CALL(driver, hasEffectiveAdminRights).WillByDefault(testing::Return(true));
+        ON_CALL(driver, accountProperties).WillByDefault([&](const auto& account) {
+            return std::make_shared<users::UserAccountPropertiesImpl>(account, accounts);
+        });
+        ON_CALL(driver, privelegesHolder(std::wstring(L"HERE\\joe"))).WillByDefault(testing::Return(holder));
+    }
+    LaunchedProcess record(const char* name, const LaunchRequest& given)
     {
         how = name;
         request = given;
@@ -47,12 +84,6 @@ struct FakeLaunchDriver : LaunchDriver {
             VX_THROW_WIN32(ERROR_LOGON_FAILURE, L"launch");
         return {std::make_shared<KernelHandle>(nullptr), std::make_shared<KernelHandle>(nullptr)};
     }
-    LaunchedProcess create(const LaunchRequest& given) override { return launch("create", given); }
-    LaunchedProcess createAsUser(void*, const LaunchRequest& given) override { return launch("asUser", given); }
-    LaunchedProcess createWithLogon(const Credentials&, const LaunchRequest& given) override
-    {
-        return launch("withLogon", given);
-    }
     SharedHandle ownToken()
     {
         HANDLE raw = nullptr;
@@ -60,39 +91,6 @@ struct FakeLaunchDriver : LaunchDriver {
         const auto result = std::make_shared<KernelHandle>(raw);
         token = result;
         return result;
-    }
-    SharedHandle logon(const Credentials&) override { return ownToken(); }
-    SharedHandle duplicatePrimary(void*) override { return std::make_shared<KernelHandle>(nullptr); }
-    std::shared_ptr<void> createEnvironment(void*) override
-    {
-        const auto block = std::make_shared<int>();
-        environment = block;
-        return block;
-    }
-    bool hasEffectiveAdminRights(void*) override { return administrator; }
-    std::shared_ptr<users::UserAccountProperties> accountProperties(const users::UserAccount& account) override
-    {
-        return std::make_shared<users::UserAccountPropertiesImpl>(account, accounts);
-    }
-    std::shared_ptr<priveleges::IPrivelegesHolder> privelegesHolder(const std::wstring& name) override
-    {
-        EXPECT_EQ(name, L"HERE\\joe");
-        if (!holder)
-            VX_THROW_WIN32(ERROR_NONE_MAPPED);
-        return holder;
-    }
-};
-
-struct LaunchScheme : testing::Test {
-    FakeLaunchDriver driver;
-    support::LogCapture log;
-    std::wstring program = std::wstring(MAX_PATH, L'\0');
-
-    LaunchScheme()
-    {
-        program.resize(GetModuleFileNameW(nullptr, program.data(), MAX_PATH));
-        driver.holder->right = L"SeAssignPrimaryTokenPrivilege";
-        driver.administrator = true;
     }
     void launch(const std::wstring& user = L"joe", const std::wstring& arguments = none)
     {
@@ -106,49 +104,48 @@ TEST_F(LaunchScheme, elevatesOnlyAnAdministratorWhoMayAssignTokens)
 {
     struct {
         const char* trace;
-        bool known;
         const wchar_t* right;
         bool administrator;
         const char* how;
         const char* line;
     } rows[] = {
-        {"both", true, L"SeAssignPrimaryTokenPrivilege", true, "asUser", "Using elevated run scheme"},
-        {"no administrator", true, L"SeAssignPrimaryTokenPrivilege", false, "withLogon",
-            "Using non-elevated run scheme"},
-        {"no privilege", true, L"SeAssignPrimaryToken", true, "withLogon", "Using non-elevated run scheme"},
-        {"privileges unreadable", false, L"", true, "withLogon", "Using non-elevated run scheme"},
+        {"both", L"SeAssignPrimaryTokenPrivilege", true, "asUser", "Using elevated run scheme"},
+        {"no administrator", L"SeAssignPrimaryTokenPrivilege", false, "withLogon", "Using non-elevated run scheme"},
+        {"no privilege", L"SeAssignPrimaryToken", true, "withLogon", "Using non-elevated run scheme"},
+        {"privileges unreadable", nullptr, true, "withLogon", "Using non-elevated run scheme"},
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(row.trace);
-        FakeLaunchDriver fresh;
-        fresh.holder = row.known ? fresh.holder : nullptr;
-        if (row.known)
-            fresh.holder->right = row.right;
-        fresh.administrator = row.administrator;
-        Process(program, none, none, {L"HERE", L"joe", L"s3cret"}, fresh);
-        EXPECT_EQ(fresh.how, row.how);
+        if (row.right)
+            holder->right = row.right;
+        else
+            ON_CALL(driver, privelegesHolder).WillByDefault(testing::Throw(std::runtime_error("unreadable")));
+        ON_CALL(driver, hasEffectiveAdminRights).WillByDefault(testing::Return(row.administrator));
+        launch();
+        EXPECT_EQ(how, row.how);
         EXPECT_TRUE(log.has(4, row.line)) << log.text();
-        EXPECT_EQ(fresh.impersonated, fresh.how == "asUser");
+        EXPECT_EQ(impersonated, how == "asUser");
         EXPECT_FALSE(isImpersonating());
-        EXPECT_TRUE(fresh.token.expired());
-        EXPECT_EQ(fresh.request.flags, 0x04000010u);
-        EXPECT_EQ(fresh.request.showWindow, 11);
+        EXPECT_TRUE(token.expired());
+        EXPECT_EQ(request.flags, 0x04000010u);
+        EXPECT_EQ(request.showWindow, 11);
     }
+    EXPECT_TRUE(log.has(2, "Exception occurred. unreadable")) << log.text();
     EXPECT_EQ(log.count("s3cret"), 0u) << log.text();
     EXPECT_EQ(log.count("HERE\\joe:<password>'"), 4u) << log.text();
 }
 
 TEST_F(LaunchScheme, leavesNothingBehindWhenTheLaunchFails)
 {
-    driver.launchFails = true;
+    launchFails = true;
     EXPECT_THROW(launch(), Win32Exception);
-    EXPECT_TRUE(driver.impersonated);
+    EXPECT_TRUE(impersonated);
     EXPECT_FALSE(isImpersonating());
-    EXPECT_TRUE(driver.token.expired());
-    const SharedHandle token = driver.ownToken();
-    EXPECT_THROW(Process(L"x", 0, Redirect::None, token->get(), driver), Win32Exception);
+    EXPECT_TRUE(token.expired());
+    const SharedHandle own = ownToken();
+    EXPECT_THROW(Process(L"x", 0, Redirect::None, own->get(), driver), Win32Exception);
     EXPECT_FALSE(isImpersonating());
-    EXPECT_TRUE(driver.environment.expired());
+    EXPECT_TRUE(environment.expired());
 }
 
 TEST_F(LaunchScheme, launchesInSpiteOfWhatStandsAgainstTheAccount)
@@ -161,11 +158,11 @@ TEST_F(LaunchScheme, launchesInSpiteOfWhatStandsAgainstTheAccount)
         {0x800000, 0, "Account has expired password"}, {0, 2453, "NetUserGetInfo fail at level 1"}};
     for (const auto& row : rows) {
         SCOPED_TRACE(row.line);
-        driver.how.clear();
-        driver.accounts.flags = row.flags;
-        driver.accounts.userStatus = row.status;
+        how.clear();
+        accounts.flags = row.flags;
+        accounts.userStatus = row.status;
         launch();
-        EXPECT_EQ(driver.how, "asUser");
+        EXPECT_EQ(how, "asUser");
         EXPECT_EQ(log.count(row.line), 1u) << log.text();
     }
 }
@@ -173,32 +170,32 @@ TEST_F(LaunchScheme, launchesInSpiteOfWhatStandsAgainstTheAccount)
 TEST_F(LaunchScheme, startsAsTheCallerWithoutAUser)
 {
     launch(none, L"a b");
-    EXPECT_EQ(driver.how, "create");
-    EXPECT_EQ(driver.request.flags, 0x0C000000u);
-    EXPECT_EQ(driver.request.application, program);
-    EXPECT_EQ(driver.request.commandLine, program + L" a b");
-    EXPECT_EQ(driver.request.workingDirectory, program.substr(0, program.rfind(L'\\')));
+    EXPECT_EQ(how, "create");
+    EXPECT_EQ(request.flags, 0x0C000000u);
+    EXPECT_EQ(request.application, program);
+    EXPECT_EQ(request.commandLine, program + L" a b");
+    EXPECT_EQ(request.workingDirectory, program.substr(0, program.rfind(L'\\')));
     launch(none, L" a");
-    EXPECT_EQ(driver.request.commandLine, program + L" a");
+    EXPECT_EQ(request.commandLine, program + L" a");
     EXPECT_EQ(log.count("with credentials"), 0u);
 }
 
 TEST_F(LaunchScheme, givesATokensChildItsDesktopOrHidesIt)
 {
-    const SharedHandle token = driver.ownToken();
-    Process(L"x", 0x430, Redirect::None, token->get(), driver);
-    EXPECT_EQ(driver.request.desktop, L"winsta0\\default");
-    EXPECT_FALSE(driver.request.showWindow);
-    EXPECT_FALSE(driver.request.standardHandles);
-    EXPECT_EQ(driver.request.flags, 0x430u);
-    EXPECT_TRUE(driver.request.environment);
-    EXPECT_TRUE(driver.impersonated);
+    const SharedHandle own = ownToken();
+    Process(L"x", 0x430, Redirect::None, own->get(), driver);
+    EXPECT_EQ(request.desktop, L"winsta0\\default");
+    EXPECT_FALSE(request.showWindow);
+    EXPECT_FALSE(request.standardHandles);
+    EXPECT_EQ(request.flags, 0x430u);
+    EXPECT_TRUE(request.environment);
+    EXPECT_TRUE(impersonated);
 
-    Process(L"x", 0x08000400, Redirect::StandardOutput, token->get(), driver);
-    EXPECT_EQ(driver.request.desktop, L"");
-    EXPECT_EQ(driver.request.showWindow, 11);
-    EXPECT_EQ(driver.request.flags, 0x410u);
-    ASSERT_TRUE(driver.request.standardHandles);
-    EXPECT_EQ(driver.request.standardHandles->input, INVALID_HANDLE_VALUE);
-    EXPECT_NE(driver.request.standardHandles->output, INVALID_HANDLE_VALUE);
+    Process(L"x", 0x08000400, Redirect::StandardOutput, own->get(), driver);
+    EXPECT_EQ(request.desktop, L"");
+    EXPECT_EQ(request.showWindow, 11);
+    EXPECT_EQ(request.flags, 0x410u);
+    ASSERT_TRUE(request.standardHandles);
+    EXPECT_EQ(request.standardHandles->input, INVALID_HANDLE_VALUE);
+    EXPECT_NE(request.standardHandles->output, INVALID_HANDLE_VALUE);
 }

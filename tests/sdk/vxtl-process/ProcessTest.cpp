@@ -5,9 +5,13 @@
 
 #include <windows.h>
 
+#include <winternl.h>
+
+#include <algorithm>
 #include <filesystem>
 #include <istream>
 #include <ostream>
+#include <span>
 
 using namespace vx;
 using namespace vx::process;
@@ -41,6 +45,26 @@ SharedHandle ownToken()
     HANDLE token = nullptr;
     EXPECT_TRUE(OpenProcessToken(GetCurrentProcess(), TOKEN_ALL_ACCESS, &token));
     return std::make_shared<KernelHandle>(token);
+}
+
+struct SystemHandle {
+    ULONG owner;
+    BYTE type;
+    BYTE flags;
+    USHORT value;
+    void* object;
+    ULONG access;
+};
+
+/// Counted in the system's own list: GetProcessHandleCount isn't everywhere more than a stub.
+std::ptrdiff_t openHandles()
+{
+    constexpr auto systemHandleInformation = static_cast<SYSTEM_INFORMATION_CLASS>(16);
+    std::vector<ULONG> list(1 << 18);
+    ULONG size = 0;
+    EXPECT_EQ(NtQuerySystemInformation(systemHandleInformation, list.data(), list.size() * sizeof(ULONG), &size), 0);
+    const std::span handles(reinterpret_cast<const SystemHandle*>(list.data() + 1), list[0]);
+    return std::ranges::count(handles, GetCurrentProcessId(), &SystemHandle::owner);
 }
 
 } // namespace
@@ -127,6 +151,22 @@ TEST(Process, runsUnderTheCallersOwnToken)
     EXPECT_EQ(exitCode(process), 42u);
     EXPECT_EQ(log.count(" with credentials: '"), 1u);
     EXPECT_GT(users::UserAccount(token->get()).user().size(), 0u);
+}
+
+TEST(Process, leavesNoHandleOpenWhateverHappens)
+{
+    const SharedHandle token = ownToken();
+    const auto all = Redirect::StandardInput | Redirect::StandardOutput | Redirect::StandardError;
+    const auto round = [&] {
+        exitCode(Process(selfAsChild(L"exit 1"), tokenFlags, all, token->get()));
+        EXPECT_THROW(Process(L"nosuchprogram.exe", tokenFlags, all, token->get()), Win32Exception);
+        EXPECT_THROW(Process(L"nosuchprogram.exe", 0, all, nullptr), Win32Exception);
+        return openHandles();
+    };
+    round(); // the system loads libraries of its own
+    const std::ptrdiff_t before = round();
+    ASSERT_GT(before, 0);
+    EXPECT_EQ(round(), before);
 }
 
 TEST(Process, tellsWhyWhenTheTokenMayNotBeDuplicated)

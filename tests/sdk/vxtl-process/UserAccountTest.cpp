@@ -1,4 +1,5 @@
 #include "vxtl/users/useraccount.h"
+#include "vxtl/users/impersonatedscope.h"
 #include "vxtl/win32exception.h"
 
 #include <windows.h>
@@ -45,4 +46,18 @@ TEST(UserAccount, namesTheTokensUser)
     } catch (const vx::Win32Exception& exception) {
         EXPECT_THAT(exception.what(), testing::HasSubstr("vx::users::`anonymous-namespace'::getNamesByToken,"));
     }
+}
+
+TEST(ImpersonatedScope, refusesWhatIsNoToken)
+{
+    EXPECT_FALSE(ImpersonatedScope(nullptr).impersonated());
+    const HANDLE noToken = CreateEventW(nullptr, TRUE, FALSE, nullptr);
+    try {
+        ImpersonatedScope scope(noToken);
+        RevertToSelf();
+        ADD_FAILURE() << "no exception";
+    } catch (const vx::Win32Exception& exception) {
+        EXPECT_THAT(exception.what(), testing::HasSubstr("Function: vx::users::ImpersonatedScope::ImpersonatedScope,"));
+    }
+    CloseHandle(noToken);
 }

@@ -54,5 +54,6 @@ TEST(CommonProcess, keepsThePasswordOutOfTheLog)
     EXPECT_EQ(log.count(".\\no such user:<password>'"), 1u) << log.text();
     process.start(shell, L"/c exit 0", {L".", L"no such user", none});
     EXPECT_EQ(log.count(".\\no such user:<no password>'"), 1u) << log.text();
+    EXPECT_EQ(log.count("Reason: LogonUser failed") + log.count("Reason: CreateProcessWithLogonW failed"), 2u);
     EXPECT_EQ(log.count("s3cret"), 0u) << log.text();
 }
