@@ -1,0 +1,73 @@
+# Sourced by ./run demo: shows one remote scan request on its whole way, with real processes under Wine.
+
+demo_folder=$project/build/demo
+
+demo_host() {
+    local result
+    command_wine "$project/build/product/bin/tarnhost.exe" "$@" >"$demo_folder/output.$BASHPID" 2>&1 </dev/null
+    result=$?
+    tr -d '\r' <"$demo_folder/output.$BASHPID"
+    rm -f "$demo_folder/output.$BASHPID"
+    return $result
+}
+
+# Says what comes, shows the command, runs it with its output set off.
+demo_step() {
+    printf '\n--- %s\n    $ ./run host --' "$1"
+    shift
+    printf ' %s' "$@"
+    printf '\n'
+    demo_host "$@" | sed 's/^/    /'
+    [ "${PIPESTATUS[0]}" -eq 0 ]
+}
+
+demo_prepare() {
+    rm -rf "$demo_folder"
+    mkdir -p "$demo_folder/agent"
+    cp "$project"/build/product/bin/{tarnag.exe,vx_qrl_meridia_32.dll} "$demo_folder/agent/"
+    # What the stand-in agent does at each start: an ordinary scan when the plug-in comes up, a scan that finds three
+    # updates, and then another agent is busy twice before it gets its turn.
+    cat >"$demo_folder/agent/tarnag.script.json" <<'END'
+{"runs": [
+    {},
+    {"durationMs": 300, "missingUpdates": [
+        {"update_name": "KB5001", "bulletin_id": "B-1", "product_name": "Editor", "severity": 1},
+        {"update_name": "KB5002", "bulletin_id": "B-2", "product_name": "Browser", "severity": 2},
+        {"update_name": "KB5003", "bulletin_id": "B-3", "product_name": "Viewer", "severity": 3}]},
+    {"exitCode": 8},
+    {"exitCode": 8},
+    {}
+]}
+END
+}
+
+demo_scan_road() {
+    printf '\nA host is started; it serves the store, loads tarnhd.dll and runs it.\n'
+    demo_host run --store "$demo_folder/store.json" --agent-dir "$demo_folder/agent" >"$demo_folder/host.txt" 2>&1 &
+    demo_step "wait until the host is up" status --wait 30 &&
+        demo_step "request a scan and wait for the acknowledgement" scan --wait 30 &&
+        demo_step "what the agent found" get status.windows.tarnpatch.scanning.last_scanning.missing_updates &&
+        demo_step "request another one; the agent is busy twice and tried again each second" scan --wait 30 &&
+        demo_step "wait until a try has succeeded" watch status.windows.tarnpatch.scanning.last_scanning.timestamp \
+            --count 1 &&
+        demo_step "an overview" status &&
+        demo_step "stop the host" stop
+    local result=$?
+    wait
+    printf '\n--- what the host showed\n'
+    sed 's/^/    /' "$demo_folder/host.txt"
+    printf '\n--- the log of the plug-in, from the request on\n'
+    demo_host log --lines 70 | sed 's/^/    /'
+    return $result
+}
+
+command_demo() {
+    build_flavour product tarnhost tarnhd tarnag vx_qrl_meridia_32
+    wine_start
+    trap wine_stop EXIT
+    export TARNHD_INSTANCE=demo
+    demo_prepare
+    demo_host forget-boot >/dev/null
+    demo_scan_road || die "the demo did not go as it should; see above"
+    say "the request went the whole way: see 'Update a scanning remote operation status' in the log above"
+}
