@@ -17,7 +17,7 @@ using logging::LogStream;
 /// A value on its way to the provider; counts as failed on every way out but one.
 class Write {
 public:
-    Write(SettingsCache& cache, const std::wstring& name, details::CacheEntry entry)
+    Write(SettingsCache& cache, const std::wstring& name, details::CacheEntry&& entry)
         : m_cache(cache), m_passage(cache.beginWrite(name, std::move(entry)))
     {}
     ~Write() { m_cache.endWrite(m_passage, m_outcome); }

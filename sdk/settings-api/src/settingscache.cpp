@@ -2,6 +2,18 @@
 
 namespace vx::settings::details {
 
+namespace {
+
+/// The old value leaves in `source`, to be destroyed outside the lock.
+void replace(CacheEntry& target, CacheEntry& source) noexcept
+{
+    target.type = source.type;
+    target.saved = source.saved;
+    target.value.swap(source.value);
+}
+
+} // namespace
+
 template <typename Change>
 void SettingsCache::change(Slot& slot, Change apply)
 {
@@ -15,28 +27,37 @@ void SettingsCache::change(Slot& slot, Change apply)
 std::optional<nlohmann::json> SettingsCache::find(const std::wstring& name) const
 {
     const std::lock_guard lock(m_mutex);
-    const auto found = m_slots.find(name);
-    if (found == m_slots.end())
+    const auto found = m_index.find(name);
+    if (found == m_index.end())
         return std::nullopt;
-    return found->second.entry.value;
+    return found->second->entry.value;
 }
 
-void SettingsCache::storeRead(const std::wstring& name, CacheEntry entry, Version before, Synchronized synchronized)
+SettingsCache::Slot& SettingsCache::slotOf(const std::wstring& name)
+{
+    if (const auto found = m_index.find(name); found != m_index.end())
+        return *found->second;
+    const auto position = m_slots.try_emplace(name).first;
+    m_index.emplace(position->first, &position->second);
+    return position->second;
+}
+
+void SettingsCache::storeRead(const std::wstring& name, CacheEntry&& entry, Version before, Synchronized synchronized)
 {
     const std::lock_guard lock(m_mutex);
-    Slot& slot = m_slots[name];
+    Slot& slot = slotOf(name);
     const bool untried = !slot.entry.saved && synchronized == Synchronized::No;
     if (slot.underway != 0 || slot.touched > before || untried)
         return;
-    change(slot, [&] { slot.entry = std::move(entry); });
+    change(slot, [&] { replace(slot.entry, entry); });
 }
 
-SettingsCache::Passage SettingsCache::beginWrite(const std::wstring& name, CacheEntry entry)
+SettingsCache::Passage SettingsCache::beginWrite(const std::wstring& name, CacheEntry&& entry)
 {
     const std::lock_guard lock(m_mutex);
-    Slot& slot = m_slots[name];
+    Slot& slot = slotOf(name);
     change(slot, [&] {
-        slot.entry = std::move(entry);
+        replace(slot.entry, entry);
         slot.written = slot.touched = nextVersion();
         ++slot.underway;
     });

@@ -7,6 +7,8 @@
 #include <nlohmann/json.hpp>
 #include <optional>
 #include <string>
+#include <string_view>
+#include <unordered_map>
 
 namespace vx::settings::details {
 
@@ -53,10 +55,10 @@ public:
 
     /// Keeps what the provider answered, unless the name's entry may be newer than that answer: a write since
     /// `before`, a value on its way, or a pending value that this reader has not tried to save.
-    void storeRead(const std::wstring& name, CacheEntry entry, Version before, Synchronized synchronized);
+    void storeRead(const std::wstring& name, CacheEntry&& entry, Version before, Synchronized synchronized);
 
     /// Puts in an unsaved value that its writer is about to give to the provider.
-    Passage beginWrite(const std::wstring& name, CacheEntry entry);
+    Passage beginWrite(const std::wstring& name, CacheEntry&& entry);
     /// Marks the entry saved only if it still is the value that was written.
     void endWrite(const Passage& passage, Outcome outcome);
 
@@ -82,10 +84,14 @@ private:
     /// Changes a slot and keeps the count of waiting ones true.
     template <typename Change>
     void change(Slot& slot, Change apply);
+    Slot& slotOf(const std::wstring& name);
     Version nextVersion() { return m_version.fetch_add(1, std::memory_order_acq_rel) + 1; }
 
     mutable std::mutex m_mutex;
-    std::map<std::wstring, Slot> m_slots; ///< guarded by m_mutex
+    std::map<std::wstring, Slot> m_slots; ///< in the order of saving; guarded by m_mutex
+    /// Where each name's slot stands, as names share long beginnings that an ordered look-up compares again and
+    /// again. Guarded by m_mutex.
+    std::unordered_map<std::wstring_view, Slot*> m_index;
     std::atomic<Version> m_version{0};
     std::atomic<std::size_t> m_waiting{0};
     std::atomic<bool> m_walking{false};
