@@ -71,6 +71,7 @@ void BareFile::appendRotating(std::wstring_view record, unsigned long long maxSi
         CloseHandle(m_file);
         open();
         if (seekEnd(m_file) >= maxSize) {
+            // cppcheck-suppress doubleFree ; open() has stored another handle
             CloseHandle(m_file);
             rotate();
             open();

@@ -16,7 +16,8 @@ TEST_F(StoreOutageTest, aPlugInThatStartsDuringAnOutageWaitsForItsEnd)
     client.set("status.windows.meridia.last_successful_update_timestamp", devhost::store::Value::fromInt64(1));
     killStore();
     host = std::make_unique<support::ChildProcess>(
-        L'"' + (support::programFolder() / "tarnhost.exe").wstring() + L"\" run --no-store --no-profile", folder.path());
+        L'"' + (support::programFolder() / "tarnhost.exe").wstring() + L"\" run --no-store --no-profile",
+        folder.path());
     EXPECT_FALSE(host->wait(10s)) << "the host ended: " << host->output() << host->errors();
     EXPECT_EQ(logCount("Run processing"), 0u);
     startStoreAlone();
@@ -29,7 +30,8 @@ TEST_F(StoreOutageTest, aPlugInThatStartsDuringAnOutageWaitsForItsEnd)
 TEST_F(StoreOutageTest, aStopEndsTheWaitForTheStore)
 {
     host = std::make_unique<support::ChildProcess>(
-        L'"' + (support::programFolder() / "tarnhost.exe").wstring() + L"\" run --no-store --no-profile", folder.path());
+        L'"' + (support::programFolder() / "tarnhost.exe").wstring() + L"\" run --no-store --no-profile",
+        folder.path());
     EXPECT_EQ(command("status --wait 20"), 0u);
     waitForLog("LOGGING STARTED");
     EXPECT_EQ(stopHost(), 0u);

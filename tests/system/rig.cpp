@@ -52,7 +52,8 @@ nlohmann::json Gate::run(nlohmann::json rest) const
 
 bool Gate::waitUntilStarted() const
 {
-    return WaitForSingleObject(m_started, static_cast<DWORD>(std::chrono::milliseconds(deadline).count())) == WAIT_OBJECT_0;
+    return WaitForSingleObject(m_started, static_cast<DWORD>(std::chrono::milliseconds(deadline).count())) ==
+           WAIT_OBJECT_0;
 }
 
 void Gate::release() const
@@ -128,7 +129,8 @@ unsigned long SystemTest::command(const std::string& arguments)
 {
     const auto process = start(arguments, "command" + std::to_string(m_commands++));
     const unsigned long code = process->wait().value_or(999);
-    std::printf("tarnhost %s: %lu %s%s\n", arguments.c_str(), code, process->output().c_str(), process->errors().c_str());
+    std::printf(
+        "tarnhost %s: %lu %s%s\n", arguments.c_str(), code, process->output().c_str(), process->errors().c_str());
     return code;
 }
 

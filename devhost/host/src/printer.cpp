@@ -37,7 +37,10 @@ void Printer::event(std::string_view name, std::string_view text, const nlohmann
 
 void Printer::result(std::string_view text, const nlohmann::json& object)
 {
-    line(isJson() ? dump(object) : text);
+    if (isJson())
+        line(dump(object));
+    else
+        line(text);
 }
 
 void Printer::line(std::string_view text)

@@ -26,7 +26,8 @@ std::wstring startBanner(bool utc, int offset, unsigned long session)
     const wchar_t* format = utc ? L"***  LOGGING STARTED  *** (UTC+00:00, local:%+02d:%02d, session: 0x%x)"
                                 : L"***  LOGGING STARTED  *** (UTC%+02d:%02d, session: 0x%x)";
     wchar_t text[128];
-    const int length = _snwprintf(text, sizeof text / sizeof *text, format, offset / 60, offset % 60, session);
+    const int length =
+        _snwprintf(text, sizeof text / sizeof *text, format, offset / 60, offset % 60, static_cast<unsigned>(session));
     return {text, static_cast<std::size_t>(length > 0 ? length : 0)};
 }
 

@@ -17,20 +17,17 @@ std::shared_ptr<const std::wstring> share(const wchar_t* text)
 
 BaseException::BaseException(const wchar_t* reason, const wchar_t* function, const wchar_t* file, unsigned line)
     : m_reason(share(reason)), m_function(share(function)), m_file(share(file)), m_line(line)
-{
-}
+{}
 
 BaseException::BaseException(const std::wstring& reason, const wchar_t* function, const wchar_t* file, unsigned line)
     : BaseException(reason.c_str(), function, file, line)
-{
-}
+{}
 
 // The report caches stay behind: a copy may go to another thread, and they are not locked.
 BaseException::BaseException(const BaseException& other) noexcept
     : std::exception(other), m_reason(other.m_reason), m_function(other.m_function), m_file(other.m_file),
       m_line(other.m_line)
-{
-}
+{}
 
 BaseException& BaseException::operator=(const BaseException& other) noexcept
 {

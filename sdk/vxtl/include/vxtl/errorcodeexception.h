@@ -13,13 +13,11 @@ class ErrorCodeException : public BaseException {
 public:
     ErrorCodeException(Code code, const wchar_t* reason, const wchar_t* function, const wchar_t* file, unsigned line)
         : ErrorCodeException(code, std::wstring(reason ? reason : L""), function, file, line)
-    {
-    }
+    {}
     ErrorCodeException(
         Code code, const std::wstring& reason, const wchar_t* function, const wchar_t* file, unsigned line)
         : BaseException(reason.empty() ? Category::emptyReason(code) : reason, function, file, line), m_code(code)
-    {
-    }
+    {}
 
     Code code() const noexcept { return m_code; }
 

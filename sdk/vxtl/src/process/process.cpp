@@ -101,6 +101,7 @@ void Process::createProcess(LaunchRequest request, Redirect redirect, void* user
 {
     const StandardPipes pipes(redirect);
     request.standardHandles = pipes.childHandles();
+    // cppcheck-suppress accessMoved ; the branches exclude each other
     keep(userToken ? launchWithToken(std::move(request), userToken, driver) : driver.create(request));
     m_stdinPipe = pipes.input();
     m_stdoutPipe = pipes.output();

@@ -39,8 +39,9 @@ void getNamesByToken(void* token, std::wstring& domain, std::wstring& user)
         const DWORD error = GetLastError();
         VX_THROW_WIN32(error);
     }
-    user = userName.c_str();
-    domain = domainName.c_str();
+    // Without the terminators.
+    user.assign(userName.data());
+    domain.assign(domainName.data());
 }
 
 } // namespace

@@ -58,8 +58,8 @@ public:
     /// Waits up to 60 seconds for the start event, which the agent manager makes.
     virtual std::shared_ptr<IUpdaterLauncher> createUpdaterLauncher();
     /// `securityDescriptor`: a native descriptor or null, borrowed for the call.
-    virtual std::shared_ptr<Event> createEvent(bool manualReset, bool initialState, const std::wstring& name,
-        bool inheritHandle, void* securityDescriptor);
+    virtual std::shared_ptr<Event> createEvent(
+        bool manualReset, bool initialState, const std::wstring& name, bool inheritHandle, void* securityDescriptor);
     virtual std::shared_ptr<Event> openEvent(unsigned long access, const std::wstring& name, bool inheritHandle);
     virtual std::shared_ptr<IProcess> createProcess();
     /// `initialDelay` in milliseconds.
@@ -67,8 +67,8 @@ public:
     virtual std::shared_ptr<IUserSessions> createUserSessions();
 
 protected:
-    std::shared_ptr<settings::Settings> m_settings;             ///< empty until setSettings
-    std::shared_ptr<TarnpatchSettings> m_tarnpatchSettings;     ///< likewise
+    std::shared_ptr<settings::Settings> m_settings;         ///< empty until setSettings
+    std::shared_ptr<TarnpatchSettings> m_tarnpatchSettings; ///< likewise
 };
 
 } // namespace vx::tarn::common

@@ -19,8 +19,8 @@ public:
     /// `flags` are the system's creation flags, `userToken` a borrowed token handle or null.
     virtual bool start(
         const std::wstring& commandLine, unsigned long flags, process::Redirect redirect, void* userToken) = 0;
-    virtual bool start(const std::wstring& executable, const std::wstring& arguments,
-        const process::Credentials& credentials) = 0;
+    virtual bool start(
+        const std::wstring& executable, const std::wstring& arguments, const process::Credentials& credentials) = 0;
     /// Blocks until the child has ended. Throws Win32Exception.
     virtual void wait() = 0;
     /// The exit code. Throws Win32Exception.
