@@ -4,6 +4,7 @@
 #include <atomic>
 #include <functional>
 #include <future>
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <thread>
 
@@ -66,8 +67,12 @@ TEST_F(CachedSettingsThreadsTest, slowProviderHoldsUpNoOtherCaller)
     m_store->arm();
     std::thread slow([&] { m_cached.setInt32Value(L"n", 1); });
     m_store->awaitArrival();
+    breakStore(L"failed");
+    m_cached.setInt32Value(L"failed", 4);
+    repairStore(L"failed");
     m_cached.setInt32Value(L"other", 5);
     EXPECT_EQ(5, m_cached.getInt32Value(L"other"));
+    EXPECT_THAT(m_store->writes(), testing::ElementsAre(L"other", L"failed")); // not what is under way already
     m_store->letGo();
     slow.join();
 }
