@@ -137,19 +137,6 @@ TEST_F(TarnagTest, endsWithACodeOfItsOwnWithoutAStore)
     EXPECT_EQ(journal().back().at("exit_code"), 21);
 }
 
-TEST_F(TarnagTest, keepsTheListWholeWhenManyRunAtOnce)
-{
-    script(R"({"runs": [{"exitCode": 1}, {"exitCode": 2}, {"exitCode": 3}, {"exitCode": 4}, {"exitCode": 5}]})");
-    std::vector<std::unique_ptr<ChildProcess>> agents;
-    for (int i = 0; i < 5; ++i)
-        agents.push_back(start());
-    std::vector<unsigned long> codes;
-    for (auto& agent : agents)
-        codes.push_back(agent->wait().value_or(999));
-    EXPECT_THAT(codes, testing::UnorderedElementsAre(1, 2, 3, 4, 5));
-    EXPECT_EQ(journal().size(), 10u);
-}
-
 TEST_F(TarnagTest, refusesABadScriptOrCommandLineWithOneLine)
 {
     script("{\"runs\": 1}");

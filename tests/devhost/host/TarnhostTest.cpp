@@ -134,6 +134,15 @@ TEST_F(TarnhostTest, runsThePluginUntilItIsStopped)
     EXPECT_EQ(std::ranges::count(names, "unloaded"), 2);
 }
 
+TEST_F(TarnhostTest, passesOnWhatTheHostRefuses)
+{
+    const auto host = startHost(L"--size 28");
+    const auto outcome = call(L"resume-event");
+    EXPECT_EQ(outcome.code, 1u);
+    EXPECT_EQ(outcome.errors, "tarnhost: this size of plug-in record has no callback for a resume\n");
+    call(L"stop");
+}
+
 TEST_F(TarnhostTest, refusesASecondHostAndASecondStore)
 {
     const auto host = startHost();
