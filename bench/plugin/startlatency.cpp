@@ -1,0 +1,128 @@
+#include "startlatency.h"
+
+#include "common/commonfactory.h"
+#include "common/event.h"
+#include "common/iprocess.h"
+#include "reading.h"
+#include "settings-api/settings.h"
+#include "tarnhd/tarnpatchmanager.h"
+
+#include <algorithm>
+#include <nlohmann/json.hpp>
+#include <stdexcept>
+#include <vector>
+#include <windows.h>
+
+namespace {
+
+using vx::SharedHandle;
+
+constexpr int warmUp = 10;
+constexpr int requests = 500;
+constexpr DWORD deadline = 30'000;
+/// Lets the manager's thread come to rest in its wait, as it is when a request comes.
+constexpr DWORD restMilliseconds = 5;
+
+SharedHandle makeEvent(bool signalled)
+{
+    return std::make_shared<vx::KernelHandle>(CreateEventW(nullptr, signalled, signalled, nullptr));
+}
+
+/// A store in memory that is empty and forgets what is written; tells when the round's last value is.
+class EmptyStore final : public vx::settings::details::SettingsImpl {
+public:
+    explicit EmptyStore(SharedHandle roundEnded) : m_roundEnded(std::move(roundEnded)) {}
+    bool getBoolValue(const std::wstring&) override { return false; }
+    std::int32_t getInt32Value(const std::wstring&) override { return 0; }
+    std::int64_t getInt64Value(const std::wstring&) override { return 0; }
+    double getDoubleValue(const std::wstring&) override { return 0; }
+    std::wstring getStringValue(const std::wstring&) override { return {}; }
+    nlohmann::json getJsonValue(const std::wstring&) override { return {}; }
+    void setBoolValue(const std::wstring&, bool) override {}
+    void setInt32Value(const std::wstring&, std::int32_t) override {}
+    void setInt64Value(const std::wstring&, std::int64_t) override { SetEvent(m_roundEnded->get()); }
+    void setDoubleValue(const std::wstring&, double) override {}
+    void setStringValue(const std::wstring&, const std::wstring&) override {}
+    void setJsonValue(const std::wstring&, const nlohmann::json&) override {}
+    vx::settings::SubscriptionId subscribeForChanges(const std::wstring&, const vx::settings::ChangeCallback&) override
+    {
+        return 0;
+    }
+    void unsubscribeFromChanges(vx::settings::SubscriptionId) override {}
+
+private:
+    const SharedHandle m_roundEnded;
+};
+
+/// Takes the time at which the system would be asked for a process, and is over at once.
+class TimedProcess : public vx::tarn::common::IProcess {
+public:
+    explicit TimedProcess(LARGE_INTEGER& started) : m_started(started), m_handle(makeEvent(true)) {}
+    bool start(const std::wstring&, unsigned long, vx::process::Redirect, void*) override { return false; }
+    bool start(const std::wstring&, const std::wstring&, const vx::process::Credentials&) override
+    {
+        return QueryPerformanceCounter(&m_started) != 0;
+    }
+    void wait() override {}
+    std::uint32_t getReturnCode() override { return 0; }
+    const SharedHandle& getHandle() override { return m_handle; }
+
+private:
+    LARGE_INTEGER& m_started;
+    const SharedHandle m_handle;
+};
+
+class TimedFactory : public vx::tarn::common::CommonFactory {
+public:
+    std::shared_ptr<vx::tarn::common::IProcess> createProcess() override
+    {
+        return std::make_shared<TimedProcess>(started);
+    }
+    LARGE_INTEGER started{};
+};
+
+/// Microseconds of each request, in ascending order.
+std::vector<double> measure()
+{
+    const SharedHandle roundEnded = makeEvent(false);
+    TimedFactory factory;
+    vx::tarn::TarnpatchManager manager(
+        std::make_shared<vx::settings::Settings>(std::make_shared<EmptyStore>(roundEnded)), &factory,
+        std::chrono::seconds(1));
+    if (!manager.start())
+        throw std::runtime_error("the agent manager does not start");
+    const auto startEvent = vx::tarn::common::openEvent(
+        EVENT_MODIFY_STATE | SYNCHRONIZE, L"Global\\ScanEvent{450C4D2D-AE20-440a-9AAA-F770900831AD}", false);
+    LARGE_INTEGER frequency;
+    QueryPerformanceFrequency(&frequency);
+    std::vector<double> times;
+    for (int i = -warmUp; i < requests; ++i) {
+        Sleep(restMilliseconds);
+        LARGE_INTEGER requested;
+        QueryPerformanceCounter(&requested);
+        startEvent->set();
+        if (WaitForSingleObject(roundEnded->get(), deadline) != WAIT_OBJECT_0)
+            throw std::runtime_error("a requested start never came");
+        if (i >= 0)
+            times.push_back(static_cast<double>(factory.started.QuadPart - requested.QuadPart) * 1e6 /
+                            static_cast<double>(frequency.QuadPart));
+    }
+    manager.stop();
+    std::ranges::sort(times);
+    return times;
+}
+
+} // namespace
+
+bool measureStartLatency()
+{
+    const std::vector<double> times = measure();
+    const auto row = [](const char* path, double time, const char* reach, bool holds) {
+        return printReading(path, "-", reading(time, " us"), "-", reach, holds);
+    };
+    const double p99 = times[times.size() * 99 / 100];
+    row("start event set to process made, p50 of 500", times[times.size() / 2], "", true);
+    const bool holds = row("start event set to process made, p99", p99, "< 1 ms", p99 < 1000);
+    row("start event set to process made, max", times.back(), "", true);
+    return holds;
+}

@@ -1,0 +1,5 @@
+#pragma once
+
+/// Rows of the time from the set start event to the agent's process being made. The log is open and the registry
+/// names the agent's folder. True when the reach is met.
+bool measureStartLatency();
