@@ -135,8 +135,10 @@ TEST_F(TarnpatchManagerTest, retriesWhileAnotherAgentRunsAndUsesArgumentsOnce)
     EXPECT_FALSE(store->contains(std::wstring(remoteKey) + L"install_updates.ack"));
     EXPECT_EQ(log.count("Scheduling next try to run tarnag.exe ("), 2u) << log.text();
     EXPECT_TRUE(log.has(4, "Scheduling next try to run tarnag.exe (2/3600)")) << log.text();
+    factory.script[5].ended = std::make_shared<EndEvent>();
     startAgent(5);
     EXPECT_EQ(log.count("There was no remote operation for tarnag, nothing to update"), 1u) << log.text();
+    factory.script[5].ended->set();
 }
 
 TEST_F(TarnpatchManagerTest, givesUpAfterTheLastRetry)
