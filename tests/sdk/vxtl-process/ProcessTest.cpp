@@ -124,7 +124,10 @@ TEST(Process, letsTheChildSeeTheEndOfItsInputWhenDestroyed)
         EXPECT_EQ(process.getReturnCode(), STILL_ACTIVE);
         *process.stdinStream() << "1234567";
     }
-    ASSERT_TRUE(sync::details::waitForSingleObject(handle->get(), deadlineMs));
+    if (!sync::details::waitForSingleObject(handle->get(), deadlineMs)) {
+        TerminateProcess(handle->get(), 1);
+        FAIL() << "the child still waits for input";
+    }
     DWORD code = 0;
     EXPECT_TRUE(GetExitCodeProcess(handle->get(), &code));
     EXPECT_EQ(code, 7u);
