@@ -7,7 +7,7 @@
 namespace vx::qrl {
 
 /// The plug-in that stands behind the host's callback table. Made, run and destroyed on the host's main-callback
-/// thread; the other operations come from other threads while run blocks.
+/// thread; the other operations come from other threads, also ahead of run and after it.
 class PluginImpl {
 public:
     /// Blocks for the whole working life of the plug-in.

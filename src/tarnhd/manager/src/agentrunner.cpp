@@ -30,15 +30,16 @@ private:
     const SharedHandle m_handle;
 };
 
-class ClearedFlag {
+// A late thread may still count when the next one does: a flag would be cleared under the other's agent.
+class CountedAgent {
 public:
-    explicit ClearedFlag(std::atomic<bool>& flag) : m_flag(flag) {}
-    ~ClearedFlag() { m_flag = false; }
-    ClearedFlag(const ClearedFlag&) = delete;
-    ClearedFlag& operator=(const ClearedFlag&) = delete;
+    explicit CountedAgent(std::atomic<int>& count) : m_count(count) { ++m_count; }
+    ~CountedAgent() { --m_count; }
+    CountedAgent(const CountedAgent&) = delete;
+    CountedAgent& operator=(const CountedAgent&) = delete;
 
 private:
-    std::atomic<bool>& m_flag;
+    std::atomic<int>& m_count;
 };
 
 } // namespace
@@ -113,7 +114,6 @@ bool AgentRunner::agentStartRequested(AgentStartReason reason, common::Event& st
 AgentRunner::Result AgentRunner::startAgent(AgentStartReason reason, common::Event& stopEvent)
 {
     VX_LOG_SCOPE();
-    const ClearedFlag cleared(m_agentRunning);
     try {
         return runAgent(reason, stopEvent);
     } catch (const BaseException& e) {
@@ -130,7 +130,7 @@ AgentRunner::Result AgentRunner::runAgent(AgentStartReason reason, common::Event
         return Result::Failed;
     }
     setArguments(L"");
-    m_agentRunning = true;
+    const CountedAgent counted(m_agentsWaitedFor);
     const WaitableHandle agent(process->getHandle());
     const std::array<const IWaitable*, 2> waitSet{&stopEvent, &agent};
     if (sync::waitForMultipleObjects(waitSet) == waitSet.begin()) {

@@ -37,7 +37,7 @@ public:
 
     /// Takes the time of the last good run from the status.
     void loadLastStartTimestamp();
-    bool isAgentRunning() const { return m_agentRunning; }
+    bool isAgentRunning() const { return m_agentsWaitedFor > 0; }
     /// The command line of the next start. A start that succeeds uses it up.
     void setArguments(const std::wstring& args);
     /// Goes with the next start event; the later of two wins.
@@ -63,7 +63,7 @@ private:
     const TarnpatchSettings m_settings;
     const TarnpatchStatus m_status;
     const std::shared_ptr<common::Event> m_startEvent;
-    std::atomic<bool> m_agentRunning = false;
+    std::atomic<int> m_agentsWaitedFor = 0; ///< more than one only beside a late thread
     std::mutex m_timestampMutex;
     std::int64_t m_lastStartTimestamp = -1; ///< seconds since the Unix epoch; guarded by m_timestampMutex
     const std::chrono::milliseconds m_retryPause;

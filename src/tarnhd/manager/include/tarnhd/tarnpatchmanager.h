@@ -39,7 +39,8 @@ public:
     /// True when the thread was started. A start event set before is dropped. A thread that has left on its own needs
     /// a stop first. Throws what reading the settings throws.
     virtual bool start();
-    /// Blocks up to the time-out. True when there was a thread to stop, even if it takes longer.
+    /// Blocks up to the time-out. True when there was a thread to stop, even if it takes longer. Throws
+    /// Win32Exception when the wait fails.
     virtual bool stop();
     /// Starts while the feature is on and no deployment is waited for, otherwise stops; gives that call's result.
     virtual bool update();
