@@ -75,7 +75,7 @@ template <typename Write, typename Read>
 void compare(bench::Comparison& comparison, const std::string& type, Write write, Read read)
 {
     // With ten names the floor is hardly more than its mutex, so there the cache's own cost shows most.
-    const std::pair<std::size_t, double> reaches[] = {{10, 3.2}, {200, 2.2}, {2000, 2.2}};
+    const std::pair<std::size_t, double> reaches[] = {{10, 5.0}, {200, 2.2}, {2000, 2.2}};
     for (const auto& [count, reach] : reaches) {
         const auto names = makeNames(count);
         const auto provider = std::make_shared<MapProvider>();

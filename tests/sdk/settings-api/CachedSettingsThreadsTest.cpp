@@ -140,8 +140,9 @@ TEST_F(CachedSettingsThreadsTest, noWriteIsLostUnderAFlappingStore)
 {
     constexpr int rounds = 300;
     const auto store = std::make_shared<FakeSettings>();
-    store->setInt32Value(L"shared", 0);
+    store->setBoolValue(L"read", true);
     CachedSettings cached(store);
+    cached.getBoolValue(L"read");
     std::atomic<bool> done{false};
     std::vector<std::thread> threads;
     for (const std::wstring name : {L"a", L"b", L"c"})
@@ -152,7 +153,6 @@ TEST_F(CachedSettingsThreadsTest, noWriteIsLostUnderAFlappingStore)
             }
         });
     std::thread reader([&] {
-        cached.setBoolValue(L"read", true);
         while (!done)
             cached.getBoolValue(L"read");
     });
