@@ -16,8 +16,8 @@ std::optional<std::wstring> queryText(HKEY key, const std::wstring& value)
         return std::nullopt;
     if (type != REG_SZ && type != REG_EXPAND_SZ && type != REG_MULTI_SZ)
         return std::nullopt;
-    // What is stored need not end with a zero; the buffer's last character does.
-    std::wstring text(bytes / sizeof(wchar_t) + 1, L'\0');
+    // What is stored need not end with a zero nor have an even size; the buffer's last character stays zero.
+    std::wstring text((bytes + 1) / sizeof(wchar_t) + 1, L'\0');
     if (RegQueryValueExW(key, value.c_str(), nullptr, &type, reinterpret_cast<BYTE*>(text.data()), &bytes) !=
         ERROR_SUCCESS)
         return std::nullopt;

@@ -1,5 +1,6 @@
 #include "logging/logcontext.h"
 
+#include "logging/details/lasterror.h"
 #include "logging/details/messagetext.h"
 
 #include <mutex>
@@ -75,6 +76,8 @@ void LogContext::write(Level level, std::string_view text, int indentChange) noe
     try {
         if (!isEnabled(level))
             return;
+        // The compiler's thread id is a thread-local look-up, which clears the last error.
+        const details::LastErrorKeeper keeper;
         const int depth = takeDepth(indentChange);
         details::MessageText indentation;
         indentation.append(depth > 0 ? 2 * static_cast<std::size_t>(depth) : 0, ' ');

@@ -92,8 +92,10 @@ SettingsCache::Synchronized CachedSettings::synchronize()
     const auto result = details::synchronize(m_cache, *m_provider);
     if (result == details::SynchronizeResult::Incomplete)
         LogStream(Level::Warning) << "Failed to synchronize cached settings with settings provider.";
-    return result == details::SynchronizeResult::Busy ? SettingsCache::Synchronized::No
-                                                      : SettingsCache::Synchronized::Yes;
+    // Idle counts as No: the last pending value may have been on its way on another thread, and fail after this.
+    const bool tried =
+        result == details::SynchronizeResult::Complete || result == details::SynchronizeResult::Incomplete;
+    return tried ? SettingsCache::Synchronized::Yes : SettingsCache::Synchronized::No;
 }
 
 bool CachedSettings::getBoolValue(const std::wstring& name)

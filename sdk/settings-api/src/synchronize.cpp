@@ -96,7 +96,7 @@ SaveResult save(SettingsCache& cache, SettingsImpl& provider, const SettingsCach
 SynchronizeResult synchronize(SettingsCache& cache, SettingsImpl& provider)
 {
     if (!cache.hasPending())
-        return SynchronizeResult::Complete;
+        return SynchronizeResult::Idle;
     const Walk walk(cache);
     if (!walk.isOurs())
         return SynchronizeResult::Busy;

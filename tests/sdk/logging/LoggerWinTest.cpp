@@ -206,6 +206,20 @@ TEST_F(LoggerWinTest, keepsTheLastError)
     kept("destruction", [this] { m_logger.reset(); });
 }
 
+TEST_F(LoggerWinTest, keepsTheLastErrorThroughTheFrontEnd)
+{
+    VxQrlLogging::open(LogFolder::name1, LogFolder::name2, 5, 0);
+    SetLastError(1234);
+    {
+        const vx::logging::LogScope scope("scope");
+        vx::logging::LogStream(vx::logging::Level::Info) << L"wide" << 1;
+    }
+    const DWORD kept = GetLastError();
+    VxQrlLogging::close();
+    EXPECT_EQ(kept, 1234u);
+    EXPECT_THAT(m_folder.messages(), ElementsAre("{ scope", "  wide1", "} scope"));
+}
+
 TEST_F(LoggerWinTest, staysSilentWithoutAFolder)
 {
     SetEnvironmentVariableW(L"ProgramData", (m_folder.root() / "file").c_str());

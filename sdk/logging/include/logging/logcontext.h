@@ -24,7 +24,8 @@ public:
     LogContext& operator=(const LogContext&) = delete;
 
     /// Escapes and indents the text and hands it to the back-end. A change of +1 takes effect behind
-    /// this line, a change of -1 before it. Never throws.
+    /// this line, a change of -1 before it. Never throws; keeps the thread's
+    /// last error.
     void write(Level level, std::string_view text, int indentChange) noexcept;
 
 private:

@@ -6,7 +6,8 @@
 namespace vx::settings::details {
 
 enum class SynchronizeResult {
-    Complete,   ///< nothing is left, or nothing was pending
+    Idle,       ///< nothing was waiting, so nothing was tried
+    Complete,   ///< all that was waiting is saved
     Incomplete, ///< some values could not be saved and stay pending
     Busy        ///< another thread is at it, or this one further up its stack; nothing was tried
 };
