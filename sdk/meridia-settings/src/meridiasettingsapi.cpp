@@ -76,6 +76,20 @@ SettingsApi::~SettingsApi()
     for (const QrlMeridiaHandle handle : m_handles)
         if (handle == 0)
             m_api.closeHandle(0);
+    if (!m_subscriptions.empty())
+        leaveToLibrary();
+}
+
+// What could not be unsubscribed is still known to the library, with the address of the record and of the
+// notification function: when the store is back it calls them. So both have to stay, and the record goes quiet.
+void SettingsApi::leaveToLibrary() noexcept
+{
+    keepModuleLoaded();
+    for (auto& subscription : m_subscriptions) {
+        const std::lock_guard lock(subscription->deliveryMutex);
+        subscription->callback = nullptr;
+        static_cast<void>(subscription.release());
+    }
 }
 
 bool SettingsApi::getBoolValue(const std::wstring& name)
@@ -193,9 +207,11 @@ settings::SubscriptionId SettingsApi::subscribeForChanges(
     VX_LOG_SCOPE();
     VX_LOG_VALUES(name);
     const std::lock_guard lock(m_mutex);
-    auto subscription = std::make_unique<ChangeSubscription>(ChangeSubscription{0, name, callback});
+    auto subscription = std::make_unique<ChangeSubscription>();
     const auto id = reinterpret_cast<settings::SubscriptionId>(subscription.get());
     subscription->subscriptionId = id;
+    subscription->settingName = name;
+    subscription->callback = callback;
     const auto subscribe = [&] {
         return m_api.subscribe(m_handles[1], name.c_str(), settingsChangeNotificationCallback, subscription.get());
     };
@@ -245,7 +261,10 @@ void SettingsApi::settingsChangeNotificationCallback(
         return;
     }
     try {
-        static_cast<const ChangeSubscription*>(context)->callback(settingName);
+        auto& subscription = *static_cast<ChangeSubscription*>(context);
+        const std::lock_guard lock(subscription.deliveryMutex);
+        if (subscription.callback)
+            subscription.callback(settingName);
     } catch (const std::exception& exception) {
         LogStream(Level::Error) << exception;
     } catch (...) {

@@ -76,6 +76,16 @@ TEST_F(SettingsApiSubscriptionsTest, refusedUnsubscriptionStaysUsable)
         ElementsAre(L"Subscribe 2 a", L"Subscribe 2 b", L"Unsubscribe 2 b", L"Unsubscribe 2 b", L"Unsubscribe 2 b"));
 }
 
+TEST_F(SettingsApiSubscriptionsTest, aRefusedUnsubscriptionNotifiesNobodyOnceTheOwnerIsGone)
+{
+    const auto id = subscribe(L"n");
+    m_fake.answer({3, 3});
+    EXPECT_THROW(m_api->unsubscribeFromChanges(id), QrlMeridiaException);
+    m_api.reset();
+    m_fake.notify(L"n");
+    EXPECT_TRUE(m_changes.empty());
+}
+
 TEST_F(SettingsApiSubscriptionsTest, subscriberThatThrowsIsLogged)
 {
     m_api->subscribeForChanges(L"n", [](const std::wstring&) { throw std::runtime_error("broken subscriber"); });

@@ -9,4 +9,6 @@ delayload::LoadStatus loadQrlMeridiaApi(QrlMeridiaApi&)
     return delayload::LoadStatus::ModuleNotFound;
 }
 
+void keepModuleLoaded() noexcept {}
+
 } // namespace vx::meridia

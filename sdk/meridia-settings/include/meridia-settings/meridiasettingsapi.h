@@ -48,15 +48,19 @@ public:
     /// The callback may come as soon as the store knows of the subscription, before this returns.
     settings::SubscriptionId subscribeForChanges(
         const std::wstring& name, const settings::ChangeCallback& callback) override;
-    /// Does nothing for an unknown id. When the store refuses, the subscription stays.
+    /// Does nothing for an unknown id. When the store refuses, the subscription stays; the library may then go on
+    /// notifying, also after this object is gone, and such a notification does nothing.
     void unsubscribeFromChanges(settings::SubscriptionId subscriptionId) override;
 
 private:
     struct ChangeSubscription {
         settings::SubscriptionId subscriptionId; ///< the address of the record itself
         std::wstring settingName;
-        settings::ChangeCallback callback;
+        settings::ChangeCallback callback; ///< guarded by deliveryMutex; empty once the owner is gone
+        std::recursive_mutex deliveryMutex{};
     };
+
+    void leaveToLibrary() noexcept;
 
     static void VX_CDECL settingsChangeNotificationCallback(
         const wchar_t* settingName, std::int32_t type, const void* value, void* context);
