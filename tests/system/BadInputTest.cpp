@@ -1,5 +1,7 @@
 #include "rig.h"
 
+#include "host/agentdirectory.h"
+
 namespace rig {
 namespace {
 
@@ -38,6 +40,34 @@ TEST_F(BadInputTest, countersOfTheWrongTypeAreSurvivedAndHealed)
     client.remove(scanStart);
     client.remove(scanAck);
     scan(4);
+    EXPECT_EQ(stopHost(), 0u);
+}
+
+TEST_F(BadInputTest, aPollingIntervalOfNothingDoesNotSpin)
+{
+    startStoreAlone();
+    client.set(settings + "scanning.automatic.polling_interval", Value::fromInt32(0));
+    startHost();
+    EXPECT_EQ(logCount("Polling interval of 0 minute(s) is too short"), 1u);
+    scan(1);
+    EXPECT_EQ(logCount("Tarnpatch maximum rescanning period is "), 1u) << "one tick in this short while";
+    EXPECT_EQ(stopHost(), 0u);
+}
+
+TEST_F(BadInputTest, anInstallationFolderThatIsMissingOrHasBlanksIsSurvived)
+{
+    startHost(Wait::ForFirstScan);
+    devhost::host::writeAgentDirectory(folder.path() / "no such folder");
+    setNumber(scanStart, 1);
+    waitForLog("Failed to start tarnag.exe process.");
+    std::filesystem::create_directories(folder.path() / "with blanks");
+    for (const char* file : {"tarnag.exe", "vx_qrl_meridia_32.dll"})
+        std::filesystem::copy_file(folder.path() / "agent" / file, folder.path() / "with blanks" / file);
+    devhost::host::writeAgentDirectory(folder.path() / "with blanks");
+    // The path stands in the command line without quotes: the agent comes up, takes the rest of its own path for
+    // arguments and complains. It ran, so the request is answered.
+    scan(2);
+    EXPECT_EQ(lastLog("Process finished with return code: "), "Process finished with return code: 2");
     EXPECT_EQ(stopHost(), 0u);
 }
 

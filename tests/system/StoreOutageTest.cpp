@@ -58,6 +58,23 @@ TEST_F(StoreOutageTest, writesMadeMeanwhileArriveWhenTheStoreIsBack)
     EXPECT_EQ(stopHost(), 0u);
 }
 
+TEST_F(StoreOutageTest, lateNotificationsFindNothingAfterAStopDuringAnOutage)
+{
+    startStoreAlone();
+    startHost();
+    killStore();
+    // The stop can't cancel the subscriptions, so the client library notifies them once the store is back: into a
+    // plug-in that is gone. Its module stays for that, and with it the stop, so it does not run again here.
+    EXPECT_EQ(command("restart"), 0u);
+    waitForLog("Failed to unsubscribe from property: ", 18);
+    startStoreAlone();
+    setNumber(scanStart, 1);
+    client.set(settings + "scanning.automatic.polling_interval", devhost::store::Value::fromInt32(3));
+    EXPECT_FALSE(host->wait(2s)) << "the host died: " << host->output() << host->errors();
+    EXPECT_EQ(logCount("Setup action scheduler."), 0u);
+    stopHost();
+}
+
 TEST_F(StoreOutageTest, survivesEveryErrorCodeOnEveryKindOfCall)
 {
     using namespace devhost::store;

@@ -31,6 +31,7 @@ namespace {
 
 constexpr auto storeRetryPause = 500ms;
 constexpr auto profilePollPause = 100ms;
+constexpr std::chrono::minutes shortestPollingInterval(1);
 constexpr wchar_t postRebootAtom[] = L"Global\\PostRebootATOM{894D1810-89A9-4363-A8C5-9F429B518809}";
 
 // A failure leaves a handle that is none; run looks at it.
@@ -115,7 +116,7 @@ void TarnHandler::process()
     const ManagerStop managerStop{*this};
     const auto subscriptions = subscribeToChanges();
     updateEnabledStatus();
-    const std::chrono::milliseconds period = m_tarnpatchSettings->scanning.automatic.pollingInterval();
+    const std::chrono::milliseconds period = pollingPeriod();
     LogStream(Level::Info) << "Scheduler period: " << period.count() << " ms.";
     LogStream(Level::Info) << "Run processing";
     {
@@ -126,6 +127,17 @@ void TarnHandler::process()
     m_running = false;
     LogStream(Level::Info) << "Processing stopped";
     guarded([this] { sync::waitForSingleObject(*m_stopEvent, sync::infinite); });
+}
+
+// An interval of nothing would keep a processor busy for as long as the plug-in runs.
+std::chrono::milliseconds TarnHandler::pollingPeriod() const
+{
+    const std::chrono::minutes interval = m_tarnpatchSettings->scanning.automatic.pollingInterval();
+    if (interval >= shortestPollingInterval)
+        return interval;
+    LogStream(Level::Warning) << "Polling interval of " << interval.count() << " minute(s) is too short, "
+                              << shortestPollingInterval.count() << " minute(s) is used.";
+    return shortestPollingInterval;
 }
 
 bool TarnHandler::hasProfile() const

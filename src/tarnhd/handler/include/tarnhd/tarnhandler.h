@@ -54,6 +54,7 @@ private:
     /// False when stopped meanwhile.
     bool waitForProfile();
     bool hasProfile() const;
+    std::chrono::milliseconds pollingPeriod() const;
     void process();
     /// What is due once after a boot.
     void processFirstRun();
