@@ -65,9 +65,7 @@ protected:
 TEST_F(TarnpatchManagerTest, recordsTheStartTimeOfARunThatEndsWell)
 {
     make();
-    startEvent->set();
     ASSERT_TRUE(manager->update());
-    EXPECT_FALSE(isPending()); // dropped, as it came while no thread ran
     EXPECT_FALSE(manager->update());
     const std::int64_t started = now();
     factory.script[1].beforeExitCode = [this] {
@@ -103,7 +101,8 @@ TEST_F(TarnpatchManagerTest, treatsExitCodesAsTold)
         factory.script[++count].exitCode = row.code;
         manager->setStartReason(AgentStartReason::RemoteDeployment);
         startAgent(count);
-        startAgent(++count); // the round before has ended
+        factory.script[++count].ended = std::make_shared<EndEvent>();
+        startAgent(count); // the round before has ended
         EXPECT_EQ(store->getInt64Value(std::wstring(remoteKey) + L"install_updates.ack"), 5 + row.code);
         EXPECT_EQ(store->getInt64Value(timestampKey), row.succeeds ? now() : -1);
         EXPECT_TRUE(log.has(4, "Process finished with return code: " + std::to_string(row.code))) << log.text();
@@ -237,11 +236,7 @@ TEST_F(TarnpatchManagerTest, needsAStopAfterTheThreadLeftOnItsOwn)
         Broken() : Event(std::make_shared<KernelHandle>(nullptr)) {}
         bool reset() override { return true; }
     };
-    std::shared_ptr<Event> real;
-    factory.replaceEvent = [&](const auto& event) {
-        real = event;
-        return std::make_shared<Broken>();
-    };
+    factory.startEvent = std::make_shared<Broken>();
     make();
     EXPECT_TRUE(manager->start());
     ASSERT_TRUE(log.waitFor("Tarnpatch action thread exited")) << log.text();
@@ -252,29 +247,63 @@ TEST_F(TarnpatchManagerTest, needsAStopAfterTheThreadLeftOnItsOwn)
     EXPECT_TRUE(manager->start());
 }
 
-TEST_F(TarnpatchManagerTest, letsALateThreadOutliveItAndNeverCallsItBack)
+TEST_F(TarnpatchManagerTest, dropsAnEarlierRequestAndDoesNotStartWithoutItsEvents)
 {
-    make(milliseconds(0), milliseconds(1));
+    struct Stuck : Event {
+        Stuck() : Event(std::make_shared<KernelHandle>(nullptr)) {}
+        bool reset() override
+        {
+            SetLastError(6);
+            return false;
+        }
+    };
+    factory.stopEvent = std::make_shared<Stuck>();
+    make();
+    startEvent->set();
+    EXPECT_FALSE(manager->update());
+    EXPECT_TRUE(log.has(2, "Failed to reset stop event. Last error code: 6")) << log.text();
+    EXPECT_FALSE(isPending());
+    EXPECT_FALSE(manager->isRunning());
+    EXPECT_FALSE(manager->stop());
+}
+
+class LateThreadTest : public TarnpatchManagerTest {
+protected:
+    /// Starts the agent and a stop that can't wait for the thread, which hangs until `release`.
+    void leaveLateThread()
+    {
+        make(milliseconds(0), milliseconds(1));
+        factory.script[1].beforeExitCode = [this] {
+            entered.set_value();
+            release.get_future().wait();
+        };
+        manager->start();
+        startAgent(1);
+        entered.get_future().wait();
+        EXPECT_TRUE(manager->stop());
+        EXPECT_TRUE(log.has(3, "TarnpatchManager action thread was not finished during 0 sec.")) << log.text();
+    }
+
     std::promise<void> entered;
     std::promise<void> release;
-    factory.script[1].beforeExitCode = [&] {
-        entered.set_value();
-        release.get_future().wait();
-    };
-    manager->start();
-    startAgent(1);
-    entered.get_future().wait();
-    EXPECT_TRUE(manager->stop());
-    EXPECT_TRUE(log.has(3, "TarnpatchManager action thread was not finished during 0 sec.")) << log.text();
+};
+
+TEST_F(LateThreadTest, isNotCalledBackByTheNextStart)
+{
+    leaveLateThread();
     EXPECT_TRUE(manager->start());
-    startAgent(2);
-    startAgent(3);
-    EXPECT_TRUE(manager->stop());
-    EXPECT_TRUE(manager->start());
+    release.set_value();
+    EXPECT_TRUE(log.waitFor("Tarnpatch action thread exited")) << log.text();
+    EXPECT_EQ(startAgent(2).size(), 2u);
+}
+
+TEST_F(LateThreadTest, outlivesTheManager)
+{
+    leaveLateThread();
     manager.reset();
     release.set_value();
     ASSERT_EQ(released.get_future().wait_for(support::deadline), std::future_status::ready);
-    EXPECT_EQ(factory.starts.size(), 3u);
+    EXPECT_EQ(factory.starts.size(), 1u);
 }
 
 } // namespace

@@ -40,14 +40,16 @@ class FakeAgentFactory : public vx::tarn::common::CommonFactory {
 public:
     std::map<std::size_t, AgentRun> script; ///< by number of the start, from 1
     AgentRun usual;
-    Record starts; ///< "path|arguments"
-    std::function<std::shared_ptr<vx::tarn::common::Event>(std::shared_ptr<vx::tarn::common::Event>)> replaceEvent;
+    Record starts;                                       ///< "path|arguments"
+    std::shared_ptr<vx::tarn::common::Event> startEvent; ///< set: given out instead of the named event
+    std::shared_ptr<vx::tarn::common::Event> stopEvent;  ///< set: given out instead of unnamed events
 
     std::shared_ptr<vx::tarn::common::Event> createEvent(
         bool manual, bool state, const std::wstring& name, bool inherit, void* descriptor) override
     {
-        auto event = vx::tarn::common::createEvent(manual, state, name, inherit, descriptor);
-        return !name.empty() && replaceEvent ? replaceEvent(event) : event;
+        m_events.push_back(vx::tarn::common::createEvent(manual, state, name, inherit, descriptor));
+        const auto& replacement = name.empty() ? stopEvent : startEvent;
+        return replacement ? replacement : m_events.back();
     }
     std::shared_ptr<vx::registry::Registry> createRegistry() override { return vx::registry::createWin32Registry(); }
     std::shared_ptr<vx::tarn::common::IProcess> createProcess() override { return std::make_shared<Agent>(*this); }
@@ -79,6 +81,7 @@ private:
         FakeAgentFactory& m_factory;
         AgentRun m_run;
     };
+    std::vector<std::shared_ptr<vx::tarn::common::Event>> m_events; ///< the replaced ones must stay openable
 };
 
 } // namespace support
