@@ -6,6 +6,7 @@
 #include "logging/logstream.h"
 
 #include <algorithm>
+#include <list>
 #include <nlohmann/json.hpp>
 
 namespace vx::meridia {
@@ -85,11 +86,15 @@ SettingsApi::~SettingsApi()
 void SettingsApi::leaveToLibrary() noexcept
 {
     keepModuleLoaded();
-    for (auto& subscription : m_subscriptions) {
+    for (const auto& subscription : m_subscriptions) {
         const std::lock_guard lock(subscription->deliveryMutex);
         subscription->callback = nullptr;
-        static_cast<void>(subscription.release());
     }
+    // Never destroyed: the library's threads outlive the module's static objects.
+    static auto& kept = *new std::list<std::vector<std::unique_ptr<ChangeSubscription>>>;
+    static std::mutex mutex;
+    const std::lock_guard lock(mutex);
+    kept.push_back(std::move(m_subscriptions));
 }
 
 bool SettingsApi::getBoolValue(const std::wstring& name)
