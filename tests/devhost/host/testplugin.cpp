@@ -80,9 +80,3 @@ extern "C" const char* testPluginCalls()
     copy = calls;
     return copy.c_str();
 }
-
-/// Ends a deaf plug-in.
-extern "C" void testPluginEnd()
-{
-    SetEvent(stopEvent);
-}
