@@ -3,11 +3,11 @@
 demo_folder=$project/build/demo
 
 demo_host() {
-    local result
-    command_wine "$project/build/product/bin/tarnhost.exe" "$@" >"$demo_folder/output.$BASHPID" 2>&1 </dev/null
+    local output=$demo_folder/output.$BASHPID result
+    command_wine "$project/build/product/bin/tarnhost.exe" "$@" >"$output" 2>&1 </dev/null
     result=$?
-    tr -d '\r' <"$demo_folder/output.$BASHPID"
-    rm -f "$demo_folder/output.$BASHPID"
+    tr -d '\r' <"$output"
+    rm -f "$output"
     return $result
 }
 
@@ -56,7 +56,7 @@ demo_scan_road() {
     wait
     printf '\n--- what the host showed\n'
     sed 's/^/    /' "$demo_folder/host.txt"
-    printf '\n--- the log of the plug-in, from the request on\n'
+    printf '\n--- the log of the plug-in\n'
     demo_host log --lines 70 | sed 's/^/    /'
     return $result
 }
