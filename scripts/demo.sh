@@ -26,7 +26,7 @@ demo_prepare() {
     mkdir -p "$demo_folder/agent"
     cp "$project"/build/product/bin/{tarnag.exe,vx_qrl_meridia_32.dll} "$demo_folder/agent/"
     # What the stand-in agent does at each start: an ordinary scan when the plug-in comes up, a scan that finds three
-    # updates, and then another agent is busy twice before it gets its turn.
+    # updates, and then another agent is busy four times before it gets its turn.
     cat >"$demo_folder/agent/tarnag.script.json" <<'END'
 {"runs": [
     {},
@@ -34,6 +34,8 @@ demo_prepare() {
         {"update_name": "KB5001", "bulletin_id": "B-1", "product_name": "Editor", "severity": 1},
         {"update_name": "KB5002", "bulletin_id": "B-2", "product_name": "Browser", "severity": 2},
         {"update_name": "KB5003", "bulletin_id": "B-3", "product_name": "Viewer", "severity": 3}]},
+    {"exitCode": 8},
+    {"exitCode": 8},
     {"exitCode": 8},
     {"exitCode": 8},
     {}
@@ -47,7 +49,7 @@ demo_scan_road() {
     demo_step "wait until the host is up" status --wait 30 &&
         demo_step "request a scan and wait for the acknowledgement" scan --wait 30 &&
         demo_step "what the agent found" get status.windows.tarnpatch.scanning.last_scanning.missing_updates &&
-        demo_step "request another one; the agent is busy twice and tried again each second" scan --wait 30 &&
+        demo_step "request another one; the agent is busy four times and tried again each second" scan --wait 30 &&
         demo_step "wait until a try has succeeded" watch status.windows.tarnpatch.scanning.last_scanning.timestamp \
             --count 1 &&
         demo_step "an overview" status &&
