@@ -9,7 +9,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-// Wine leaves the context switches of its own process list at zero, but shows the files of the system below.
+// Wine runs each thread as one of the system below, whose process files count the switches of each.
 constexpr auto processes = L"Z:\\proc";
 
 bool isThisProgram(const fs::path& process)

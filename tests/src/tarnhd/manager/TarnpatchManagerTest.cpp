@@ -85,7 +85,7 @@ TEST_F(TarnpatchManagerTest, recordsTheStartTimeOfARunThatEndsWell)
     EXPECT_FALSE(manager->stop());
 }
 
-TEST_F(TarnpatchManagerTest, treatsExitCodesAsTold)
+TEST_F(TarnpatchManagerTest, onlyExitCodeZeroCountsAsAScan)
 {
     make();
     manager->start();
