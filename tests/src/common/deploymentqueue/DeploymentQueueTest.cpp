@@ -1,0 +1,108 @@
+#include "common/deploymentqueue.h"
+
+#include "settings-api/exceptions.h"
+#include "support/fakesettings.h"
+#include "support/logcapture.h"
+#include "vxtl/globalmutex.h"
+
+#include <gmock/gmock.h>
+#include <nlohmann/json.hpp>
+
+#include <thread>
+
+#include <windows.h>
+
+namespace vx::tarn::common {
+namespace {
+
+using nlohmann::json;
+
+constexpr const wchar_t* key = L"windows.tarnpatch.installation.deployment_queue";
+
+struct DeploymentQueueTest : testing::Test {
+    std::shared_ptr<support::FakeSettings> store = std::make_shared<support::FakeSettings>();
+    std::shared_ptr<sync::GlobalMutex> mutex =
+        std::make_shared<sync::GlobalMutex>(L"DeploymentQueueTest" + std::to_wstring(GetCurrentProcessId()));
+    DeploymentQueue queue{support::FakeSettings::handle(store), mutex};
+    support::LogCapture log{4};
+
+    std::vector<std::string> texts()
+    {
+        std::vector<std::string> result;
+        for (const json& item : store->getJsonValue(key))
+            result.push_back(item["update_id"]);
+        return result;
+    }
+};
+
+TEST_F(DeploymentQueueTest, keepsTheOrderAndRefusesDuplicates)
+{
+    for (const wchar_t* text : {L"ALL", L"CRITICAL", L"ALL", L"all"})
+        queue.pushBack(text);
+    EXPECT_THAT(texts(), testing::ElementsAre("ALL", "CRITICAL", "all"));
+    EXPECT_TRUE(log.has(3, "Deployment item \"ALL\" already exists in the deployment queue, will be skipped."))
+        << log.text();
+    EXPECT_TRUE(queue.remove(L"CRITICAL"));
+    EXPECT_FALSE(queue.remove(L"CRITICAL"));
+    EXPECT_EQ(queue.getFront(), L"ALL");
+    queue.pop();
+    EXPECT_EQ(queue.getFront(), L"all");
+    EXPECT_FALSE(queue.isEmpty());
+    const std::string id = store->getJsonValue(key)[0]["operation_id"];
+    EXPECT_EQ(id.size(), 13u) << id;
+}
+
+TEST_F(DeploymentQueueTest, answersFromAnEmptyListWithoutWriting)
+{
+    EXPECT_TRUE(queue.isEmpty());
+    EXPECT_EQ(queue.getFront(), L"");
+    queue.pop();
+    EXPECT_FALSE(queue.remove(L"ALL"));
+    EXPECT_EQ(log.count("Deployment queue is empty"), 2u) << log.text();
+    EXPECT_TRUE(store->writes().empty());
+}
+
+TEST_F(DeploymentQueueTest, reportsAMalformedListAndNeverRepairsIt)
+{
+    store->setJsonValue(key, "garbage");
+    EXPECT_TRUE(queue.isEmpty());
+    EXPECT_EQ(queue.getFront(), L"");
+    EXPECT_FALSE(queue.remove(L"ALL"));
+    EXPECT_THROW(queue.pushBack(L"ALL"), json::type_error);
+    EXPECT_EQ(store->getJsonValue(key), "garbage");
+    EXPECT_TRUE(log.has(3, "type must be array, but is string")) << log.text();
+    EXPECT_TRUE(log.has(2, "type must be array, but is string")) << log.text();
+    // The mutex was given back each time, or another thread would wait for ever.
+    std::thread([&] {
+        EXPECT_TRUE(mutex->tryLock(0));
+        mutex->unlock();
+    }).join();
+}
+
+TEST_F(DeploymentQueueTest, losesAnItemWhenTheStoreFailsAndSaysSo)
+{
+    store->fail(key, std::make_exception_ptr(settings::ServerUnreachableException(key, L"f", L"file", 1)));
+    EXPECT_NO_THROW(queue.pushBack(L"ALL"));
+    EXPECT_TRUE(log.has(2, "Settings server is unreachable")) << log.text();
+}
+
+TEST_F(DeploymentQueueTest, losesNothingWhenManyPushAndPopAtOnce)
+{
+    std::vector<std::thread> threads;
+    for (int t = 0; t < 4; ++t)
+        threads.emplace_back([&, t] {
+            DeploymentQueue own(support::FakeSettings::handle(store), mutex);
+            for (int i = 0; i < 50; ++i) {
+                own.pushBack(std::to_wstring(t) + L"-" + std::to_wstring(i));
+                if (i % 2) {
+                    EXPECT_TRUE(own.remove(std::to_wstring(t) + L"-" + std::to_wstring(i - 1)));
+                }
+            }
+        });
+    for (std::thread& thread : threads)
+        thread.join();
+    EXPECT_EQ(texts().size(), 100u);
+}
+
+} // namespace
+} // namespace vx::tarn::common
