@@ -2,9 +2,11 @@
 
 #include "createsettings.h"
 
+#include "common/deploymentqueue.h"
 #include "common/event.h"
 #include "common/expbackofftimeout.h"
 #include "common/globalatom.h"
+#include "common/patchregistrystorage.h"
 #include "common/process.h"
 #include "common/registrykeynotifier.h"
 #include "common/serviceproxy.h"
@@ -15,11 +17,14 @@
 #include "common/usersessions.h"
 #include "meridia-settings/meridiasettingsapi.h"
 #include "settings-api/cachedsettings.h"
+#include "vxtl/globalmutex.h"
 #include "vxtl/registry.h"
 
 namespace vx::tarn::common {
 
 namespace {
+
+constexpr wchar_t deploymentQueueMutex[] = L"TARN - DEPLOYMENT QUEUE - {D8AFE2BA-BD53-4D73-81D7-C8EF0DC5E27E}";
 
 std::shared_ptr<settings::Settings> openStore()
 {
@@ -106,9 +111,20 @@ std::shared_ptr<ITimeout> CommonFactory::createTimeoutGenerator(std::uint64_t in
     return std::make_shared<ExpBackoffTimeout>(initialDelay);
 }
 
+std::shared_ptr<IPatchStorage> CommonFactory::createPatchStorage()
+{
+    return std::make_shared<PatchRegistryStorage>(L"finished", L"patches", L"statuses", createRegistry());
+}
+
 std::shared_ptr<IUserSessions> CommonFactory::createUserSessions()
 {
     return std::make_shared<UserSessions>();
+}
+
+std::shared_ptr<IDeploymentQueue> CommonFactory::createDeploymentQueue()
+{
+    return std::make_shared<DeploymentQueue>(
+        createSettings(), std::make_shared<sync::GlobalMutex>(deploymentQueueMutex, true));
 }
 
 } // namespace vx::tarn::common

@@ -21,7 +21,9 @@ class TarnpatchSettings;
 namespace vx::tarn::common {
 
 class Event;
+class IDeploymentQueue;
 class IGlobalAtom;
+class IPatchStorage;
 class IProcess;
 class IRegistryKeyNotifier;
 class IService;
@@ -64,7 +66,10 @@ public:
     virtual std::shared_ptr<IProcess> createProcess();
     /// `initialDelay` in milliseconds.
     virtual std::shared_ptr<ITimeout> createTimeoutGenerator(std::uint64_t initialDelay);
+    virtual std::shared_ptr<IPatchStorage> createPatchStorage();
     virtual std::shared_ptr<IUserSessions> createUserSessions();
+    /// With a store access of its own.
+    virtual std::shared_ptr<IDeploymentQueue> createDeploymentQueue();
 
 protected:
     std::shared_ptr<settings::Settings> m_settings;         ///< empty until setSettings
