@@ -1,6 +1,8 @@
 #include "tarnhd/tarnhdfactory.h"
 
+#include "common/commonfactory.h"
 #include "tarnhd/actionscheduler.h"
+#include "tarnhd/currentoperations.h"
 #include "tarnhd/tarnpatchmanager.h"
 
 namespace vx::tarn {
@@ -20,6 +22,11 @@ std::shared_ptr<TarnpatchManager> TarnhdFactory::createTarnpatchManager(
     const std::shared_ptr<settings::Settings>& settings)
 {
     return std::make_shared<TarnpatchManager>(settings, m_commonFactory, 1s);
+}
+
+std::shared_ptr<CurrentOperations> TarnhdFactory::createCurrentOperations()
+{
+    return std::make_shared<CurrentOperations>(m_commonFactory->createSettings());
 }
 
 } // namespace vx::tarn

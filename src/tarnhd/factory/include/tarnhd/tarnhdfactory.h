@@ -12,6 +12,7 @@ class CommonFactory;
 namespace vx::tarn {
 
 class ActionScheduler;
+class CurrentOperations;
 class TarnpatchManager;
 
 /// Makes what only the plug-in has; each call makes a new object. Any thread. Operations pass on what the
@@ -27,6 +28,8 @@ public:
     virtual std::shared_ptr<ActionScheduler> createActionScheduler();
     virtual std::shared_ptr<TarnpatchManager> createTarnpatchManager(
         const std::shared_ptr<settings::Settings>& settings);
+    /// With a store access of its own.
+    virtual std::shared_ptr<CurrentOperations> createCurrentOperations();
 
 private:
     common::CommonFactory* m_commonFactory;
