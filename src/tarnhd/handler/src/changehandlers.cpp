@@ -4,6 +4,7 @@
 
 #include "common/commonfactory.h"
 #include "common/event.h"
+#include "common/ideploymentqueue.h"
 #include "common/iupdaterlauncher.h"
 #include "common/tarnpatchsettings.h"
 #include "common/tarnpatchstatus.h"
@@ -23,6 +24,21 @@ namespace vx::tarn {
 using logging::Level;
 using logging::LogStream;
 
+namespace {
+
+/// What a request that names no updates means.
+std::wstring defaultTask(ModeItem mode)
+{
+    switch (mode) {
+    case ModeItem::InstallAll: return L"all";
+    case ModeItem::InstallCritical: return L"critical";
+    case ModeItem::InstallCriticalAndImportant: return L"important";
+    default: return {};
+    }
+}
+
+} // namespace
+
 std::unique_ptr<Subscriptions> TarnHandler::subscribeToChanges()
 {
     VX_LOG_SCOPE();
@@ -34,6 +50,7 @@ std::unique_ptr<Subscriptions> TarnHandler::subscribeToChanges()
         {L"windows.tarnpatch.enabled", [this] { updateEnabledStatus(); }},
         {L"windows.tarnpatch.installation.completion.wait", [this] { onPostRebootDeployCompleted(); }},
         {L"windows.tarnpatch.installation.deployment_queue", [this] { startDeploymentQueueInstallation(); }},
+        {L"windows.tarnpatch.remote_operations.install_updates.start", [this] { startInstallSignalChanged(); }},
         {L"windows.tarnpatch.remote_operations.scan_for_updates.start", [this] { startScanSignalChanged(); }},
         {L"windows.tarnpatch.scanning.automatic.polling_interval", [this] { setupActionScheduler(); }},
         {ScanningSettings::excludeUpdatesByRuleKey, scan},
@@ -96,6 +113,46 @@ void TarnHandler::startScanSignalChanged()
         LogStream(Level::Error) << "Can't start tarnag.exe for a remote scan: Tarnpatch is disabled.";
         request.setAck(start);
     }
+}
+
+void TarnHandler::startInstallSignalChanged()
+{
+    VX_LOG_SCOPE();
+    const auto& request = m_tarnpatchSettings->remoteOperations.installUpdates;
+    const auto start = request.start();
+    const auto ack = request.ack();
+    if (start == ack) {
+        LogStream(Level::Info) << "No need to start deploying. start=" << start << ", ack=" << ack;
+        return;
+    }
+    // Stands until the manager knows better, also when something goes wrong below.
+    request.setResult(ResultItem::Failed);
+    if (!m_tarnpatchStatus->enabled()) {
+        LogStream(Level::Error) << "Can't start tarnag.exe for a remote installation: Tarnpatch is disabled.";
+        finishRemoteInstall(ResultItem::Failed);
+        return;
+    }
+    std::wstring task = request.updatesToInstall();
+    if (task.empty())
+        task = defaultTask(m_tarnpatchSettings->installation.automatic.mode());
+    if (task.empty()) {
+        LogStream(Level::Warning) << "Deployment task with empty scope was not started.";
+        finishRemoteInstall(ResultItem::Success);
+        return;
+    }
+    m_deploymentQueue->pushBack(task);
+    LogStream(Level::Info) << "Deployment task was put to the queue. '" << task << "'.";
+    // The manager acknowledges when the agent has finished.
+    m_manager->setStartReason(AgentStartReason::RemoteDeployment);
+    m_updaterLauncher->startScan();
+}
+
+void TarnHandler::finishRemoteInstall(ResultItem result)
+{
+    const auto& request = m_tarnpatchSettings->remoteOperations.installUpdates;
+    const auto start = request.start();
+    request.setResult(result);
+    request.setAck(start);
 }
 
 void TarnHandler::startDeploymentQueueInstallation()

@@ -5,12 +5,15 @@
 #include "common/commonfactory.h"
 #include "common/event.h"
 #include "common/hostsettings.h"
+#include "common/ideploymentqueue.h"
 #include "common/iglobalatom.h"
+#include "common/ipatchstorage.h"
 #include "common/iupdaterlauncher.h"
 #include "common/tarnpatchsettings.h"
 #include "common/tarnpatchstatus.h"
 #include "meridia-settings/qrlmeridiaerror.h"
 #include "tarnhd/actionscheduler.h"
+#include "tarnhd/currentoperations.h"
 #include "tarnhd/scanifexpired.h"
 #include "tarnhd/startupautoscan.h"
 #include "tarnhd/startupdeploywatchdog.h"
@@ -19,6 +22,7 @@
 #include "tarnhd/tarnpatchmanager.h"
 #include "vxtl/guarded.h"
 
+#include <thread>
 #include <windows.h>
 
 namespace vx::tarn {
@@ -31,6 +35,7 @@ namespace {
 
 constexpr auto storeRetryPause = 500ms;
 constexpr auto profilePollPause = 100ms;
+constexpr auto deploymentPollPause = 1s;
 constexpr std::chrono::minutes shortestPollingInterval(1);
 constexpr wchar_t postRebootAtom[] = L"Global\\PostRebootATOM{894D1810-89A9-4363-A8C5-9F429B518809}";
 
@@ -64,7 +69,9 @@ void TarnHandler::initializeHandler()
     // Makes the start event, which all launchers open.
     m_manager = m_factory->createTarnpatchManager(m_settings);
     m_updaterLauncher = m_commonFactory->createUpdaterLauncher();
+    m_deploymentQueue = m_commonFactory->createDeploymentQueue();
     m_actionScheduler = createActionScheduler();
+    m_currentOperations = m_factory->createCurrentOperations();
     m_initialized = true;
 }
 
@@ -110,6 +117,13 @@ void TarnHandler::process()
         TarnHandler& handler;
         ~ManagerStop() { handler.stopManager(); }
     };
+    struct EventSetter {
+        common::Event& event;
+        ~EventSetter()
+        {
+            guarded([this] { event.set(); });
+        }
+    };
 
     processFirstRun();
     // Outlives the subscriptions: a change handler may start the manager until the last one is gone.
@@ -120,7 +134,11 @@ void TarnHandler::process()
     LogStream(Level::Info) << "Scheduler period: " << period.count() << " ms.";
     LogStream(Level::Info) << "Run processing";
     {
+        std::jthread watcher; // joined last
         const SchedulerThread actions(*m_actionScheduler, period);
+        watcher = std::jthread([this] { guarded([this] { waitPostRebootDeployCompleted(); }); });
+        // A way out that is no stop must end the threads too.
+        const EventSetter end{*m_stopEvent};
         m_running = true;
         waitForEvents();
     }
@@ -186,9 +204,42 @@ void TarnHandler::waitForEvents()
         publishStatus();
 }
 
+// What changes during the pass waits for the next change.
 void TarnHandler::publishStatus()
 {
+    guarded("Failed to publish the current operations: ", [this] { m_currentOperations->update(); });
     m_statusChangedEvent->reset();
+}
+
+void TarnHandler::waitPostRebootDeployCompleted()
+{
+    VX_LOG_SCOPE();
+    const auto storage = m_commonFactory->createPatchStorage();
+    bool completed = false;
+    while (!completed) {
+        if (waitForStop(deploymentPollPause)) {
+            LogStream(Level::Info) << "waitPostRebootDeployCompleted: Stop event has been signaled";
+            return;
+        }
+        guarded("Failed to complete a deployment: ", [&] { completed = completeFinishedDeployment(*storage); });
+    }
+}
+
+bool TarnHandler::completeFinishedDeployment(common::IPatchStorage& storage)
+{
+    if (!storage.isInstallationFinished() || !storage.hasPatchStates())
+        return false;
+    LogStream(Level::Info) << "waitPostRebootDeployCompleted: Found that installation has been finished.";
+    if (m_manager->isAgentRunning()) {
+        LogStream(Level::Info) << "waitPostRebootDeployCompleted: Agent is already running. Waiting for be finished.";
+        return false;
+    }
+    m_tarnpatchSettings->installation.completion.setWait(false);
+    m_tarnpatchSettings->installation.setInProgress(false);
+    m_manager->update();
+    m_manager->setArguments(L"-c complete");
+    m_updaterLauncher->startScan();
+    return true;
 }
 
 bool TarnHandler::waitForStop(std::chrono::milliseconds timeout) const

@@ -14,12 +14,16 @@ class Settings;
 namespace vx::tarn::common {
 class CommonFactory;
 class Event;
+class IDeploymentQueue;
+class IPatchStorage;
 class IUpdaterLauncher;
 } // namespace vx::tarn::common
 
 namespace vx::tarn {
 
+enum class ResultItem : std::int32_t;
 class ActionScheduler;
+class CurrentOperations;
 class Subscriptions;
 class TarnhdFactory;
 class TarnpatchManager;
@@ -60,6 +64,10 @@ private:
     void processFirstRun();
     void waitForEvents();
     void publishStatus();
+    /// Body of the thread that looks for a deployment which went on across a reboot and has finished.
+    void waitPostRebootDeployCompleted();
+    /// False when it is too early: no finished deployment, or an agent runs.
+    bool completeFinishedDeployment(common::IPatchStorage& storage);
     /// Sleeps; true as soon as the stop event is set.
     bool waitForStop(std::chrono::milliseconds timeout) const;
     void stopManager() noexcept;
@@ -69,6 +77,8 @@ private:
     void updateEnabledStatus();
     void startScan();
     void startScanSignalChanged();
+    void startInstallSignalChanged();
+    void finishRemoteInstall(ResultItem result);
     void startDeploymentQueueInstallation();
     void onPostRebootDeployCompleted();
 
@@ -82,7 +92,9 @@ private:
     std::atomic<bool> m_running{false}; ///< for inspection only
     std::shared_ptr<TarnpatchManager> m_manager;
     std::shared_ptr<common::IUpdaterLauncher> m_updaterLauncher;
+    std::shared_ptr<common::IDeploymentQueue> m_deploymentQueue;
     std::shared_ptr<ActionScheduler> m_actionScheduler;
+    std::shared_ptr<CurrentOperations> m_currentOperations;
     std::shared_ptr<common::Event> m_stopEvent;          ///< manual-reset; ends all waits
     std::shared_ptr<common::Event> m_statusChangedEvent; ///< manual-reset; wakes run to publish
     std::atomic<bool> m_initialized{false};
