@@ -139,7 +139,8 @@ TEST(ParametricRule, saysWhatIsWrong)
     OperationInfo(L"PRODUCT=x;SEVERITY=99999999999").isApplicable(any);
     OperationInfo(L"PRODUCT=a=b;COLOR=red");
     EXPECT_TRUE(log.has(3, "Failed to convert severity to number: invalid stoi argument")) << log.text();
-    EXPECT_TRUE(log.has(3, "Failed to convert severity because of out of range exception: stoi argument out of range")) << log.text();
+    EXPECT_TRUE(log.has(3, "Failed to convert severity because of out of range exception: stoi argument out of range"))
+        << log.text();
     EXPECT_TRUE(log.has(3, "Failed to parse a parametric rule: PRODUCT=a=b;COLOR=red")) << log.text();
     EXPECT_TRUE(log.has(3, "Unknown rule parameter type: COLOR. Rule: PRODUCT=a=b;COLOR=red")) << log.text();
 }
