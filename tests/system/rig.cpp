@@ -193,7 +193,8 @@ void SystemTest::scan(std::int64_t value)
     waitForNumber(scanAck, value);
 }
 
-void SystemTest::waitForValue(const std::string& key, const std::string& what, const Condition& condition)
+void SystemTest::waitForValue(
+    const std::string& key, const std::string& what, const Condition& condition, const std::function<void()>& nudge)
 {
     struct State {
         std::mutex mutex;
@@ -208,11 +209,13 @@ void SystemTest::waitForValue(const std::string& key, const std::string& what, c
     });
     const auto end = std::chrono::steady_clock::now() + deadline;
     bool reached = condition();
-    for (unsigned seen = 0; !reached; reached = condition()) {
+    for (unsigned seen = 0; !reached && std::chrono::steady_clock::now() < end; reached = condition()) {
         std::unique_lock lock(state->mutex);
-        if (!state->changed.wait_until(lock, end, [&] { return state->changes != seen; }))
-            break;
+        const bool changed = state->changed.wait_for(lock, 1s, [&] { return state->changes != seen; });
         seen = state->changes;
+        lock.unlock();
+        if (!changed && nudge)
+            nudge();
     }
     client.unsubscribe(id);
     if (!reached)

@@ -72,6 +72,11 @@ protected:
     std::int64_t number(const std::string& key, std::int64_t fallback = 0);
     void waitForNumber(const std::string& key, std::int64_t value);
     void waitForFlag(const std::string& key, bool value);
+    /// Until the condition holds, looked at with each change of the key; without a change for a second `nudge` is
+    /// called.
+    using Condition = std::function<bool()>;
+    void waitForValue(const std::string& key, const std::string& what, const Condition& condition,
+        const std::function<void()>& nudge = {});
     /// Writes start and waits for the same ack.
     void scan(std::int64_t value);
 
@@ -89,9 +94,7 @@ protected:
     std::unique_ptr<support::ChildProcess> store;
 
 private:
-    using Condition = std::function<bool()>;
     void waitFor(const std::filesystem::path& changing, const std::string& what, const Condition& condition);
-    void waitForValue(const std::string& key, const std::string& what, const Condition& condition);
     std::unique_ptr<support::ChildProcess> start(const std::string& arguments, const std::string& outputName);
     const std::vector<std::string>& log();
 

@@ -1,0 +1,307 @@
+#include "rig.h"
+
+#include "common/commonfactory.h"
+#include "common/patchinfo.h"
+#include "common/patchregistrystorage.h"
+#include "common/updateid.h"
+#include "support/record.h"
+#include "vxtl/registry.h"
+#include "vxtl/str.h"
+
+#include <gmock/gmock.h>
+
+namespace rig {
+namespace {
+
+using devhost::store::Value;
+using nlohmann::json;
+using testing::ElementsAre;
+using testing::IsEmpty;
+using vx::registry::RegistryKey;
+using Texts = std::vector<std::string>;
+
+const std::string install = settings + "remote_operations.install_updates.";
+const std::string queueKey = settings + "installation.deployment_queue";
+const std::string completionKey = settings + "installation.completion.";
+const std::string inProgressKey = settings + "installation.in_progress";
+const std::string logKey = status + "installation.log.entries";
+const std::string publishedKey = settings + "current_status.patches_to_install";
+const std::string restartNeededKey = status + "installation.last_installation.restart_computer_needed";
+
+/// An update named after its number, of product p0 to p2, severity 1 to 3.
+json update(int number)
+{
+    const std::string digit = std::to_string(number);
+    return {{"update_name", "KB" + digit}, {"product_name", "p" + std::to_string(number % 3)},
+        {"severity", 1 + number % 3},
+        {"patch_specifier", {{"id", "00000000-0000-0000-0000-00000000000" + digit}, {"region", 1}}}};
+}
+
+json updates(int count)
+{
+    json list = json::array();
+    for (int i = 0; i < count; ++i)
+        list.push_back(update(i));
+    return list;
+}
+
+std::string idOf(int number)
+{
+    return vx::str::toUtf8(
+        vx::tarn::common::deriveUpdateId({}, L"p" + std::to_wstring(number % 3), {}, L"KB" + std::to_wstring(number)));
+}
+
+class DeploymentTest : public SystemTest {
+protected:
+    DeploymentTest() { clearStorage(); }
+    ~DeploymentTest() override { clearStorage(); }
+
+    static void clearStorage() { vx::tarn::common::CommonFactory().createPatchStorage()->clear(); }
+    static std::shared_ptr<RegistryKey> storageKey()
+    {
+        return vx::registry::createWin32Registry()->openKey(
+            L"HKEY_LOCAL_MACHINE\\Software\\Vantorix\\tarn\\PatchStorage", vx::registry::allAccess);
+    }
+
+    void setList(const std::string& key, const json& list) { set(key, Value::fromObject(list.dump())); }
+    json list(const std::string& key)
+    {
+        const auto value = client.get(key);
+        return value ? json::parse(value->asObject()) : json::array();
+    }
+    Texts queue()
+    {
+        Texts texts;
+        for (const json& item : list(queueKey))
+            texts.push_back(item.at("update_id"));
+        return texts;
+    }
+    /// The published list, each patch as "KB1 executing".
+    Texts published()
+    {
+        Texts texts;
+        for (const json& patch : list(publishedKey))
+            texts.push_back(
+                patch.at("update_name").get<std::string>() + ' ' + patch.at("status").at("value").get<std::string>());
+        return texts;
+    }
+    /// A change that comes while the plug-in publishes shows with the next change: one is made if need be.
+    void waitForPublished(const Texts& expected)
+    {
+        waitForValue(
+            publishedKey, "published " + testing::PrintToString(expected), [&] { return published() == expected; },
+            [&] { setList(missingUpdates, list(missingUpdates)); });
+    }
+    void requestInstallation(std::int64_t start, const std::string& task)
+    {
+        set(install + "updates_to_install", Value::fromString(task));
+        setNumber(install + "start", start);
+    }
+};
+
+TEST_F(DeploymentTest, leadsFromTheRequestOverEachStateToTheResult)
+{
+    const Gate start("deploy"), executing("executing");
+    json pause = executing.run({{"at", "installation_executing"}});
+    script({{{"missingUpdates", updates(10)}}, start.run({{"deploy", {{"stepMs", 0}, {"pauses", {pause}}}}}),
+        json::object()});
+    startHost();
+    const auto order = std::make_shared<support::Record>();
+    for (const char* key : {"result", "ack"})
+        client.subscribe(install + key, [order, key](const devhost::store::Change&) { order->add(key); });
+    requestInstallation(1, "ALL");
+    ASSERT_TRUE(start.waitUntilStarted());
+    EXPECT_THAT(queue(), ElementsAre("ALL"));
+    Texts requested, installing;
+    for (int i = 0; i < 10; ++i) {
+        requested.push_back("KB" + std::to_string(i) + " installation_requested");
+        installing.push_back("KB" + std::to_string(i) + " installation_executing");
+    }
+    waitForPublished(requested);
+    start.release();
+    ASSERT_TRUE(executing.waitUntilStarted());
+    waitForPublished(installing);
+    executing.release();
+    waitForPublished({});
+    waitForNumber(install + "ack", 1);
+    EXPECT_THAT(order->waitFor(3), ElementsAre("result", "result", "ack"));
+    EXPECT_EQ(client.get(install + "result")->asString(), "success");
+    EXPECT_THAT(queue(), IsEmpty());
+    EXPECT_EQ(logCount("Update a deployment remote operation status: 1"), 1u);
+    EXPECT_EQ(command("patches"), 0u);
+    EXPECT_EQ(stopHost(), 0u);
+}
+
+TEST_F(DeploymentTest, publishesExactlyTheMatchingPatches)
+{
+    struct Row {
+        std::string task;
+        std::vector<int> numbers;
+    };
+    const std::string guid = "00000000-0000-0000-0000-00000000000";
+    const Row rows[] = {
+        {"ALL", {0, 1, 2, 3, 4, 5}},
+        {"CRITICAL", {0, 3}},
+        {"IMPORTANT", {0, 1, 3, 4}},
+        {"ID=" + idOf(2) + "&" + idOf(5) + "&unknown", {2, 5}},
+        {"GUID=" + guid + "1&zz&" + guid + "4", {1, 4}},
+        {"PRODUCT=p2;PATCH=KB0", {0, 2, 5}},
+        {"SEVERITY=x;PATCH=KB0", {}},
+        {"all", {}},
+    };
+    script({{{"missingUpdates", updates(6)}}, json::object()});
+    startHost();
+    std::int64_t start = 0;
+    for (const Row& row : rows)
+        for (const std::string& flag : {std::string(), std::string(";ALLOW_UNSIGNED")}) {
+            SCOPED_TRACE(row.task + flag);
+            // Another list before each, so that the expected one was really made anew.
+            setList(queueKey, {{{"update_id", "PATCH=KB1"}}});
+            waitForPublished({"KB1 installation_requested"});
+            setList(queueKey, json::array());
+            waitForPublished({});
+            requestInstallation(++start, row.task + flag);
+            waitForNumber(install + "ack", start);
+            EXPECT_THAT(queue(), ElementsAre(row.task + flag));
+            Texts expected;
+            for (const int number : row.numbers)
+                expected.push_back("KB" + std::to_string(number) + " installation_requested");
+            waitForPublished(expected);
+        }
+    EXPECT_EQ(stopHost(), 0u);
+}
+
+TEST_F(DeploymentTest, takesAnEmptyTaskFromTheModeAndClosesWhatItCantServe)
+{
+    struct Row {
+        const char* mode;
+        bool enabled;
+        Texts queued;
+        const char* result;
+    };
+    startHost();
+    std::int64_t start = 0;
+    for (const Row& row :
+        {Row{"install_all", true, {"all"}, "failed"}, Row{"install_critical", true, {"critical"}, "failed"},
+            Row{"install_critical_and_important", true, {"important"}, "failed"}, Row{"disable", true, {}, "success"},
+            Row{"install_all", false, {}, "failed"}}) {
+        SCOPED_TRACE(std::string(row.mode) + (row.enabled ? "" : ", feature off"));
+        setList(queueKey, json::array());
+        set(settings + "installation.automatic.mode", Value::fromString(row.mode));
+        set(enabled, Value::fromBool(row.enabled));
+        waitForFlag(status + "enabled", row.enabled);
+        EXPECT_EQ(command("install \"\" --wait 30"), 0u);
+        EXPECT_EQ(number(install + "ack"), ++start);
+        EXPECT_EQ(client.get(install + "result")->asString(), row.result);
+        EXPECT_EQ(queue(), row.queued);
+    }
+    EXPECT_EQ(stopHost(), 0u);
+}
+
+TEST_F(DeploymentTest, queuesOneTextOnceAndOutlivesAStoreThatFails)
+{
+    startHost();
+    for (const std::int64_t start : {1, 2}) {
+        requestInstallation(start, "ALL");
+        waitForNumber(install + "ack", start);
+    }
+    EXPECT_THAT(queue(), ElementsAre("ALL"));
+    EXPECT_EQ(logCount("Deployment item \"ALL\" already exists in the deployment queue, will be skipped."), 1u);
+    // What can't be written now is written with the next change.
+    EXPECT_EQ(command("fault set 3 --count 1 --key " + queueKey), 0u);
+    requestInstallation(3, "CRITICAL");
+    waitForNumber(install + "ack", 3);
+    requestInstallation(4, "IMPORTANT");
+    waitForNumber(install + "ack", 4);
+    EXPECT_THAT(queue(), ElementsAre("ALL", "CRITICAL", "IMPORTANT"));
+    EXPECT_EQ(stopHost(), 0u);
+}
+
+TEST_F(DeploymentTest, goesOnAfterARebootAndIsCompletedOnce)
+{
+    script({{{"missingUpdates", updates(2)}}, {{"deploy", {{"reboot", true}, {"stepMs", 0}}}}, json::object()});
+    startHost();
+    requestInstallation(1, "ALL");
+    waitForNumber(install + "ack", 1);
+    EXPECT_EQ(client.get(install + "result")->asString(), "reboot_needed");
+    waitForFlag(completionKey + "wait", true);
+    waitForPublished({"KB0 installation_will_continue_after_reboot", "KB1 installation_will_continue_after_reboot"});
+    EXPECT_TRUE(client.get(restartNeededKey)->asBool());
+    EXPECT_EQ(command("reboot"), 0u);
+    waitForLog("waitPostRebootDeployCompleted: Found that installation has been finished.");
+    waitForFlag(completionKey + "wait", false);
+    waitForFlag(inProgressKey, false);
+    waitForLog("tarnag.exe. Arguments: -c complete");
+    waitForPublished({});
+    waitForFlag(restartNeededKey, false);
+    EXPECT_FALSE(vx::tarn::common::CommonFactory().createPatchStorage()->hasPatchStates());
+    scan(1);
+    EXPECT_EQ(logCount("Arguments: -c complete"), 1u) << "the next start is an ordinary one";
+    EXPECT_EQ(stopHost(), 0u);
+}
+
+TEST_F(DeploymentTest, waitsForTheAgentBeforeItCompletes)
+{
+    const Gate gate("busy");
+    script({json::object(), gate.run(), json::object()});
+    startHost();
+    setNumber(scanStart, 1);
+    ASSERT_TRUE(gate.waitUntilStarted());
+    set(inProgressKey, Value::fromBool(true));
+    // Garbage first: neither the host nor a later good value suffers from it.
+    const auto key = storageKey();
+    for (const wchar_t* name : {L"finished", L"statuses", L"patches"})
+        key->setStringValue(name, L"\x1 garbage");
+    waitForLog("Failed to check if installation finished. Caught exception: ");
+    key->deleteValue(L"finished");
+    key->setInt32Value(L"finished", 1);
+    waitForLog("waitPostRebootDeployCompleted: Agent is already running. Waiting for be finished.");
+    EXPECT_TRUE(client.get(inProgressKey)->asBool());
+    gate.release();
+    waitForFlag(inProgressKey, false);
+    waitForLog("tarnag.exe. Arguments: -c complete");
+    EXPECT_EQ(stopHost(), 0u);
+}
+
+TEST_F(DeploymentTest, givesUpADeploymentThatDoesNotFinish)
+{
+    startStoreAlone();
+    set(completionKey + "wait", Value::fromBool(true));
+    set(inProgressKey, Value::fromBool(true));
+    set(completionKey + "timeout", Value::fromInt32(0));
+    setNumber(completionKey + "timestamp", 5);
+    startHost(Wait::ForProcessing);
+    waitForFlag(inProgressKey, false);
+    waitForFlag(completionKey + "wait", false);
+    waitForLog("Start wait for deploy complete with timeout of '0 minutes' and wait for deploy timestamp is '5");
+    waitForLog("Reset wait for deploy complete settings");
+    scan(1);
+    EXPECT_EQ(stopHost(), 0u);
+}
+
+TEST_F(DeploymentTest, saysWhatIsWrongWithAListAndGoesOnWithTheNext)
+{
+    const json malformed[] = {"text", 5, nullptr, json::object(), {5}, {nullptr}, {{{"update_id", 5}}},
+        {{{"severity", "x"}, {"status", {{"value", "dancing"}}}, {"operation_id", json::array()}}}};
+    script({{{"missingUpdates", updates(1)}}, json::object()});
+    startHost();
+    setList(queueKey, {{{"update_id", "ALL"}}});
+    waitForPublished({"KB0 installation_requested"});
+    std::size_t failures = 0;
+    for (const std::string& key : {queueKey, missingUpdates, logKey}) {
+        const json good = list(key);
+        for (const json& bad : malformed) {
+            SCOPED_TRACE(key + " = " + bad.dump());
+            setList(key, bad);
+            waitForLog("Failed to publish the current operations: ", ++failures);
+        }
+        setList(key, good);
+        setList(publishedKey, json::array());
+        waitForPublished({"KB0 installation_requested"});
+    }
+    scan(1);
+    EXPECT_EQ(stopHost(), 0u);
+}
+
+} // namespace
+} // namespace rig
