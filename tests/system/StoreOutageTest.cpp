@@ -15,9 +15,7 @@ TEST_F(StoreOutageTest, aPlugInThatStartsDuringAnOutageWaitsForItsEnd)
     startStoreAlone();
     client.set("status.windows.meridia.last_successful_update_timestamp", devhost::store::Value::fromInt64(1));
     killStore();
-    host = std::make_unique<support::ChildProcess>(
-        L'"' + (support::programFolder() / "tarnhost.exe").wstring() + L"\" run --no-store --no-profile",
-        folder.path());
+    host = std::make_unique<support::ChildProcess>("tarnhost.exe", L"run --no-store --no-profile", folder.path());
     EXPECT_FALSE(host->wait(10s)) << "the host ended: " << host->output() << host->errors();
     EXPECT_EQ(logCount("Run processing"), 0u);
     startStoreAlone();
@@ -29,9 +27,7 @@ TEST_F(StoreOutageTest, aPlugInThatStartsDuringAnOutageWaitsForItsEnd)
 
 TEST_F(StoreOutageTest, aStopEndsTheWaitForTheStore)
 {
-    host = std::make_unique<support::ChildProcess>(
-        L'"' + (support::programFolder() / "tarnhost.exe").wstring() + L"\" run --no-store --no-profile",
-        folder.path());
+    host = std::make_unique<support::ChildProcess>("tarnhost.exe", L"run --no-store --no-profile", folder.path());
     EXPECT_EQ(command("status --wait 20"), 0u);
     waitForLog("LOGGING STARTED");
     EXPECT_EQ(stopHost(), 0u);

@@ -91,8 +91,7 @@ std::unique_ptr<support::ChildProcess> SystemTest::start(const std::string& argu
 {
     const auto output = folder.path() / outputName;
     std::filesystem::create_directories(output);
-    return std::make_unique<support::ChildProcess>(
-        L'"' + (support::programFolder() / "tarnhost.exe").wstring() + L"\" " + vx::str::fromUtf8(arguments), output);
+    return std::make_unique<support::ChildProcess>("tarnhost.exe", vx::str::fromUtf8(arguments), output);
 }
 
 void SystemTest::startHost(Wait wait, const std::string& options)
