@@ -92,6 +92,7 @@ TEST_F(TarnhostTest, answersMistakesWithOneLineAndACode)
         {L"run --no-store --plugin C:\\missing.dll", 1, "cannot load C:\\missing.dll"},
         {L"log --file C:\\missing\\a.log", 1, "there is no log C:\\missing\\a.log"},
     });
+    EXPECT_EQ(call(L"status").code, 3u);
 }
 
 TEST_F(TarnhostTest, passesOnWhatARunningHostAndItsStoreRefuse)
