@@ -57,14 +57,9 @@ TEST(AgentScript, saysWhatIsWrong)
         {R"({"runs": [{"set": {"a": {"type": "int32", "value": 3000000000}}}]})", "is no int32"},
         {R"({"runs": [{"set": {"a": {"type": "frob", "value": 3}}}]})", "a: unknown type frob"},
     };
-    for (const auto& row : rows) {
-        try {
-            AgentScript::parse(row.text);
-            ADD_FAILURE() << row.text << " was taken";
-        } catch (const ScriptError& error) {
-            EXPECT_THAT(error.what(), testing::HasSubstr(row.line));
-        }
-    }
+    for (const auto& row : rows)
+        EXPECT_THAT(
+            [&] { AgentScript::parse(row.text); }, testing::ThrowsMessage<ScriptError>(testing::HasSubstr(row.line)));
 }
 
 } // namespace devhost::agent

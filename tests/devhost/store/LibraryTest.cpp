@@ -41,25 +41,17 @@ int leaveAHandleOpen()
 
 } // namespace
 
-TEST_F(LibraryTest, readsAndWritesEachType)
+TEST_F(LibraryTest, lendsTexts)
 {
     server.start();
     const unsigned handle = api.open();
-    ASSERT_NE(handle, 0U);
-    EXPECT_EQ(api.setBool(handle, L"b", true), Success);
-    EXPECT_EQ(api.setInt32(handle, L"i", -7), Success);
-    EXPECT_EQ(api.setInt64(handle, L"l", INT64_MAX), Success);
     EXPECT_EQ(api.setString(handle, L"s", L"\x0416"), Success);
-    EXPECT_EQ(api.setObjectFromStringUtf8(handle, L"o", "{\"a\":1}"), Success);
-    EXPECT_EQ(api.setObjectFromStringUtf8(handle, L"o", "{"), InvalidParameter);
     EXPECT_EQ(tool.get("s"), Value::fromString("\xD0\x96"));
-
-    EXPECT_EQ(api.getBool(handle, L"b", false, &api.error), 1);
-    EXPECT_EQ(api.getInt32(handle, L"i", 0, &api.error), -7);
-    EXPECT_EQ(api.getInt64(handle, L"l", 0, &api.error), INT64_MAX);
     wchar_t* text = api.getString(handle, L"s", L"", &api.error);
     EXPECT_STREQ(text, L"\x0416");
     api.freeString(text);
+    EXPECT_EQ(api.setObjectFromStringUtf8(handle, L"o", "{\"a\":1}"), Success);
+    EXPECT_EQ(api.setObjectFromStringUtf8(handle, L"o", "{"), InvalidParameter);
     char* object = api.getObjectAsStringUtf8(handle, L"o", &api.error);
     EXPECT_STREQ(object, "{\"a\":1}");
     api.freeString(object);
