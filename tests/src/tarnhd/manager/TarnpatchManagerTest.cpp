@@ -22,7 +22,7 @@ constexpr auto installationKey = L"HKEY_LOCAL_MACHINE\\Software\\Vantorix\\tarn"
 constexpr auto eventName = L"Global\\ScanEvent{450C4D2D-AE20-440a-9AAA-F770900831AD}";
 constexpr auto timestampKey = L"status.windows.tarnpatch.scanning.last_scanning.timestamp";
 constexpr auto waitKey = L"windows.tarnpatch.installation.completion.wait";
-constexpr auto remoteKey = L"windows.tarnpatch.remote_operations.";
+const std::wstring remoteKey = L"windows.tarnpatch.remote_operations.";
 const std::string plain = "C:\\Tarn\\tarnag.exe|";
 
 class TarnpatchManagerTest : public testing::Test {
@@ -73,12 +73,12 @@ TEST_F(TarnpatchManagerTest, recordsTheStartTimeOfARunThatEndsWell)
         clock.advance(std::chrono::hours(1));
     };
     factory.script[2].ended = std::make_shared<EndEvent>();
-    store->setInt64Value(std::wstring(remoteKey) + L"install_updates.start", 5);
+    store->setInt64Value(remoteKey + L"install_updates.start", 5);
     manager->setStartReason(AgentStartReason::RemoteDeployment);
     startAgent(1);
     EXPECT_THAT(startAgent(2), ElementsAre(plain, plain));
     EXPECT_EQ(store->getInt64Value(timestampKey), started);
-    EXPECT_EQ(store->getInt64Value(std::wstring(remoteKey) + L"install_updates.ack"), 5);
+    EXPECT_EQ(store->getInt64Value(remoteKey + L"install_updates.ack"), 5);
     factory.script[2].ended->set();
     startAgent(3);
     EXPECT_TRUE(manager->stop());
@@ -95,19 +95,19 @@ TEST_F(TarnpatchManagerTest, retriesWhileAnotherAgentRunsAndUsesArgumentsOnce)
     manager->setArguments(L"-c complete");
     manager->setStartReason(AgentStartReason::RemoteDeployment);
     manager->setStartReason(AgentStartReason::RemoteScan);
-    store->setInt64Value(std::wstring(remoteKey) + L"scan_for_updates.start", 3);
+    store->setInt64Value(remoteKey + L"scan_for_updates.start", 3);
     factory.script[1].exitCode = factory.script[2].exitCode = 8;
     factory.script[3].beforeExitCode = [this] {
         // Each attempt answers the request, the busy ones, too.
-        EXPECT_EQ(store->getInt64Value(std::wstring(remoteKey) + L"scan_for_updates.ack"), 3);
-        store->setInt64Value(std::wstring(remoteKey) + L"scan_for_updates.start", 4);
+        EXPECT_EQ(store->getInt64Value(remoteKey + L"scan_for_updates.ack"), 3);
+        store->setInt64Value(remoteKey + L"scan_for_updates.start", 4);
     };
     startEvent->set();
     factory.starts.waitFor(3);
     EXPECT_EQ(manager->getStartReason(), AgentStartReason::None);
     EXPECT_THAT(startAgent(4), ElementsAre(plain + "-c complete", plain, plain, plain));
-    EXPECT_EQ(store->getInt64Value(std::wstring(remoteKey) + L"scan_for_updates.ack"), 4);
-    EXPECT_FALSE(store->contains(std::wstring(remoteKey) + L"install_updates.ack"));
+    EXPECT_EQ(store->getInt64Value(remoteKey + L"scan_for_updates.ack"), 4);
+    EXPECT_FALSE(store->contains(remoteKey + L"install_updates.ack"));
     EXPECT_EQ(log.count("Scheduling next try to run tarnag.exe ("), 2u) << log.text();
     EXPECT_TRUE(log.has(4, "Scheduling next try to run tarnag.exe (2/3600)")) << log.text();
     factory.script[5].ended = std::make_shared<EndEvent>();
