@@ -101,16 +101,18 @@ TEST_F(ActionSchedulerTest, refusesAndSkipsWhileNotEnabledButRunsWhatIsQueued)
     scheduler.runOnce(nullptr, milliseconds(0));
     EXPECT_EQ(log.count("You can't add empty action."), 2u) << log.text();
     scheduler.addTask(action("periodic"));
-    scheduler.runOnce(action("queued"), milliseconds(1));
+    scheduler.runOnce(action("queued"), milliseconds(0));
+    scheduler.runOnce(action("behind the tick"), milliseconds(1));
     scheduler.setEnabled(false);
     scheduler.runOnce(action("refused"), milliseconds(0));
     EXPECT_TRUE(log.has(4, "Failed to run once a task because action scheduler isn't enabled.")) << log.text();
     start();
+    record.waitFor(1);
     wake(milliseconds(1));
-    EXPECT_THAT(record.waitFor(1), ElementsAre("queued"));
+    EXPECT_THAT(record.waitFor(2), ElementsAre("queued", "behind the tick"));
     scheduler.setEnabled(true);
     wake(period);
-    EXPECT_THAT(record.waitFor(2), ElementsAre("queued", "periodic"));
+    EXPECT_THAT(record.waitFor(3), ElementsAre("queued", "behind the tick", "periodic"));
 }
 
 TEST_F(ActionSchedulerTest, cancelsOneShotActionsButNotTheTick)
