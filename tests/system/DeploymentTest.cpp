@@ -13,7 +13,6 @@
 namespace rig {
 namespace {
 
-using devhost::store::Value;
 using nlohmann::json;
 using testing::ElementsAre;
 using testing::IsEmpty;
@@ -63,7 +62,7 @@ protected:
             L"HKEY_LOCAL_MACHINE\\Software\\Vantorix\\tarn\\PatchStorage", vx::registry::allAccess);
     }
 
-    void setList(const std::string& key, const json& list) { set(key, Value::fromObject(list.dump())); }
+    void setList(const std::string& key, const json& list) { client.set(key, Value::fromObject(list.dump())); }
     json list(const std::string& key)
     {
         const auto value = client.get(key);
@@ -88,13 +87,16 @@ protected:
     /// A change that comes while the plug-in publishes shows with the next change: one is made if need be.
     void waitForPublished(const Texts& expected)
     {
-        waitForValue(
-            publishedKey, "published " + testing::PrintToString(expected), [&] { return published() == expected; },
-            [&] { setList(missingUpdates, list(missingUpdates)); });
+        unsigned looks = 0;
+        waitFor(folder.path(), "published " + testing::PrintToString(expected), [&] {
+            if (++looks % 8 == 0)
+                setList(missingUpdates, list(missingUpdates));
+            return published() == expected;
+        });
     }
     void requestInstallation(std::int64_t start, const std::string& task)
     {
-        set(install + "updates_to_install", Value::fromString(task));
+        client.set(install + "updates_to_install", Value::fromString(task));
         setNumber(install + "start", start);
     }
 };
@@ -102,9 +104,10 @@ protected:
 TEST_F(DeploymentTest, leadsFromTheRequestOverEachStateToTheResult)
 {
     const Gate start("deploy"), executing("executing");
-    json pause = executing.run({{"at", "installation_executing"}});
-    script({{{"missingUpdates", updates(10)}}, start.run({{"deploy", {{"stepMs", 0}, {"pauses", {pause}}}}}),
-        json::object()});
+    json deploy = start.run(), pause = executing.run();
+    pause["at"] = "installation_executing";
+    deploy["deploy"] = {{"stepMs", 0}, {"pauses", {pause}}};
+    script({{{"missingUpdates", updates(10)}}, deploy, json::object()});
     startHost();
     const auto order = std::make_shared<support::Record>();
     for (const char* key : {"result", "ack"})
@@ -123,7 +126,7 @@ TEST_F(DeploymentTest, leadsFromTheRequestOverEachStateToTheResult)
     waitForPublished(installing);
     executing.release();
     waitForPublished({});
-    waitForNumber(install + "ack", 1);
+    waitForValue(install + "ack", Value::fromInt64(1));
     EXPECT_THAT(order->waitFor(3), ElementsAre("result", "result", "ack"));
     EXPECT_EQ(client.get(install + "result")->asString(), "success");
     EXPECT_THAT(queue(), IsEmpty());
@@ -161,7 +164,7 @@ TEST_F(DeploymentTest, publishesExactlyTheMatchingPatches)
             setList(queueKey, json::array());
             waitForPublished({});
             requestInstallation(++start, row.task + flag);
-            waitForNumber(install + "ack", start);
+            waitForValue(install + "ack", Value::fromInt64(start));
             EXPECT_THAT(queue(), ElementsAre(row.task + flag));
             Texts expected;
             for (const int number : row.numbers)
@@ -187,9 +190,9 @@ TEST_F(DeploymentTest, takesAnEmptyTaskFromTheModeAndClosesWhatItCantServe)
             Row{"install_all", false, {}, "failed"}}) {
         SCOPED_TRACE(std::string(row.mode) + (row.enabled ? "" : ", feature off"));
         setList(queueKey, json::array());
-        set(settings + "installation.automatic.mode", Value::fromString(row.mode));
-        set(enabled, Value::fromBool(row.enabled));
-        waitForFlag(status + "enabled", row.enabled);
+        client.set(settings + "installation.automatic.mode", Value::fromString(row.mode));
+        client.set(enabled, Value::fromBool(row.enabled));
+        waitForValue(status + "enabled", Value::fromBool(row.enabled));
         EXPECT_EQ(command("install \"\" --wait 30"), 0u);
         EXPECT_EQ(number(install + "ack"), ++start);
         EXPECT_EQ(client.get(install + "result")->asString(), row.result);
@@ -203,16 +206,16 @@ TEST_F(DeploymentTest, queuesOneTextOnceAndOutlivesAStoreThatFails)
     startHost();
     for (const std::int64_t start : {1, 2}) {
         requestInstallation(start, "ALL");
-        waitForNumber(install + "ack", start);
+        waitForValue(install + "ack", Value::fromInt64(start));
     }
     EXPECT_THAT(queue(), ElementsAre("ALL"));
     EXPECT_EQ(logCount("Deployment item \"ALL\" already exists in the deployment queue, will be skipped."), 1u);
     // What can't be written now is written with the next change.
     EXPECT_EQ(command("fault set 3 --count 1 --key " + queueKey), 0u);
     requestInstallation(3, "CRITICAL");
-    waitForNumber(install + "ack", 3);
+    waitForValue(install + "ack", Value::fromInt64(3));
     requestInstallation(4, "IMPORTANT");
-    waitForNumber(install + "ack", 4);
+    waitForValue(install + "ack", Value::fromInt64(4));
     EXPECT_THAT(queue(), ElementsAre("ALL", "CRITICAL", "IMPORTANT"));
     EXPECT_EQ(stopHost(), 0u);
 }
@@ -222,18 +225,18 @@ TEST_F(DeploymentTest, goesOnAfterARebootAndIsCompletedOnce)
     script({{{"missingUpdates", updates(2)}}, {{"deploy", {{"reboot", true}, {"stepMs", 0}}}}, json::object()});
     startHost();
     requestInstallation(1, "ALL");
-    waitForNumber(install + "ack", 1);
+    waitForValue(install + "ack", Value::fromInt64(1));
     EXPECT_EQ(client.get(install + "result")->asString(), "reboot_needed");
-    waitForFlag(completionKey + "wait", true);
+    waitForValue(completionKey + "wait", Value::fromBool(true));
     waitForPublished({"KB0 installation_will_continue_after_reboot", "KB1 installation_will_continue_after_reboot"});
     EXPECT_TRUE(client.get(restartNeededKey)->asBool());
     EXPECT_EQ(command("reboot"), 0u);
     waitForLog("waitPostRebootDeployCompleted: Found that installation has been finished.");
-    waitForFlag(completionKey + "wait", false);
-    waitForFlag(inProgressKey, false);
+    waitForValue(completionKey + "wait", Value::fromBool(false));
+    waitForValue(inProgressKey, Value::fromBool(false));
     waitForLog("tarnag.exe. Arguments: -c complete");
     waitForPublished({});
-    waitForFlag(restartNeededKey, false);
+    waitForValue(restartNeededKey, Value::fromBool(false));
     EXPECT_FALSE(vx::tarn::common::CommonFactory().createPatchStorage()->hasPatchStates());
     scan(1);
     EXPECT_EQ(logCount("Arguments: -c complete"), 1u) << "the next start is an ordinary one";
@@ -247,7 +250,7 @@ TEST_F(DeploymentTest, waitsForTheAgentBeforeItCompletes)
     startHost();
     setNumber(scanStart, 1);
     ASSERT_TRUE(gate.waitUntilStarted());
-    set(inProgressKey, Value::fromBool(true));
+    client.set(inProgressKey, Value::fromBool(true));
     // Garbage first: neither the host nor a later good value suffers from it.
     const auto key = storageKey();
     for (const wchar_t* name : {L"finished", L"statuses", L"patches"})
@@ -258,7 +261,7 @@ TEST_F(DeploymentTest, waitsForTheAgentBeforeItCompletes)
     waitForLog("waitPostRebootDeployCompleted: Agent is already running. Waiting for be finished.");
     EXPECT_TRUE(client.get(inProgressKey)->asBool());
     gate.release();
-    waitForFlag(inProgressKey, false);
+    waitForValue(inProgressKey, Value::fromBool(false));
     waitForLog("tarnag.exe. Arguments: -c complete");
     EXPECT_EQ(stopHost(), 0u);
 }
@@ -266,13 +269,13 @@ TEST_F(DeploymentTest, waitsForTheAgentBeforeItCompletes)
 TEST_F(DeploymentTest, givesUpADeploymentThatDoesNotFinish)
 {
     startStoreAlone();
-    set(completionKey + "wait", Value::fromBool(true));
-    set(inProgressKey, Value::fromBool(true));
-    set(completionKey + "timeout", Value::fromInt32(0));
+    client.set(completionKey + "wait", Value::fromBool(true));
+    client.set(inProgressKey, Value::fromBool(true));
+    client.set(completionKey + "timeout", Value::fromInt32(0));
     setNumber(completionKey + "timestamp", 5);
     startHost(Wait::ForProcessing);
-    waitForFlag(inProgressKey, false);
-    waitForFlag(completionKey + "wait", false);
+    waitForValue(inProgressKey, Value::fromBool(false));
+    waitForValue(completionKey + "wait", Value::fromBool(false));
     waitForLog("Start wait for deploy complete with timeout of '0 minutes' and wait for deploy timestamp is '5");
     waitForLog("Reset wait for deploy complete settings");
     scan(1);

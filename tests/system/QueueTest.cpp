@@ -9,6 +9,7 @@
 
 #include <algorithm>
 #include <nlohmann/json.hpp>
+#include <optional>
 #include <random>
 #include <set>
 #include <sstream>
@@ -100,17 +101,15 @@ protected:
     QueueTest()
     {
         SetEnvironmentVariableW(L"TARNHD_INSTANCE", instance.c_str());
-        const std::wstring program = (support::programFolder() / "tarnhost.exe").wstring();
         const std::wstring file = (folder.path() / "store.json").wstring();
-        store = std::make_unique<ChildProcess>(L"\"" + program + L"\" store --file \"" + file + L"\"", folder.path());
+        store.emplace("tarnhost.exe", L"store --file \"" + file + L"\"", folder.path());
         EXPECT_TRUE(client.waitForServer(std::chrono::seconds(30)));
     }
 
-    std::unique_ptr<ChildProcess> startWorker(const std::string& name, unsigned steps)
+    ChildProcess startWorker(const std::string& name, unsigned steps)
     {
         SetEnvironmentVariableW(L"TARNHD_TEST_ARGUMENT", vx::str::fromUtf8(name + ' ' + std::to_string(steps)).c_str());
-        const std::wstring program = (support::programFolder() / "queue-tests.exe").wstring();
-        return std::make_unique<ChildProcess>(L"\"" + program + L"\" --child work", folder.path());
+        return {"queue-tests.exe", L"--child work", folder.path()};
     }
 
     Texts queue()
@@ -123,19 +122,19 @@ protected:
     }
 
     support::TemporaryFolder folder;
-    std::unique_ptr<ChildProcess> store;
+    std::optional<ChildProcess> store;
     devhost::store::Client client{instance};
 };
 
 TEST_F(QueueTest, losesAndDoublesNothingBetweenTwoProcesses)
 {
     constexpr unsigned steps = 1000;
-    const std::unique_ptr<ChildProcess> workers[] = {startWorker("a", steps), startWorker("b", steps)};
+    const ChildProcess workers[] = {startWorker("a", steps), startWorker("b", steps)};
     std::ptrdiff_t expected = 0;
     Texts pushed;
-    for (const auto& worker : workers) {
-        ASSERT_EQ(worker->wait(), 0u) << worker->errors();
-        const auto notes = notesOf(*worker);
+    for (const ChildProcess& worker : workers) {
+        ASSERT_EQ(worker.wait(), 0u) << worker.errors();
+        const auto notes = notesOf(worker);
         ASSERT_EQ(notes.size(), steps);
         for (const Note& note : notes) {
             ASSERT_FALSE(note.outcome.empty());
@@ -170,13 +169,13 @@ TEST_F(QueueTest, holdsWhatWasDoneWhenProcessesAreKilled)
     // The server may carry out a dead process's last request a little later, so there may be two.
     std::set<Texts> possible{{}};
     for (unsigned round = 0; round < kills; ++round) {
-        const auto worker = startWorker("r" + std::to_string(round), 1'000'000);
+        auto worker = startWorker("r" + std::to_string(round), 1'000'000);
         // It is killed somewhere in its first steps.
         const std::size_t enough = random() % 6;
-        while (notesOf(*worker).size() <= enough)
-            ASSERT_FALSE(worker->wait(std::chrono::milliseconds(random() % 4))) << worker->errors();
-        worker->kill();
-        const auto notes = notesOf(*worker);
+        while (notesOf(worker).size() <= enough)
+            ASSERT_FALSE(worker.wait(std::chrono::milliseconds(random() % 4))) << worker.errors();
+        worker.kill();
+        const auto notes = notesOf(worker);
         steps += static_cast<unsigned>(notes.size());
         const bool cut = notes.back().outcome.empty();
         inFlight += cut;
@@ -194,7 +193,7 @@ TEST_F(QueueTest, holdsWhatWasDoneWhenProcessesAreKilled)
         const Texts left = queue();
         ASSERT_TRUE(acknowledged.contains(left) || late.contains(left))
             << "round " << round << ", left " << testing::PrintToString(left) << " after\n"
-            << worker->output();
+            << worker.output();
         possible = {left};
         if (cut && acknowledged.contains(left)) {
             Texts state = left;

@@ -18,7 +18,7 @@ TEST_F(ScanRoadTest, leadsFromTheStoreKeyToTheAcknowledgement)
     EXPECT_EQ(json::parse(list->asObject()).size(), 2u) << list->text();
     waitForLog("Tarnag agent finished successfully.", 2);
     const std::string start = lastLog("tarnag.exe start timestamp: ");
-    waitForNumber(lastScan, std::stoll(start.substr(start.find(": ") + 2)));
+    waitForValue(lastScan, Value::fromInt64(std::stoll(start.substr(start.find(": ") + 2))));
     EXPECT_NE(lastLog("Start reason is: "), "");
     EXPECT_EQ(lastLog("Start reason is: "), "Start reason is: 1");
     EXPECT_NE(lastLog("Starting process ").find("tarnag.exe. Arguments: "), std::string::npos);
@@ -69,7 +69,7 @@ TEST_F(ScanRoadTest, acknowledgesWithoutAnAgentWhileTheFeatureIsOff)
 {
     startHost();
     EXPECT_EQ(command("disable"), 0u);
-    waitForFlag(status + "enabled", false);
+    waitForValue(status + "enabled", Value::fromBool(false));
     const std::size_t starts = agentStarts();
     scan(7);
     EXPECT_EQ(agentStarts(), starts);
@@ -89,8 +89,8 @@ TEST_F(ScanRoadTest, runsOnceMoreForAnyNumberOfStartsDuringARun)
     setNumber(scanStart, 1);
     ASSERT_TRUE(gate.waitUntilStarted());
     const std::size_t requested = logCount("tarnag.exe start requested");
-    set(settings + "scanning.exclude_updates.by_type", devhost::store::Value::fromString("a"));
-    set(settings + "scanning.exclude_updates.by_rule", devhost::store::Value::fromString("b"));
+    client.set(settings + "scanning.exclude_updates.by_type", Value::fromString("a"));
+    client.set(settings + "scanning.exclude_updates.by_rule", Value::fromString("b"));
     waitForLog("tarnag.exe start requested", requested + 2);
     gate.release();
     waitForAgentEnds(3);

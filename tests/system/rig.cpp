@@ -10,13 +10,10 @@
 #include <windows.h>
 
 #include <atomic>
-#include <condition_variable>
-#include <mutex>
 
 namespace rig {
 
 using namespace std::chrono_literals;
-using devhost::store::Value;
 
 namespace {
 
@@ -30,35 +27,25 @@ std::string uniqueInstance()
 
 } // namespace
 
-Gate::Gate(const std::string& name) : m_name(name + "-" + std::to_string(GetCurrentProcessId()))
-{
-    m_started = CreateEventW(nullptr, TRUE, FALSE, vx::str::fromUtf8(m_name + "-started").c_str());
-    m_release = CreateEventW(nullptr, TRUE, FALSE, vx::str::fromUtf8(m_name + "-release").c_str());
-}
+Gate::Gate(const std::string& name)
+    : m_name(name + "-" + std::to_string(GetCurrentProcessId())),
+      m_started(CreateEventA(nullptr, TRUE, FALSE, (m_name + "-started").c_str())),
+      m_release(CreateEventA(nullptr, TRUE, FALSE, (m_name + "-release").c_str()))
+{}
 
-Gate::~Gate()
+nlohmann::json Gate::run() const
 {
-    SetEvent(m_release);
-    CloseHandle(m_started);
-    CloseHandle(m_release);
-}
-
-nlohmann::json Gate::run(nlohmann::json rest) const
-{
-    rest["startedEvent"] = m_name + "-started";
-    rest["waitForEvent"] = m_name + "-release";
-    return rest;
+    return {{"startedEvent", m_name + "-started"}, {"waitForEvent", m_name + "-release"}};
 }
 
 bool Gate::waitUntilStarted() const
 {
-    return WaitForSingleObject(m_started, static_cast<DWORD>(std::chrono::milliseconds(deadline).count())) ==
-           WAIT_OBJECT_0;
+    return WaitForSingleObject(m_started.get(), 30'000) == WAIT_OBJECT_0;
 }
 
 void Gate::release() const
 {
-    SetEvent(m_release);
+    SetEvent(m_release.get());
 }
 
 SystemTest::SystemTest() : instance(uniqueInstance()), client(vx::str::fromUtf8(instance))
@@ -66,8 +53,7 @@ SystemTest::SystemTest() : instance(uniqueInstance()), client(vx::str::fromUtf8(
     // The children inherit both: the log then lies in this test's folder.
     SetEnvironmentVariableW(L"ProgramData", (folder.path() / "ProgramData").c_str());
     SetEnvironmentVariableW(L"TARNHD_INSTANCE", vx::str::fromUtf8(instance).c_str());
-    m_log = std::make_unique<devhost::host::LogReader>(devhost::host::logLocation());
-    m_log->rewind();
+    m_log.emplace(devhost::host::logLocation()).rewind();
     std::filesystem::create_directories(folder.path() / "agent");
     installAgent();
     script({nlohmann::json::object()});
@@ -87,12 +73,11 @@ SystemTest::~SystemTest()
     }
 }
 
-std::unique_ptr<support::ChildProcess> SystemTest::start(const std::string& arguments, const std::string& outputName)
+support::ChildProcess SystemTest::start(const std::string& arguments, const std::string& outputName)
 {
     const auto output = folder.path() / outputName;
     std::filesystem::create_directories(output);
-    return std::make_unique<support::ChildProcess>(
-        L'"' + (support::programFolder() / "tarnhost.exe").wstring() + L"\" " + vx::str::fromUtf8(arguments), output);
+    return {"tarnhost.exe", vx::str::fromUtf8(arguments), output};
 }
 
 void SystemTest::startHost(Wait wait, const std::string& options)
@@ -100,7 +85,7 @@ void SystemTest::startHost(Wait wait, const std::string& options)
     const std::string storeOption = store ? "--no-store" : "--store \"" + (folder.path() / "store.json").string() + '"';
     const std::size_t started = logCount("Run processing");
     const std::size_t ends = logCount("Process finished with return code: ");
-    host = start("run " + storeOption + " " + options, "host");
+    host.emplace(start("run " + storeOption + " " + options, "host"));
     if (wait == Wait::No)
         return;
     waitForLog("Run processing", started + 1);
@@ -110,7 +95,7 @@ void SystemTest::startHost(Wait wait, const std::string& options)
 
 void SystemTest::startStoreAlone()
 {
-    store = start("store --file \"" + (folder.path() / "store.json").string() + '"', "store");
+    store.emplace(start("store --file \"" + (folder.path() / "store.json").string() + '"', "store"));
     ASSERT_TRUE(client.waitForServer(deadline));
 }
 
@@ -128,9 +113,8 @@ unsigned long SystemTest::stopHost()
 unsigned long SystemTest::command(const std::string& arguments)
 {
     const auto process = start(arguments, "command" + std::to_string(m_commands++));
-    const unsigned long code = process->wait().value_or(999);
-    std::printf(
-        "tarnhost %s: %lu %s%s\n", arguments.c_str(), code, process->output().c_str(), process->errors().c_str());
+    const unsigned long code = process.wait().value_or(999);
+    std::printf("tarnhost %s: %lu %s%s\n", arguments.c_str(), code, process.output().c_str(), process.errors().c_str());
     return code;
 }
 
@@ -141,11 +125,10 @@ void SystemTest::script(const std::vector<nlohmann::json>& runs)
 
 void SystemTest::installAgent()
 {
-    std::filesystem::copy_file(support::programFolder() / "tarnag.exe", folder.path() / "agent" / "tarnag.exe",
-        std::filesystem::copy_options::overwrite_existing);
     // The agent finds the store's client library beside itself, as it would where it is installed.
-    std::filesystem::copy_file(support::programFolder() / "vx_qrl_meridia_32.dll",
-        folder.path() / "agent" / "vx_qrl_meridia_32.dll", std::filesystem::copy_options::overwrite_existing);
+    for (const char* file : {"tarnag.exe", "vx_qrl_meridia_32.dll"})
+        std::filesystem::copy_file(support::programFolder() / file, folder.path() / "agent" / file,
+            std::filesystem::copy_options::overwrite_existing);
 }
 
 void SystemTest::removeAgent()
@@ -163,66 +146,25 @@ void SystemTest::waitForAgentEnds(std::size_t count)
     waitForLog("Process finished with return code: ", count);
 }
 
-void SystemTest::setNumber(const std::string& key, std::int64_t value)
-{
-    client.set(key, Value::fromInt64(value));
-}
-
-std::int64_t SystemTest::number(const std::string& key, std::int64_t fallback)
+std::int64_t SystemTest::number(const std::string& key)
 {
     const auto value = client.get(key);
-    return value ? value->asInt64() : fallback;
-}
-
-void SystemTest::waitForNumber(const std::string& key, std::int64_t value)
-{
-    waitForValue(key, key + " = " + std::to_string(value), [&] { return number(key, -99) == value; });
-}
-
-void SystemTest::waitForFlag(const std::string& key, bool value)
-{
-    waitForValue(key, key + (value ? " = true" : " = false"), [&] {
-        const auto stored = client.get(key);
-        return stored && stored->asBool() == value;
-    });
+    return value ? value->asInt64() : 0;
 }
 
 void SystemTest::scan(std::int64_t value)
 {
     setNumber(scanStart, value);
-    waitForNumber(scanAck, value);
+    waitForValue(scanAck, Value::fromInt64(value));
 }
 
-void SystemTest::waitForValue(
-    const std::string& key, const std::string& what, const Condition& condition, const std::function<void()>& nudge)
+void SystemTest::waitForValue(const std::string& key, const Value& value)
 {
-    struct State {
-        std::mutex mutex;
-        std::condition_variable changed;
-        unsigned changes = 0;
-    };
-    const auto state = std::make_shared<State>();
-    const auto id = client.subscribe(key, [state](const devhost::store::Change&) {
-        const std::lock_guard lock(state->mutex);
-        ++state->changes;
-        state->changed.notify_all();
-    });
-    const auto end = std::chrono::steady_clock::now() + deadline;
-    bool reached = condition();
-    for (unsigned seen = 0; !reached && std::chrono::steady_clock::now() < end; reached = condition()) {
-        std::unique_lock lock(state->mutex);
-        const bool changed = state->changed.wait_for(lock, 1s, [&] { return state->changes != seen; });
-        seen = state->changes;
-        lock.unlock();
-        if (!changed && nudge)
-            nudge();
-    }
-    client.unsubscribe(id);
-    if (!reached)
-        FAIL() << "never came: " << what << "; it is " << (client.get(key) ? client.get(key)->text() : "missing");
+    waitFor(folder.path(), key + " = " + value.text(), [&] { return client.get(key) == value; });
 }
 
-void SystemTest::waitFor(const std::filesystem::path& changing, const std::string& what, const Condition& condition)
+void SystemTest::waitFor(
+    const std::filesystem::path& changing, const std::string& what, const std::function<bool()>& condition)
 {
     std::filesystem::create_directories(changing);
     devhost::host::DirectoryWatch watch(changing);
@@ -263,11 +205,6 @@ std::string SystemTest::lastLog(const std::string& text)
         if (const auto at = line.find(text); at != std::string::npos)
             last = line.substr(at);
     return last;
-}
-
-bool SystemTest::hostRuns() const
-{
-    return host && !host->wait(0ms);
 }
 
 } // namespace rig

@@ -3,17 +3,20 @@
 #include "childprocess.h"
 #include "host/logreader.h"
 #include "store/client.h"
+#include "vxtl/handle.h"
 
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
 
 #include <cstdint>
 #include <functional>
-#include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
 namespace rig {
+
+using devhost::store::Value;
 
 inline const std::string settings = "windows.tarnpatch.";
 inline const std::string status = "status.windows.tarnpatch.";
@@ -28,19 +31,17 @@ inline const std::string lastScan = status + "scanning.last_scanning.timestamp";
 class Gate {
 public:
     explicit Gate(const std::string& name);
-    ~Gate();
-    Gate(const Gate&) = delete;
-    Gate& operator=(const Gate&) = delete;
+    ~Gate() { release(); }
 
     /// The script's members for a run that is held.
-    nlohmann::json run(nlohmann::json rest = nlohmann::json::object()) const;
+    nlohmann::json run() const;
     bool waitUntilStarted() const;
     void release() const;
 
 private:
-    std::string m_name;
-    void* m_started;
-    void* m_release;
+    const std::string m_name;
+    const vx::KernelHandle m_started;
+    const vx::KernelHandle m_release;
 };
 
 /// One system in a folder and an instance of its own: store, host with the plug-in, agent folder and log. Every
@@ -67,16 +68,12 @@ protected:
     std::size_t agentStarts() const;
     void waitForAgentEnds(std::size_t count);
 
-    void set(const std::string& key, const devhost::store::Value& value) { client.set(key, value); }
-    void setNumber(const std::string& key, std::int64_t value);
-    std::int64_t number(const std::string& key, std::int64_t fallback = 0);
-    void waitForNumber(const std::string& key, std::int64_t value);
-    void waitForFlag(const std::string& key, bool value);
-    /// Until the condition holds, looked at with each change of the key; without a change for a second `nudge` is
-    /// called.
-    using Condition = std::function<bool()>;
-    void waitForValue(const std::string& key, const std::string& what, const Condition& condition,
-        const std::function<void()>& nudge = {});
+    void setNumber(const std::string& key, std::int64_t value) { client.set(key, Value::fromInt64(value)); }
+    /// 0 for a missing one.
+    std::int64_t number(const std::string& key);
+    void waitForValue(const std::string& key, const Value& value);
+    /// What is waited for comes with a change in the folder.
+    void waitFor(const std::filesystem::path& folder, const std::string& what, const std::function<bool()>& condition);
     /// Writes start and waits for the same ack.
     void scan(std::int64_t value);
 
@@ -85,20 +82,18 @@ protected:
     std::size_t logCount(const std::string& text);
     /// The last line that holds the text, from the text on; empty when there is none.
     std::string lastLog(const std::string& text);
-    bool hostRuns() const;
 
     support::TemporaryFolder folder;
     const std::string instance;
     devhost::store::Client client;
-    std::unique_ptr<support::ChildProcess> host;
-    std::unique_ptr<support::ChildProcess> store;
+    std::optional<support::ChildProcess> host;
+    std::optional<support::ChildProcess> store;
 
 private:
-    void waitFor(const std::filesystem::path& changing, const std::string& what, const Condition& condition);
-    std::unique_ptr<support::ChildProcess> start(const std::string& arguments, const std::string& outputName);
+    support::ChildProcess start(const std::string& arguments, const std::string& outputName);
     const std::vector<std::string>& log();
 
-    std::unique_ptr<devhost::host::LogReader> m_log;
+    std::optional<devhost::host::LogReader> m_log;
     std::vector<std::string> m_lines;
     unsigned m_commands = 0;
 };

@@ -2,139 +2,106 @@
 #include "store/client.h"
 #include "store/server.h"
 
+#include <algorithm>
 #include <gmock/gmock.h>
-#include <nlohmann/json.hpp>
-#include <sstream>
 #include <windows.h>
 
 namespace {
 
-namespace store = devhost::store;
+using devhost::store::Client;
+using devhost::store::Server;
+using devhost::store::Value;
 using nlohmann::json;
-using support::ChildProcess;
-using testing::HasSubstr;
 
 constexpr unsigned long accessViolation = 0xC0000005;
+constexpr auto missingUpdates = "status.windows.tarnpatch.scanning.last_scanning.missing_updates";
+constexpr auto restartNeeded = "status.windows.tarnpatch.installation.last_installation.restart_computer_needed";
 
-/// Runs a copy of tarnag.exe in a folder of its own.
+/// Runs a copy of tarnag.exe in a folder of its own, on an instance of its own.
 class TarnagTest : public testing::Test {
 protected:
-    TarnagTest() { std::filesystem::copy_file(support::programFolder() / "tarnag.exe", folder.path() / "tarnag.exe"); }
+    TarnagTest()
+    {
+        for (const char* file : {"tarnag.exe", "vx_qrl_meridia_32.dll"})
+            std::filesystem::copy_file(support::programFolder() / file, folder.path() / file);
+        SetEnvironmentVariableW(L"TARNHD_INSTANCE", instance.c_str());
+    }
 
     void script(const std::string& text) { support::writeFile(folder.path() / "tarnag.script.json", text); }
 
-    std::unique_ptr<ChildProcess> start(const std::wstring& arguments = {})
+    support::ChildProcess start(const std::wstring& arguments = {})
     {
-        return std::make_unique<ChildProcess>(
-            L"\"" + (folder.path() / "tarnag.exe").native() + L"\" " + arguments, folder.path());
+        return {folder.path() / "tarnag.exe", arguments, folder.path()};
     }
 
-    /// Gives the agent the store's client library and an instance of its own.
-    std::wstring useStore()
+    /// "start" with the arguments, "end" with the code.
+    std::vector<std::string> journal() const
     {
-        const wchar_t* library = L"vx_qrl_meridia_32.dll";
-        std::filesystem::copy_file(support::programFolder() / library, folder.path() / library);
-        const auto instance = L"agent-test" + std::to_wstring(GetCurrentProcessId());
-        SetEnvironmentVariableW(L"TARNHD_INSTANCE", instance.c_str());
-        return instance;
-    }
-
-    unsigned long run(const std::wstring& arguments = {}) { return start(arguments)->wait().value_or(999); }
-
-    std::vector<json> journal() const
-    {
-        std::vector<json> entries;
-        std::istringstream lines(support::readFile(folder.path() / "tarnag.runs.jsonl"));
-        for (std::string line; std::getline(lines, line);)
-            entries.push_back(json::parse(line));
-        return entries;
+        std::vector<std::string> lines;
+        json pid;
+        for (const json& entry : support::parseLines(support::readFile(folder.path() / "tarnag.runs.jsonl"))) {
+            const bool starts = entry.at("event") == "start";
+            EXPECT_TRUE(starts || entry.at("pid") == pid);
+            pid = entry.at("pid");
+            lines.push_back(starts ? "start " + entry.at("arguments").dump() : "end " + entry.at("exit_code").dump());
+        }
+        return lines;
     }
 
     support::TemporaryFolder folder;
+    const std::wstring instance = folder.path().filename().wstring();
 };
 
 } // namespace
 
-TEST_F(TarnagTest, carriesOutOneEntryPerStart)
+TEST_F(TarnagTest, carriesOutAndListsOneEntryPerStart)
 {
-    script(R"({"runs": [{"exitCode": 8}, {"stdout": "hello"}, {"crash": true}, {"exitCode": 1025}]})");
-    EXPECT_EQ(run(), 8u);
-    const auto second = start();
-    EXPECT_EQ(second->wait(), 0u);
-    EXPECT_THAT(second->output(), HasSubstr("hello"));
-    EXPECT_EQ(run(), accessViolation);
-    EXPECT_EQ(run(), 1025u);
-    EXPECT_EQ(run(), 1025u);
-}
-
-TEST_F(TarnagTest, listsItsStartsWithTheProductsCommandLines)
-{
-    script(R"({"runs": [{"exitCode": 3}], "complete": [{"exitCode": 3, "idle": true}]})");
+    script(R"({"runs": [{"exitCode": 8}, {"crash": true}, {"exitCode": 1025}],
+        "complete": [{"stdout": "hello", "idle": true}]})");
     const struct {
         const wchar_t* arguments;
-        json listed;
+        unsigned long code;
+        const char* output;
     } rows[] = {
-        {L"", json::array()},
-        {L"-c complete", {"-c", "complete"}},
-        {L"--command=queue --severity=important", {"--command=queue", "--severity=important"}},
-        {L"--command=queue --severity=", {"--command=queue", "--severity="}},
+        {L"", 8, ""},
+        {L"-c complete", 0, "hello"},
+        {L"--command=queue --severity=important", accessViolation, ""},
+        {L"--command=queue --severity=", 1025, ""},
+        {L"", 1025, ""},
     };
     for (const auto& row : rows) {
-        EXPECT_EQ(run(row.arguments), 3u);
-        const auto entries = journal();
-        ASSERT_GE(entries.size(), 2u);
-        const auto& begin = entries[entries.size() - 2];
-        EXPECT_EQ(begin.at("event"), "start");
-        EXPECT_EQ(begin.at("arguments"), row.listed);
-        EXPECT_EQ(entries.back().at("exit_code"), 3);
-        EXPECT_EQ(entries.back().at("pid"), begin.at("pid"));
+        const auto agent = start(row.arguments);
+        EXPECT_EQ(agent.wait(), row.code);
+        EXPECT_THAT(agent.output(), testing::HasSubstr(row.output));
     }
+    EXPECT_THAT(journal(), testing::ElementsAre("start []", "end 8", R"(start ["-c","complete"])", "end 0",
+                               R"(start ["--command=queue","--severity=important"])",
+                               R"(start ["--command=queue","--severity="])", "end 1025", "start []", "end 1025"));
 }
 
-TEST_F(TarnagTest, waitsForTheEventItIsTold)
+TEST_F(TarnagTest, writesItsResultsToTheStoreAndFailsWithoutOne)
 {
-    const auto name = "tarnag-test-" + std::to_string(GetCurrentProcessId());
-    const auto go = CreateEventA(nullptr, TRUE, FALSE, (name + "-go").c_str());
-    const auto started = CreateEventA(nullptr, TRUE, FALSE, (name + "-started").c_str());
-    script(R"({"runs": [{"startedEvent": ")" + name + R"(-started", "waitForEvent": ")" + name +
-           R"(-go", "exitCode": 5}]})");
-    const auto agent = start();
-    EXPECT_EQ(WaitForSingleObject(started, 60'000), WAIT_OBJECT_0);
-    EXPECT_FALSE(agent->wait(std::chrono::milliseconds(0)));
-    EXPECT_EQ(journal().size(), 1u);
-    SetEvent(go);
-    EXPECT_EQ(agent->wait(), 5u);
-    CloseHandle(go);
-    CloseHandle(started);
-}
-
-TEST_F(TarnagTest, writesItsResultsToTheStore)
-{
-    const auto instance = useStore();
-    store::Server server((folder.path() / "store.json").native(), instance);
+    Server server((folder.path() / "store.json").native(), instance);
+    Client client(instance);
     server.start();
-    script(R"({"runs": [{"missingUpdates": [{"update_id": "A"}], "exitCode": 0, "set": {
-        "status.windows.tarnpatch.installation.last_installation.restart_computer_needed": true,
-        "windows.tarnpatch.scanning.automatic.polling_interval": 5, "x.text": "\u20ac"}}]})");
-    const auto agent = start();
-    EXPECT_EQ(agent->wait(), 0u) << agent->errors();
-    store::Client client(instance);
-    EXPECT_EQ(client.get("status.windows.tarnpatch.scanning.last_scanning.missing_updates"),
-        store::Value::fromObject(R"([{"update_id":"A"}])"));
-    EXPECT_EQ(client.get("status.windows.tarnpatch.installation.last_installation.restart_computer_needed"),
-        store::Value::fromBool(true));
-    EXPECT_EQ(client.get("windows.tarnpatch.scanning.automatic.polling_interval"), store::Value::fromInt32(5));
-    EXPECT_EQ(client.get("x.text"), store::Value::fromString("\xE2\x82\xAC"));
-}
+    EXPECT_EQ(start().wait(), 0u);
+    EXPECT_EQ(json::parse(client.get(missingUpdates)->asObject()).size(), 2u) << "the sample";
 
-TEST_F(TarnagTest, endsWithACodeOfItsOwnWithoutAStore)
-{
-    useStore();
-    script(R"({"runs": [{"missingUpdates": []}]})");
-    const auto agent = start();
-    EXPECT_EQ(agent->wait(), 21u);
-    EXPECT_THAT(agent->errors(), testing::StartsWith("tarnag: "));
-    EXPECT_EQ(journal().back().at("exit_code"), 21);
+    script(R"({"runs": [{"missingUpdates": [{"update_id": "A"}], "exitCode": 0, "set": {")" +
+           std::string(restartNeeded) + R"(": true,
+        "windows.tarnpatch.scanning.automatic.polling_interval": 5, "x.text": "\u20ac"}}]})");
+    const auto scan = start();
+    EXPECT_EQ(scan.wait(), 0u) << scan.errors();
+    EXPECT_EQ(client.get(missingUpdates), Value::fromObject(R"([{"update_id":"A"}])"));
+    EXPECT_EQ(client.get(restartNeeded), Value::fromBool(true));
+    EXPECT_EQ(client.get("windows.tarnpatch.scanning.automatic.polling_interval"), Value::fromInt32(5));
+    EXPECT_EQ(client.get("x.text"), Value::fromString("\xE2\x82\xAC"));
+
+    server.stop();
+    const auto lost = start();
+    EXPECT_EQ(lost.wait(), 21u);
+    EXPECT_THAT(lost.errors(), testing::StartsWith("tarnag: "));
+    EXPECT_EQ(journal().back(), "end 21");
 }
 
 TEST_F(TarnagTest, refusesABadScriptOrCommandLineWithOneLine)
@@ -142,8 +109,8 @@ TEST_F(TarnagTest, refusesABadScriptOrCommandLineWithOneLine)
     script("{\"runs\": 1}");
     for (const auto* arguments : {L"", L"--frob", L"--script C:\\missing.json"}) {
         const auto agent = start(arguments);
-        EXPECT_EQ(agent->wait(), 2u);
-        EXPECT_THAT(agent->errors(), testing::StartsWith("tarnag: "));
-        EXPECT_EQ(std::ranges::count(agent->errors(), '\n'), 1) << agent->errors();
+        EXPECT_EQ(agent.wait(), 2u);
+        EXPECT_THAT(agent.errors(), testing::StartsWith("tarnag: "));
+        EXPECT_EQ(std::ranges::count(agent.errors(), '\n'), 1) << agent.errors();
     }
 }

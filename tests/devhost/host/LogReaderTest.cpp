@@ -2,9 +2,10 @@
 
 #include "childprocess.h"
 
+#include <fstream>
 #include <gmock/gmock.h>
+#include <sstream>
 #include <thread>
-#include <windows.h>
 
 namespace devhost::host {
 
@@ -13,135 +14,94 @@ namespace {
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-/// Writes and rotates as the logger does: the file stays open and is renamed by its name.
+/// Writes and rotates as the logger does: the file stays open until it is renamed.
 class LogWriter {
 public:
     explicit LogWriter(std::filesystem::path file, unsigned rotateCount = 2)
         : m_current(std::move(file)), m_rotateCount(rotateCount)
     {}
-    ~LogWriter() { close(); }
 
-    void raw(const std::wstring& text)
+    void raw(const std::u16string& text)
     {
-        if (m_file == INVALID_HANDLE_VALUE)
-            open();
-        DWORD written = 0;
-        WriteFile(m_file, text.data(), static_cast<DWORD>(text.size() * sizeof(wchar_t)), &written, nullptr);
+        if (!m_stream.is_open()) {
+            m_stream.open(m_current, std::ios::binary | std::ios::app);
+            raw(u"\uFEFF");
+        }
+        m_stream.write(reinterpret_cast<const char*>(text.data()), static_cast<std::streamsize>(text.size() * 2));
+        m_stream.flush();
     }
 
-    void line(const std::wstring& text) { raw(text + L"\r\n"); }
+    void line(const std::string& text) { raw(std::u16string(text.begin(), text.end()) + u"\r\n"); }
 
     void rotate()
     {
-        close();
-        DeleteFileW(name(m_rotateCount).c_str());
-        for (unsigned index = m_rotateCount; index-- > 0;)
-            MoveFileExW(name(index).c_str(), name(index + 1).c_str(), MOVEFILE_REPLACE_EXISTING);
+        m_stream.close();
+        for (unsigned index = m_rotateCount + 1; index-- > 0;)
+            moveUp(index);
+        std::filesystem::remove(LogReader::fileName(m_current, m_rotateCount + 1));
     }
 
-    std::filesystem::path name(unsigned index) const { return LogReader::fileName(m_current, index); }
+    /// Gives one file the next number.
+    void moveUp(unsigned index)
+    {
+        std::error_code ignored; // of numbers that are not there yet
+        rename(LogReader::fileName(m_current, index), LogReader::fileName(m_current, index + 1), ignored);
+    }
 
 private:
-    void open()
-    {
-        m_file = CreateFileW(m_current.c_str(), GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
-            nullptr, OPEN_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr);
-        if (GetLastError() != ERROR_ALREADY_EXISTS)
-            raw(L"\xFEFF");
-        SetFilePointer(m_file, 0, nullptr, FILE_END);
-    }
-
-    void close()
-    {
-        if (m_file != INVALID_HANDLE_VALUE)
-            CloseHandle(m_file);
-        m_file = INVALID_HANDLE_VALUE;
-    }
-
     std::filesystem::path m_current;
     unsigned m_rotateCount;
-    HANDLE m_file = INVALID_HANDLE_VALUE;
-};
-
-class LogReaderTest : public testing::Test {
-protected:
-    support::TemporaryFolder folder;
-    const std::filesystem::path file = folder.path() / "sample.log";
-    LogWriter writer{file};
-    LogReader reader{file};
+    std::ofstream m_stream;
 };
 
 } // namespace
 
-TEST_F(LogReaderTest, tellsCompleteLinesOnce)
+TEST(LogReader, tellsCompleteLinesOnce)
 {
+    const support::TemporaryFolder folder;
+    LogReader reader(folder.path() / "sample.log");
+    LogWriter writer(folder.path() / "sample.log");
     EXPECT_THAT(reader.read(), IsEmpty());
-    writer.line({});
-    writer.line(L"first \u00e4\u20ac");
-    writer.raw(L"sec");
+    writer.raw(u"\r\nfirst \u00e4\u20ac\r\nsec");
     EXPECT_THAT(reader.read(), ElementsAre("", "first \xC3\xA4\xE2\x82\xAC"));
-    writer.line(L"ond");
+    writer.line("ond");
     EXPECT_THAT(reader.read(), ElementsAre("second"));
     EXPECT_THAT(reader.read(), IsEmpty());
 }
 
-TEST_F(LogReaderTest, goesOnInTheNewFile)
+TEST(LogReader, followsRotations)
 {
-    writer.line(L"a");
-    reader.read();
-    writer.line(L"b");
-    writer.rotate();
-    EXPECT_THAT(reader.read(), ElementsAre("b"));
-    writer.line(L"c");
-    EXPECT_THAT(reader.read(), ElementsAre("c"));
-}
-
-TEST_F(LogReaderTest, catchesUpOverSeveralRotations)
-{
-    writer.line(L"a");
-    reader.read();
-    writer.line(L"b");
-    for (const auto* text : {L"c", L"d"}) {
-        writer.rotate();
-        writer.line(text);
+    // +a appends the line a, | rotates, ^1 moves only file 1, < rewinds, =a,b reads these lines and no others.
+    const struct {
+        const char* label;
+        const char* steps;
+    } rows[] = {
+        {"goes on in the new file", "+a =a, +b | =b, +c =c,"},
+        {"catches up over several rotations", "+a =a, +b | +c | +d =b,c,d,"},
+        {"tells what is left when its file is gone", "+a =a, | +b | +c | +d | +e =c,d,e,"},
+        {"starts with the oldest file after a rewind, the current one missing", "+a | +b | < =a,b, +c =c,"},
+        {"waits for a rotation that is half done", "+a | +b < ^1 =a,b, ^0 ="},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.label);
+        const support::TemporaryFolder folder;
+        LogWriter writer(folder.path() / "sample.log");
+        LogReader reader(folder.path() / "sample.log");
+        std::istringstream steps(row.steps);
+        for (std::string step; steps >> step;) {
+            switch (step[0]) {
+            case '+': writer.line(step.substr(1)); break;
+            case '|': writer.rotate(); break;
+            case '^': writer.moveUp(static_cast<unsigned>(step[1] - '0')); break;
+            case '<': reader.rewind(); break;
+            default:
+                std::string told;
+                for (const auto& line : reader.read())
+                    told += line + ",";
+                EXPECT_EQ("=" + told, step);
+            }
+        }
     }
-    EXPECT_THAT(reader.read(), ElementsAre("b", "c", "d"));
-}
-
-TEST_F(LogReaderTest, tellsWhatIsLeftWhenItsFileIsGone)
-{
-    writer.line(L"a");
-    reader.read();
-    for (const auto* text : {L"b", L"c", L"d", L"e"}) {
-        writer.rotate();
-        writer.line(text);
-    }
-    EXPECT_THAT(reader.read(), ElementsAre("c", "d", "e"));
-}
-
-TEST_F(LogReaderTest, startsWithTheOldestFileAfterRewind)
-{
-    writer.line(L"a");
-    writer.rotate();
-    writer.line(L"b");
-    writer.rotate();
-    reader.rewind(); // the current file is missing at this moment
-    EXPECT_THAT(reader.read(), ElementsAre("a", "b"));
-    writer.line(L"c");
-    EXPECT_THAT(reader.read(), ElementsAre("c"));
-}
-
-TEST_F(LogReaderTest, waitsForARotationThatIsHalfDone)
-{
-    writer.line(L"a");
-    writer.rotate();
-    writer.line(L"b");
-    reader.rewind();
-    std::filesystem::rename(writer.name(1), writer.name(2));
-    // The newer file still bears its old number.
-    EXPECT_THAT(reader.read(), ElementsAre("a", "b"));
-    std::filesystem::rename(writer.name(0), writer.name(1));
-    EXPECT_THAT(reader.read(), IsEmpty());
 }
 
 TEST(LogReaderRace, losesAndDoublesNothingWhileAnotherThreadRotates)
@@ -155,7 +115,7 @@ TEST(LogReaderRace, losesAndDoublesNothingWhileAnotherThreadRotates)
         for (int i = 0; i < count; ++i) {
             if (i % 40 == 39)
                 writer.rotate();
-            writer.line(std::to_wstring(i));
+            writer.line(std::to_string(i));
         }
     });
     LogReader reader(file);

@@ -13,32 +13,26 @@ namespace {
 
 using namespace std::chrono_literals;
 
-template <typename Function>
-Function testExport(const char* name)
-{
-    return reinterpret_cast<Function>(
-        reinterpret_cast<void*>(GetProcAddress(GetModuleHandleW(L"host-test-plugin.dll"), name)));
-}
-
 class PluginSessionTest : public testing::Test {
 protected:
     PluginSession makeSession(const char* name = "sample", std::uint32_t size = 36)
     {
-        return PluginSession(library, name, size,
-            {[this](const std::string& plugin, std::uint32_t state) {
-                 reports.push_back(plugin + " " + std::to_string(state));
-                 if (state == 1)
-                     started.set();
-             },
-                [this](std::uint32_t code) { ended = code; }});
+        const auto onState = [this](const std::string&, std::uint32_t state) {
+            if (state == 1)
+                started.set();
+        };
+        return PluginSession(library, name, size, {onState, [](std::uint32_t) {}});
     }
 
-    static std::string calls() { return testExport<const char* (*)()>("testPluginCalls")(); }
+    static std::string calls()
+    {
+        void* function =
+            reinterpret_cast<void*>(GetProcAddress(GetModuleHandleW(L"host-test-plugin.dll"), "testPluginCalls"));
+        return reinterpret_cast<const char* (*)()>(function)();
+    }
 
     const std::filesystem::path library = support::programFolder() / "host-test-plugin.dll";
-    std::vector<std::string> reports;
     Signal started;
-    std::optional<std::uint32_t> ended;
 };
 
 std::string failureOf(const std::function<void()>& action)
@@ -52,23 +46,6 @@ std::string failureOf(const std::function<void()>& action)
 }
 
 } // namespace
-
-TEST_F(PluginSessionTest, runsThePluginAndUnloadsIt)
-{
-    {
-        auto session = makeSession();
-        session.start();
-        ASSERT_TRUE(started.wait(60'000));
-        EXPECT_FALSE(session.waitForEnd(0ms));
-        EXPECT_EQ(session.stop(), 0u);
-        EXPECT_EQ(session.waitForEnd(30s), 7u);
-        EXPECT_EQ(calls(), "initialize 36;main;stop;");
-        EXPECT_TRUE(session.isRecordIntact());
-    }
-    EXPECT_THAT(reports, testing::ElementsAre("sample 1", "sample 0"));
-    EXPECT_EQ(ended, 7u);
-    EXPECT_FALSE(PluginLoader::isLoaded(library));
-}
 
 TEST_F(PluginSessionTest, callsWhatEachSizeOfRecordKnows)
 {
@@ -103,7 +80,6 @@ TEST_F(PluginSessionTest, saysWhatIsWrongWithALibrary)
 {
     EXPECT_THAT(failureOf([&] { makeSession("refuse"); }), testing::HasSubstr("refused to initialise: result 1"));
     EXPECT_FALSE(PluginLoader::isLoaded(library));
-    EXPECT_THAT(failureOf([] { PluginLoader(L"C:\\missing\\plugin.dll"); }), testing::StartsWith("cannot load C:\\"));
     wchar_t folder[MAX_PATH];
     GetSystemDirectoryW(folder, MAX_PATH);
     EXPECT_THAT(failureOf([&] { PluginLoader(std::filesystem::path(folder) / "version.dll"); }),

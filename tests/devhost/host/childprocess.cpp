@@ -26,45 +26,45 @@ HANDLE createInheritable(const std::filesystem::path& path)
 
 } // namespace
 
-ChildProcess::ChildProcess(const std::wstring& commandLine, const std::filesystem::path& outputFolder)
-    : m_outputFile(uniqueFile(outputFolder, ".out")), m_errorFile(uniqueFile(outputFolder, ".err")), m_process(nullptr)
+ChildProcess::ChildProcess(
+    const std::filesystem::path& program, const std::wstring& arguments, const std::filesystem::path& outputFolder)
+    : m_outputFile(uniqueFile(outputFolder, ".out")), m_errorFile(uniqueFile(outputFolder, ".err"))
 {
+    const vx::KernelHandle output(createInheritable(m_outputFile));
+    const vx::KernelHandle errors(createInheritable(m_errorFile));
     STARTUPINFOW startup{};
     startup.cb = sizeof(startup);
     startup.dwFlags = STARTF_USESTDHANDLES;
-    startup.hStdOutput = createInheritable(m_outputFile);
-    startup.hStdError = createInheritable(m_errorFile);
+    startup.hStdOutput = output.get();
+    startup.hStdError = errors.get();
     PROCESS_INFORMATION information{};
-    auto line = commandLine;
-    if (CreateProcessW(nullptr, line.data(), nullptr, nullptr, TRUE, 0, nullptr, nullptr, &startup, &information)) {
-        CloseHandle(information.hThread);
-        m_process = information.hProcess;
-    } else {
-        ADD_FAILURE() << "cannot start a program: error " << GetLastError();
-    }
-    CloseHandle(startup.hStdOutput);
-    CloseHandle(startup.hStdError);
+    auto line = L'"' + (programFolder() / program).native() + L"\" " + arguments;
+    EXPECT_TRUE(
+        CreateProcessW(nullptr, line.data(), nullptr, nullptr, TRUE, 0, nullptr, nullptr, &startup, &information))
+        << "cannot start a program: error " << GetLastError();
+    CloseHandle(information.hThread);
+    m_process = std::make_unique<vx::KernelHandle>(information.hProcess);
 }
 
 ChildProcess::~ChildProcess()
 {
-    kill();
-    CloseHandle(m_process);
+    if (m_process)
+        kill();
 }
 
 void ChildProcess::kill()
 {
     if (!wait(std::chrono::milliseconds(0))) {
-        TerminateProcess(m_process, 1);
-        WaitForSingleObject(m_process, INFINITE);
+        TerminateProcess(m_process->get(), 1);
+        WaitForSingleObject(m_process->get(), INFINITE);
     }
 }
 
-std::optional<unsigned long> ChildProcess::wait(std::chrono::milliseconds timeout)
+std::optional<unsigned long> ChildProcess::wait(std::chrono::milliseconds timeout) const
 {
     DWORD code = 0;
-    if (WaitForSingleObject(m_process, static_cast<DWORD>(timeout.count())) != WAIT_OBJECT_0 ||
-        !GetExitCodeProcess(m_process, &code))
+    if (WaitForSingleObject(m_process->get(), static_cast<DWORD>(timeout.count())) != WAIT_OBJECT_0 ||
+        !GetExitCodeProcess(m_process->get(), &code))
         return std::nullopt;
     return code;
 }
@@ -106,6 +106,15 @@ std::string readFile(const std::filesystem::path& path)
     std::ostringstream text;
     text << file.rdbuf();
     return text.str();
+}
+
+std::vector<nlohmann::json> parseLines(const std::string& text)
+{
+    std::vector<nlohmann::json> values;
+    std::istringstream lines(text);
+    for (std::string line; std::getline(lines, line);)
+        values.push_back(nlohmann::json::parse(line));
+    return values;
 }
 
 void writeFile(const std::filesystem::path& path, const std::string& text)

@@ -1,23 +1,28 @@
 #pragma once
 
+#include "vxtl/handle.h"
+
 #include <chrono>
 #include <filesystem>
+#include <memory>
+#include <nlohmann/json.hpp>
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace support {
 
 /// A program started by a test, with its output collected in files. Killed at destruction if it still runs.
 class ChildProcess {
 public:
-    /// `commandLine` is the whole line, program first.
-    ChildProcess(const std::wstring& commandLine, const std::filesystem::path& outputFolder);
+    /// `program` is a full path, or a name in the programs' folder.
+    ChildProcess(
+        const std::filesystem::path& program, const std::wstring& arguments, const std::filesystem::path& outputFolder);
     ~ChildProcess();
-    ChildProcess(const ChildProcess&) = delete;
-    ChildProcess& operator=(const ChildProcess&) = delete;
+    ChildProcess(ChildProcess&& other) = default;
 
     /// The exit code; nothing when it has not ended within the time.
-    std::optional<unsigned long> wait(std::chrono::milliseconds timeout = std::chrono::seconds(60));
+    std::optional<unsigned long> wait(std::chrono::milliseconds timeout = std::chrono::seconds(60)) const;
     /// Ends it as a crash would, if it still runs.
     void kill();
     std::string output() const;
@@ -26,7 +31,7 @@ public:
 private:
     std::filesystem::path m_outputFile;
     std::filesystem::path m_errorFile;
-    void* m_process;
+    std::unique_ptr<vx::KernelHandle> m_process;
 };
 
 /// The folder of the running test program, where all programs of the build are.
@@ -47,6 +52,8 @@ private:
 };
 
 std::string readFile(const std::filesystem::path& path);
+/// A JSON value per line.
+std::vector<nlohmann::json> parseLines(const std::string& text);
 void writeFile(const std::filesystem::path& path, const std::string& text);
 
 } // namespace support

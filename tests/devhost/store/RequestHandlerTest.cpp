@@ -44,6 +44,7 @@ TEST_F(RequestHandlerTest, refusesWhatIsNotARequest)
     const struct {
         const char* request;
         ErrorCode code;
+        Role role = Role::Application;
     } rows[] = {
         {"", ErrorCode::InvalidParameter},
         {"[]", ErrorCode::InvalidParameter},
@@ -51,27 +52,28 @@ TEST_F(RequestHandlerTest, refusesWhatIsNotARequest)
         {R"({"op":"get","name":""})", ErrorCode::InvalidParameter},
         {R"({"op":"get","name":7})", ErrorCode::InvalidParameter},
         {R"({"op":"set","name":"a*","type":"bool","value":true})", ErrorCode::InvalidParameter},
+        {R"({"op":"set","name":"a","type":"bool","value":1})", ErrorCode::InvalidParameter},
+        {R"({"op":"set","name":"a","type":"int32","value":4294967296})", ErrorCode::InvalidParameter},
+        {R"({"op":"set","name":"a","type":"int32","value":1.5})", ErrorCode::InvalidParameter},
+        {R"({"op":"set","name":"a","type":"int64","value":9223372036854775808})", ErrorCode::InvalidParameter},
+        {R"({"op":"set","name":"a","type":"string","value":1})", ErrorCode::InvalidParameter},
+        {R"({"op":"set","name":"a","type":"object","value":{}})", ErrorCode::InvalidParameter},
         {R"({"op":"set","name":"a","type":"object","value":"{"})", ErrorCode::InvalidParameter},
+        {R"({"op":"set","name":"a","type":"double","value":1})", ErrorCode::InvalidParameter},
+        {R"({"op":"set","name":"a","value":1})", ErrorCode::InvalidParameter},
         {R"({"op":"jump"})", ErrorCode::NotAllowed},
         {R"({"op":"plan","refuse":true})", ErrorCode::NotAllowed},
+        {R"({"op":"plan","faults":[{"operation":"write"}]})", ErrorCode::InvalidParameter, Role::Tool},
+        {R"({"op":"plan","faults":[{"operation":"set","code":0}]})", ErrorCode::InvalidParameter, Role::Tool},
+        {R"({"op":"plan","delayMs":"long"})", ErrorCode::InvalidParameter, Role::Tool},
         {R"({"op":"get","name":"missing"})", ErrorCode::NotFound},
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(row.request);
-        const json reply = json::parse(handler.handle(row.request, Role::Application));
+        const json reply = json::parse(handler.handle(row.request, row.role));
         EXPECT_EQ(reply.at("code"), static_cast<int>(row.code));
     }
     EXPECT_EQ(saved, "");
-}
-
-TEST_F(RequestHandlerTest, keepsAValuesTypeUntilItIsRemoved)
-{
-    const json text{{"op", "set"}, {"name", "a"}, {"type", "string"}, {"value", "x"}};
-    EXPECT_EQ(set("a", 1), 0);
-    EXPECT_EQ(call(text).at("code"), 11);
-    EXPECT_EQ(call({{"op", "remove"}, {"name", "a"}}).at("code"), 0);
-    EXPECT_EQ(call({{"op", "remove"}, {"name", "a"}}).at("code"), 10);
-    EXPECT_EQ(call(text).at("code"), 0);
 }
 
 TEST_F(RequestHandlerTest, keepsTheOldValueWhenTheFileCannotBeWritten)
@@ -123,18 +125,6 @@ TEST_F(RequestHandlerTest, catchesUpWhatChangedWhileASubscriberWasAway)
         SCOPED_TRACE(row.name + row.known.dump());
         EXPECT_EQ(attach({{row.name, row.known}})->take().size(), row.told ? 1U : 0U);
     }
-}
-
-TEST_F(RequestHandlerTest, givesBackWhatItSaved)
-{
-    set("a", -5);
-    call({{"op", "set"}, {"name", "o"}, {"type", "object"}, {"value", "{ \"b\": 1.10, \"a\": \"\\u00e9\" }"}});
-    RequestHandler again{ValueStore::parse(saved), [](const std::string&) {}};
-    const json reply = json::parse(again.handle(R"({"op":"list"})", Role::Tool));
-    EXPECT_EQ(reply.at("values").at("a").at("value"), -5);
-    EXPECT_EQ(reply.at("values").at("o").at("value"), "{ \"b\": 1.10, \"a\": \"\\u00e9\" }");
-    for (const std::size_t length : {std::size_t{0}, saved.size() / 2, saved.size() - 3})
-        EXPECT_THROW(ValueStore::parse(saved.substr(0, length)), StoreException) << length;
 }
 
 TEST_F(RequestHandlerTest, servesManyThreadsAtOnce)

@@ -1,56 +1,28 @@
 #pragma once
 
+#include "childprocess.h"
 #include "store/client.h"
 #include "store/server.h"
-#include "vxtl/handle.h"
+#include "support/record.h"
 
-#include <chrono>
-#include <condition_variable>
-#include <gtest/gtest.h>
-#include <mutex>
-#include <string>
-#include <vector>
-
-constexpr std::chrono::seconds deadline{30};
-
-/// Collects changes.
-class Heard {
-public:
-    void add(const std::string& name);
-    std::size_t count();
-    /// False after the deadline.
-    bool await(std::size_t count);
-
-private:
-    std::mutex m_mutex;
-    std::condition_variable m_changed;
-    std::vector<std::string> m_names;
-};
+#include <gmock/gmock.h>
 
 /// A folder and an instance of its own for each test, and a server that is not started yet.
 struct StoreTest : testing::Test {
-    StoreTest();
-    ~StoreTest() override;
+    /// Another process, on the same instance or on a neighbour of it.
+    support::ChildProcess tarnhost(const std::wstring& arguments, const std::wstring& suffix = {}) const
+    {
+        return {"tarnhost.exe", L"--instance " + instance + suffix + L" " + arguments, folder.path()};
+    }
 
-    /// This program again, with arguments; see main.cpp.
-    vx::SharedHandle startChild(const std::wstring& arguments);
-    void writeFile(const std::string& content) const;
-    std::string readFile() const;
-
-    std::wstring instance;
-    std::wstring folder;
-    std::wstring file;
-    devhost::store::Server server;
-    Heard heard; ///< of callbacks, so it outlives the clients
-    devhost::store::Client tool;
-    devhost::store::Client client;
-
-private:
-    std::vector<vx::SharedHandle> m_children; ///< killed at the end, if a failed test has not done so
+    support::TemporaryFolder folder;
+    const std::wstring instance = folder.path().filename().wstring();
+    const std::filesystem::path file = folder.path() / "sub" / "store.json";
+    devhost::store::Server server{file.wstring(), instance};
+    support::Record heard; ///< by callbacks, so it outlives the clients
+    devhost::store::Client tool{instance};
+    devhost::store::Client client{instance, devhost::store::Role::Application};
 };
-
-void killChild(const vx::SharedHandle& process);
-unsigned long awaitChild(const vx::SharedHandle& process);
 
 /// The code that an operation ends with.
 template <typename Operation>

@@ -23,30 +23,23 @@ int setEvent()
     return openEvent(EVENT_MODIFY_STATE, ChildTest::argument(), false)->set() ? 0 : 1;
 }
 
-TEST(Event, startsAsAskedAndResetsAsAsked)
+TEST(Event, isOfTheKindThatIsAskedFor)
 {
-    const auto automatic = Event::createAutoResetEvent({}, false);
-    EXPECT_FALSE(isSet(*automatic));
-    EXPECT_TRUE(automatic->set());
-    EXPECT_TRUE(isSet(*automatic));
-    EXPECT_FALSE(isSet(*automatic));
-    const auto manual = Event::createManualResetEvent({}, false);
-    EXPECT_FALSE(isSet(*manual));
-    EXPECT_TRUE(manual->set());
-    EXPECT_TRUE(isSet(*manual) && isSet(*manual));
-    EXPECT_TRUE(manual->reset());
-    EXPECT_FALSE(isSet(*manual));
+    for (const bool manual : {false, true})
+        for (const bool inherit : {false, true}) {
+            const auto event =
+                manual ? Event::createManualResetEvent({}, inherit) : Event::createAutoResetEvent({}, inherit);
+            EXPECT_FALSE(isSet(*event));
+            EXPECT_TRUE(event->set());
+            EXPECT_TRUE(isSet(*event));
+            EXPECT_EQ(isSet(*event), manual);
+            EXPECT_TRUE(event->reset());
+            EXPECT_FALSE(isSet(*event));
+            DWORD flags = 0;
+            ASSERT_TRUE(GetHandleInformation(event->getHandle(), &flags));
+            EXPECT_EQ((flags & HANDLE_FLAG_INHERIT) != 0, inherit);
+        }
     EXPECT_TRUE(isSet(*createEvent(true, true, {}, false)));
-}
-
-TEST(Event, handsItsHandleDownOnlyWhenAsked)
-{
-    for (const bool inherit : {false, true}) {
-        DWORD flags = 0;
-        const auto event = Event::createManualResetEvent({}, inherit);
-        ASSERT_TRUE(GetHandleInformation(event->getHandle(), &flags));
-        EXPECT_EQ((flags & HANDLE_FLAG_INHERIT) != 0, inherit);
-    }
 }
 
 TEST(Event, reachesOtherProcessesByName)
@@ -60,22 +53,15 @@ TEST(Event, reachesOtherProcessesByName)
 
 TEST(Event, failsWithTheSystemsCode)
 {
+    using namespace testing;
+    const auto codeIs = [](unsigned long code) { return Property(&Win32Exception::code, code); };
     support::LogCapture log;
     const std::wstring name = support::uniqueName(L"EventTest");
-    try {
-        openEvent(SYNCHRONIZE, name, false);
-        ADD_FAILURE();
-    } catch (const Win32Exception& e) {
-        EXPECT_EQ(e.code(), static_cast<unsigned long>(ERROR_FILE_NOT_FOUND));
-    }
+    EXPECT_THAT([&] { openEvent(SYNCHRONIZE, name, false); }, Throws<Win32Exception>(codeIs(ERROR_FILE_NOT_FOUND)));
     const KernelHandle mutex(CreateMutexW(nullptr, FALSE, name.c_str()));
-    try {
-        createEvent(true, false, name, false);
-        ADD_FAILURE();
-    } catch (const Win32Exception& e) {
-        EXPECT_EQ(e.code(), static_cast<unsigned long>(ERROR_INVALID_HANDLE));
-        EXPECT_NE(std::string(e.what()).find("Function: vx::tarn::common::createEvent,"), std::string::npos);
-    }
+    EXPECT_THAT([&] { createEvent(true, false, name, false); },
+        Throws<Win32Exception>(AllOf(codeIs(ERROR_INVALID_HANDLE),
+            Property(&std::exception::what, HasSubstr("Function: vx::tarn::common::createEvent,")))));
     EXPECT_TRUE(log.has(2, "Failed to create event: EventTest-")) << log.text();
 }
 

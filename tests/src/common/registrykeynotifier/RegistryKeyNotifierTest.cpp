@@ -4,7 +4,7 @@
 #include "vxtl/registry.h"
 #include "vxtl/win32exception.h"
 
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 #include <windows.h>
 
 namespace vx::tarn::common {
@@ -46,22 +46,16 @@ TEST_F(RegistryKeyNotifierTest, tellsOncePerRequest)
 
 TEST_F(RegistryKeyNotifierTest, throwsWhereNothingIsOpen)
 {
-    const auto functionOf = [](auto operation, unsigned long code) {
-        try {
-            operation();
-        } catch (const Win32Exception& e) {
-            EXPECT_EQ(e.code(), code);
-            const std::string text = e.what();
-            return text.substr(text.find("Function: "), text.find(", File") - text.find("Function: "));
-        }
-        return std::string("nothing thrown");
+    using namespace testing;
+    const auto fails = [](unsigned long code, const std::string& function) {
+        return Throws<Win32Exception>(AllOf(Property(&Win32Exception::code, code),
+            Property(&std::exception::what,
+                HasSubstr("Function: vx::tarn::common::RegistryKeyNotifier::" + function + ", File"))));
     };
-    EXPECT_EQ(functionOf([&] { m_notifier.initialize(HKEY_CURRENT_USER, L"Software\\No such key", KEY_NOTIFY); },
-                  ERROR_FILE_NOT_FOUND),
-        "Function: vx::tarn::common::RegistryKeyNotifier::initialize");
-    EXPECT_EQ(
-        functionOf([&] { m_notifier.notifyChangeKeyValue(REG_NOTIFY_CHANGE_NAME, *m_event); }, ERROR_INVALID_HANDLE),
-        "Function: vx::tarn::common::RegistryKeyNotifier::notifyChangeKeyValue");
+    EXPECT_THAT([&] { m_notifier.initialize(HKEY_CURRENT_USER, L"Software\\No such key", KEY_NOTIFY); },
+        fails(ERROR_FILE_NOT_FOUND, "initialize"));
+    EXPECT_THAT([&] { m_notifier.notifyChangeKeyValue(REG_NOTIFY_CHANGE_NAME, *m_event); },
+        fails(ERROR_INVALID_HANDLE, "notifyChangeKeyValue"));
     EXPECT_TRUE(m_notifier.initialize(HKEY_CURRENT_USER, path, KEY_NOTIFY)) << "a failure leaves it closed";
 }
 

@@ -1,6 +1,6 @@
 #include "common/serviceoperation.h"
 
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 
 #include <stdexcept>
 
@@ -9,12 +9,8 @@ namespace {
 
 void expectNothingToWaitOn(ServiceOperation& operation)
 {
-    try {
-        operation.wait();
-        ADD_FAILURE();
-    } catch (const std::logic_error& e) {
-        EXPECT_STREQ(e.what(), "Subsequent call to wait");
-    }
+    EXPECT_THAT(
+        [&] { operation.wait(); }, testing::ThrowsMessage<std::logic_error>(testing::StrEq("Subsequent call to wait")));
 }
 
 TEST(ServiceOperation, waitsOnceOnly)

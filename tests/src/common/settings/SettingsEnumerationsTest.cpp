@@ -1,54 +1,32 @@
 #include "common/settingsenumerations.h"
 
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 #include <stdexcept>
 
 using namespace vx::tarn;
 
 namespace {
 
-template <typename Call>
-std::string failureOf(Call call)
+auto invalid(const std::string& message)
 {
-    try {
-        call();
-    } catch (const std::invalid_argument& error) {
-        return error.what();
-    }
-    return "no failure";
-}
-
-struct NumberCase {
-    const wchar_t* text;
-    int number;
-    int (*convert)(const std::wstring& text);
-};
-
-template <auto Convert>
-int numberOf(const std::wstring& text)
-{
-    return static_cast<int>(Convert(text));
+    return testing::ThrowsMessage<std::invalid_argument>(testing::StrEq("Invalid value for " + message));
 }
 
 } // namespace
 
 TEST(SettingsEnumerationsTest, textsHaveTheirNumbers)
 {
-    static constexpr NumberCase cases[] = {
-        {L"disable", 0, numberOf<toModeItem>},
-        {L"install_critical_and_important", 3, numberOf<toModeItem>},
-        {L"every_day", 0, numberOf<toFrequencyItem>},
-        {L"every_monday", 1, numberOf<toFrequencyItem>},
-        {L"every_sunday", 7, numberOf<toFrequencyItem>},
-        {L"nobody", 2, numberOf<toShowFlyerPolicyItem>},
-        {L"user_defined", 2, numberOf<toUseHttpProxyItem>},
-        {L"installation_hung_up", 13, numberOf<toValueItem>},
-        {L"installation_excluded", 14, numberOf<toValueItem>},
-        {L"installation_hung_up", 9, numberOf<toInstallationResultItem>},
-        {L"excluded", 12, numberOf<toInstallationResultItem>},
-    };
-    for (const NumberCase& row : cases)
-        EXPECT_EQ(row.number, row.convert(row.text)) << std::string(row.text, row.text + wcslen(row.text));
+    EXPECT_EQ(ModeItem(0), toModeItem(L"disable"));
+    EXPECT_EQ(ModeItem(3), toModeItem(L"install_critical_and_important"));
+    EXPECT_EQ(FrequencyItem(0), toFrequencyItem(L"every_day"));
+    EXPECT_EQ(FrequencyItem(1), toFrequencyItem(L"every_monday"));
+    EXPECT_EQ(FrequencyItem(7), toFrequencyItem(L"every_sunday"));
+    EXPECT_EQ(ShowFlyerPolicyItem(2), toShowFlyerPolicyItem(L"nobody"));
+    EXPECT_EQ(UseHttpProxyItem(2), toUseHttpProxyItem(L"user_defined"));
+    EXPECT_EQ(ValueItem(13), toValueItem(L"installation_hung_up"));
+    EXPECT_EQ(ValueItem(14), toValueItem(L"installation_excluded"));
+    EXPECT_EQ(InstallationResultItem(9), toInstallationResultItem(L"installation_hung_up"));
+    EXPECT_EQ(InstallationResultItem(12), toInstallationResultItem(L"excluded"));
 }
 
 TEST(SettingsEnumerationsTest, patchStatesConvertBothWays)
@@ -61,12 +39,12 @@ TEST(SettingsEnumerationsTest, patchStatesConvertBothWays)
 
 TEST(SettingsEnumerationsTest, anythingElseIsInvalid)
 {
-    EXPECT_EQ("Invalid value for ModeItem", failureOf([] { toModeItem(L"Disable"); }));
-    EXPECT_EQ("Invalid value for FrequencyItem", failureOf([] { toFrequencyItem({}); }));
-    EXPECT_EQ("Invalid value for ShowFlyerPolicyItem", failureOf([] { toShowFlyerPolicyItem(L" nobody"); }));
-    EXPECT_EQ("Invalid value for UseHttpProxyItem", failureOf([] { toUseHttpProxyItem(L"yes"); }));
-    EXPECT_EQ("Invalid value for ResultItem", failureOf([] { toText(static_cast<ResultItem>(4)); }));
-    EXPECT_EQ("Invalid value for ValueItem", failureOf([] { toValueItem(L"excluded"); }));
-    EXPECT_EQ("Invalid value for ValueItem", failureOf([] { toText(static_cast<ValueItem>(-1)); }));
-    EXPECT_EQ("Invalid value for InstallationResultItem", failureOf([] { toInstallationResultItem(L"success"); }));
+    EXPECT_THAT([] { toModeItem(L"Disable"); }, invalid("ModeItem"));
+    EXPECT_THAT([] { toFrequencyItem({}); }, invalid("FrequencyItem"));
+    EXPECT_THAT([] { toShowFlyerPolicyItem(L" nobody"); }, invalid("ShowFlyerPolicyItem"));
+    EXPECT_THAT([] { toUseHttpProxyItem(L"yes"); }, invalid("UseHttpProxyItem"));
+    EXPECT_THAT([] { toText(static_cast<ResultItem>(4)); }, invalid("ResultItem"));
+    EXPECT_THAT([] { toValueItem(L"excluded"); }, invalid("ValueItem"));
+    EXPECT_THAT([] { toText(static_cast<ValueItem>(-1)); }, invalid("ValueItem"));
+    EXPECT_THAT([] { toInstallationResultItem(L"success"); }, invalid("InstallationResultItem"));
 }

@@ -1,7 +1,7 @@
 #include "common/systemrestoredriver.h"
 #include "vxtl/exception.h"
 
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 
 namespace vx::tarn::common {
 namespace {
@@ -15,12 +15,8 @@ TEST(SystemRestoreDriver, takesTheDescriptionThatFits)
     info.description.assign(255, L'x');
     EXPECT_NO_THROW(driver.setRestorePoint(info, status));
     info.description.assign(256, L'x');
-    try {
-        driver.setRestorePoint(info, status);
-        ADD_FAILURE();
-    } catch (const BaseException& e) {
-        EXPECT_EQ(e.reason(), L"Restore point description error");
-    }
+    EXPECT_THAT([&] { driver.setRestorePoint(info, status); },
+        testing::Throws<BaseException>(testing::Property(&BaseException::reason, L"Restore point description error")));
 }
 
 } // namespace

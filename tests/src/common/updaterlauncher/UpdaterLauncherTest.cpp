@@ -3,7 +3,7 @@
 #include "support/logcapture.h"
 #include "vxtl/win32exception.h"
 
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 
 #include <future>
 
@@ -63,19 +63,16 @@ TEST_F(UpdaterLauncherTest, waitsForTheEventToBeMade)
 
 TEST_F(UpdaterLauncherTest, givesUpWhenNobodyMakesTheEvent)
 {
+    using namespace testing;
     support::LogCapture log;
     auto options = m_options;
     options.eventName += L"-missing";
     options.openTimeout = 5ms;
-    try {
-        UpdaterLauncher launcher(options);
-        ADD_FAILURE();
-    } catch (const Win32Exception& e) {
-        EXPECT_EQ(e.code(), static_cast<unsigned long>(ERROR_FILE_NOT_FOUND));
-        EXPECT_EQ(e.reason(), L"TarnpatchLauncherImpl::openStartEventImpl failed");
-        EXPECT_NE(std::string(e.what()).find("Function: vx::tarn::common::UpdaterLauncher::openStartEvent,"),
-            std::string::npos);
-    }
+    EXPECT_THAT([&] { UpdaterLauncher launcher(options); },
+        Throws<Win32Exception>(AllOf(Property(&Win32Exception::code, ERROR_FILE_NOT_FOUND),
+            Property(&Win32Exception::reason, L"TarnpatchLauncherImpl::openStartEventImpl failed"),
+            Property(
+                &std::exception::what, HasSubstr("Function: vx::tarn::common::UpdaterLauncher::openStartEvent,")))));
     EXPECT_TRUE(log.has(2, "2")) << log.text();
 }
 

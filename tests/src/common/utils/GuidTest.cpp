@@ -1,6 +1,6 @@
 #include "common/guid.h"
 
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 
 #include <stdexcept>
 
@@ -30,12 +30,9 @@ TEST(Guid, refusesTextThatLacksAField)
     for (const wchar_t* text : {L"", L"{894D1810-89A9-4363-A8C5-9F429B518809}", L"894D1810-89A9-4363-A8C5",
              L"894D1810-89A9-4363-A8C5-9F429B5188", L"894D181012-89A9-4363-A8C5-9F429B518809",
              L"G94D1810-89A9-4363-A8C5-9F429B518809", L"894D1810_89A9_4363_A8C5_9F429B518809"})
-        try {
-            guidFromString(text);
-            ADD_FAILURE() << std::string(text, text + std::wcslen(text));
-        } catch (const std::runtime_error& e) {
-            EXPECT_STREQ(e.what(), "Bad GUID format");
-        }
+        EXPECT_THAT([&] { guidFromString(text); },
+            testing::ThrowsMessage<std::runtime_error>(testing::StrEq("Bad GUID format")))
+            << testing::PrintToString(text);
 }
 
 } // namespace

@@ -1,7 +1,6 @@
 #include "tarnhd/taskscheduler.h"
 
 #include "support/fakeclock.h"
-#include "support/logcapture.h"
 #include "support/record.h"
 
 #include <gmock/gmock.h>
@@ -31,11 +30,6 @@ protected:
     {
         return scheduler.schedule(std::make_unique<FuncTask>(name, unique, [this, name] { record.add(name); }),
             milliseconds(delay), milliseconds(range));
-    }
-    void scheduleCall(std::function<void()> call)
-    {
-        scheduler.schedule(
-            std::make_unique<FuncTask>("call", false, std::move(call)), milliseconds(0), milliseconds(0));
     }
     void startLoop()
     {
@@ -136,37 +130,14 @@ TEST_F(TaskSchedulerTest, saturatesWhatDoesNotFit)
     EXPECT_THAT(record.waitFor(2), ElementsAre("c", "d"));
 }
 
-TEST_F(TaskSchedulerTest, waitsForTheClockAndWakesToReadItAgain)
-{
-    startLoop();
-    schedule("hour", 3'600'000);
-    schedule("day", 86'400'000);
-    schedule("now", 0);
-    EXPECT_THAT(record.waitFor(1), ElementsAre("now"));
-    clock.advance(milliseconds(3'600'000));
-    scheduler.deferAtLeast(milliseconds(0));
-    EXPECT_THAT(record.waitFor(2), ElementsAre("now", "hour"));
-}
-
-TEST_F(TaskSchedulerTest, livesOnAfterATaskThatThrows)
-{
-    support::LogCapture log;
-    scheduleCall([] { throw std::runtime_error("broken task"); });
-    scheduleCall({});
-    schedule("next", 0);
-    startLoop();
-    EXPECT_THAT(record.waitFor(1), ElementsAre("next"));
-    EXPECT_TRUE(log.has(2, "Exception caught: broken task")) << log.text();
-    EXPECT_TRUE(log.has(2, "Exception caught: bad_function_call")) << log.text();
-}
-
 TEST_F(TaskSchedulerTest, stopsBehindTheRunningTaskAndRestartsEmpty)
 {
-    scheduleCall([this] {
+    const auto stopFromWithin = [this] {
         schedule("from within", 0);
         scheduler.stop();
         record.add("stopping");
-    });
+    };
+    scheduler.schedule(std::make_unique<FuncTask>("call", false, stopFromWithin), milliseconds(0), milliseconds(0));
     schedule("left", 0);
     startLoop();
     loop.join();

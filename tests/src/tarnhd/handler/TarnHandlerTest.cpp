@@ -21,15 +21,15 @@ const std::wstring scanStartKey = L"windows.tarnpatch.remote_operations.scan_for
 const std::wstring scanAckKey = L"windows.tarnpatch.remote_operations.scan_for_updates.ack";
 const std::wstring queueKey = L"windows.tarnpatch.installation.deployment_queue";
 
-class TarnHandlerTest : public testing::Test {
-protected:
-    TarnHandlerTest()
+/// A handler over fakes, on a computer that has run it since the boot.
+struct FakedHandler {
+    FakedHandler()
     {
         common->atomExists = true;
         store.setInt64Value(store.profileKey, 1);
         store.setBoolValue(statusEnabledKey, true);
     }
-    ~TarnHandlerTest() override
+    ~FakedHandler()
     {
         handler.stop();
         expectEnd();
@@ -40,11 +40,7 @@ protected:
         ended = std::async(std::launch::async, [this] { handler.run(); });
     }
     /// Until the scheduler's first tick: status and subscriptions are done by then.
-    void beginAndWait()
-    {
-        begin();
-        EXPECT_EQ(common->done.waitFor(2), (Entries{"update", "tick"}));
-    }
+    void waitForTick() const { EXPECT_EQ(common->done.waitFor(2), (Entries{"update", "tick"})); }
     void expectEnd()
     {
         if (!ended.valid())
@@ -52,15 +48,14 @@ protected:
         ASSERT_EQ(ended.wait_for(support::deadline), std::future_status::ready);
         ended.get();
     }
-    /// What was done after `beginAndWait`, once there are so many entries.
-    Entries later(std::size_t count)
+    /// What is done once there are so many entries behind the first ones.
+    Entries doneAfter(std::size_t first, std::size_t count) const
     {
-        Entries entries = common->done.waitFor(2 + count);
-        entries.erase(entries.begin(), entries.begin() + 2);
+        Entries entries = common->done.waitFor(first + count);
+        entries.erase(entries.begin(), entries.begin() + static_cast<std::ptrdiff_t>(first));
         return entries;
     }
 
-    support::LogCapture log;
     std::shared_ptr<support::FakeCommonFactory> common = std::make_shared<support::FakeCommonFactory>();
     std::shared_ptr<support::FakeTarnhdFactory> factory = std::make_shared<support::FakeTarnhdFactory>(*common);
     support::ProfileStore& store = *common->store;
@@ -68,26 +63,31 @@ protected:
     std::future<void> ended;
 };
 
-TEST_F(TarnHandlerTest, waitsForTheProfileAndLeavesTheStoreAloneUntilThen)
+class TarnHandlerTest : public testing::Test, protected FakedHandler {
+protected:
+    void beginAndWait()
+    {
+        begin();
+        waitForTick();
+    }
+
+    support::LogCapture log;
+};
+
+TEST_F(TarnHandlerTest, waitsForTheProfileThroughFailuresAndLeavesTheStoreAloneUntilThen)
 {
     store.setInt64Value(store.profileKey, 0);
     const auto writes = store.writes().size();
     begin();
-    store.profileReads.waitFor(3);
+    store.profileReads.waitFor(2);
+    store.fail(store.profileKey, std::make_exception_ptr(std::runtime_error("gone")));
+    ASSERT_TRUE(log.waitFor("gone", 2)) << log.text();
     EXPECT_EQ(store.writes().size(), writes);
     EXPECT_EQ(store.subscriptions(), 0u);
-    store.setInt64Value(store.profileKey, 5);
-    EXPECT_EQ(common->done.waitFor(2), (Entries{"update", "tick"}));
-    EXPECT_EQ(store.subscriptions(), 10u);
-}
-
-TEST_F(TarnHandlerTest, outlivesAStoreThatFailsDuringTheWaitForTheProfile)
-{
-    store.fail(store.profileKey, std::make_exception_ptr(std::runtime_error("gone")));
-    begin();
-    store.profileReads.waitFor(2);
     store.fail(store.profileKey, nullptr);
-    EXPECT_EQ(common->done.waitFor(2), (Entries{"update", "tick"}));
+    store.setInt64Value(store.profileKey, 5);
+    waitForTick();
+    EXPECT_EQ(store.subscriptions(), 10u);
     EXPECT_TRUE(log.has(2, "gone")) << log.text();
 }
 
@@ -113,21 +113,19 @@ TEST_F(TarnHandlerTest, endsOnAStopAtAnyMoment)
     for (const Row& row : rows) {
         SCOPED_TRACE(row.moment);
         const support::LogCapture rowLog;
-        const auto fakes = std::make_shared<support::FakeCommonFactory>();
-        const auto tarnhdFakes = std::make_shared<support::FakeTarnhdFactory>(*fakes);
-        fakes->storeError = row.storeError;
-        fakes->store->setInt64Value(fakes->store->profileKey, row.profile);
-        TarnHandler stopped(fakes, tarnhdFakes);
+        FakedHandler stopped;
+        stopped.common->storeError = row.storeError;
+        stopped.store.setInt64Value(stopped.store.profileKey, row.profile);
         if (!row.wait)
-            stopped.stop();
-        auto result = std::async(std::launch::async, [&] { stopped.run(); });
+            stopped.handler.stop();
+        stopped.begin();
         if (row.wait)
-            row.wait(*fakes);
-        stopped.stop();
-        stopped.stop();
-        ASSERT_EQ(result.wait_for(support::deadline), std::future_status::ready);
-        EXPECT_EQ(fakes->store->subscriptions(), 0u);
-        EXPECT_FALSE(tarnhdFakes->manager && tarnhdFakes->manager->running);
+            row.wait(*stopped.common);
+        stopped.handler.stop();
+        stopped.handler.stop();
+        stopped.expectEnd();
+        EXPECT_EQ(stopped.store.subscriptions(), 0u);
+        EXPECT_FALSE(stopped.factory->manager && stopped.factory->manager->running);
         EXPECT_GE(rowLog.count(row.logged), 1u) << rowLog.text();
     }
 }
@@ -157,29 +155,28 @@ TEST_F(TarnHandlerTest, asksTheStoreAgainOnlyWhileItIsUnreachable)
 
 TEST_F(TarnHandlerTest, doesTheFirstRunsWorkOncePerBoot)
 {
-    store.setBoolValue(restartNeededKey, true);
-    beginAndWait();
-    EXPECT_TRUE(store.getBoolValue(restartNeededKey));
-    EXPECT_FALSE(log.has(4, "It's a first run after reboot."));
-}
-
-TEST_F(TarnHandlerTest, looksForAStartupScanAfterItHasClearedTheRestartFlag)
-{
-    for (const bool wanted : {false, true}) {
-        SCOPED_TRACE(wanted);
+    const struct {
+        const char* label;
+        bool firstRun, scanWanted;
+        std::size_t scans, refusals;
+    } rows[] = {
+        {"later run", false, true, 0, 0}, {"first run", true, true, 1, 0},
+        {"first run, scan not wanted", true, false, 1, 1}, // the cleared flag asks for none
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.label);
         const support::LogCapture rowLog;
-        const auto fakes = std::make_shared<support::FakeCommonFactory>();
-        fakes->store->setInt64Value(fakes->store->profileKey, 1);
-        fakes->store->setBoolValue(restartNeededKey, true);
-        fakes->store->setBoolValue(startupScanKey, wanted);
-        TarnHandler first(fakes, std::make_shared<support::FakeTarnhdFactory>(*fakes));
-        auto result = std::async(std::launch::async, [&] { first.run(); });
-        fakes->done.waitFor(2);
-        first.stop();
-        result.get();
-        EXPECT_TRUE(fakes->atomExists);
-        EXPECT_FALSE(fakes->store->getBoolValue(restartNeededKey));
-        EXPECT_TRUE(rowLog.has(4, wanted ? "Scan on startup" : "Scan on startup is not enabled.")) << rowLog.text();
+        FakedHandler first;
+        first.common->atomExists = !row.firstRun;
+        first.store.setBoolValue(restartNeededKey, true);
+        first.store.setBoolValue(startupScanKey, row.scanWanted);
+        first.begin();
+        first.waitForTick();
+        EXPECT_TRUE(first.common->atomExists);
+        EXPECT_EQ(first.store.getBoolValue(restartNeededKey), !row.firstRun);
+        EXPECT_EQ(rowLog.count("It's a first run after reboot."), row.firstRun ? 1u : 0u);
+        EXPECT_EQ(rowLog.count("Scan on startup"), row.scans) << rowLog.text();
+        EXPECT_EQ(rowLog.count("Scan on startup is not enabled."), row.refusals) << rowLog.text();
     }
 }
 
@@ -193,60 +190,42 @@ TEST_F(TarnHandlerTest, emptiesTheStatusWhenSwitchedOffAndScansWhenSwitchedOn)
     store.setJsonValue(missingUpdatesKey, {3});
     store.setBoolValue(enabledKey, true);
     EXPECT_TRUE(store.getBoolValue(statusEnabledKey));
-    EXPECT_EQ(later(3), (Entries{"update", "update", "scan"}));
+    EXPECT_EQ(doneAfter(2, 3), (Entries{"update", "update", "scan"}));
     store.setBoolValue(enabledKey, true);
     EXPECT_EQ(store.getJsonValue(missingUpdatesKey), nlohmann::json::array({3}));
 }
 
-TEST_F(TarnHandlerTest, takesAnyNewScanSignalForARequest)
+TEST_F(TarnHandlerTest, answersEachChange)
 {
-    struct Row {
-        const char* label;
-        bool enabled;
-        std::int64_t start, ack;
+    const struct {
+        std::wstring key;
+        nlohmann::json value;
         Entries done;
-        std::int64_t ackAfter;
+        const char* logged;
+    } rows[] = {
+        {queueKey, nlohmann::json::array(), {}, "No items in a deployment queue. No need to start tarnag."},
+        {queueKey, {"all"}, {"scan"}, "tarnag.exe start requested"},
+        {L"windows.tarnpatch.scanning.exclude_updates.by_rule", "a", {"scan"}, "tarnag.exe start requested"},
+        {L"windows.tarnpatch.scanning.exclude_updates.by_type", "a", {"scan"}, "tarnag.exe start requested"},
+        {L"windows.tarnpatch.installation.completion.wait", false, {"cancel", "update", "scan"}, "Canceled 0 task(s)"},
+        {L"windows.tarnpatch.scanning.automatic.polling_interval", 17, {}, "Polling interval: 17 minute(s)"},
+        {scanStartKey, 7, {}, "No need to start scanning. start=7, ack=7"},
+        {scanStartKey, 8, {"reason 1", "scan"}, ""},
+        {scanStartKey, 3, {"reason 1", "scan"}, ""},
+        {statusEnabledKey, false, {}, ""},
+        {scanStartKey, 9, {}, "Can't start tarnag.exe for a remote scan: Tarnpatch is disabled."},
     };
+    store.setInt64Value(scanAckKey, 7);
     beginAndWait();
-    for (const Row& row : {Row{"equal", true, 7, 7, {}, 7}, {"greater", true, 8, 7, {"reason 1", "scan"}, 7},
-             {"lower", true, 3, 7, {"reason 1", "scan"}, 7}, {"feature off", false, 9, 7, {}, 9}}) {
-        SCOPED_TRACE(row.label);
+    for (const auto& row : rows) {
+        SCOPED_TRACE(std::string(row.key.begin(), row.key.end()) + " " + row.value.dump());
+        const support::LogCapture rowLog;
         const auto before = common->done.size();
-        store.setBoolValue(statusEnabledKey, row.enabled);
-        store.setInt64Value(scanAckKey, row.ack);
-        store.setInt64Value(scanStartKey, row.start);
-        const Entries entries = common->done.waitFor(before);
-        EXPECT_EQ(Entries(entries.begin() + static_cast<std::ptrdiff_t>(before), entries.end()), row.done);
-        EXPECT_EQ(store.getInt64Value(scanAckKey), row.ackAfter);
+        store.setJsonValue(row.key, row.value);
+        EXPECT_EQ(doneAfter(before, 0), row.done);
+        EXPECT_NE(rowLog.text().find(row.logged), std::string::npos) << rowLog.text();
+        EXPECT_EQ(store.getInt64Value(scanAckKey), row.value == 9 ? 9 : 7);
     }
-    EXPECT_TRUE(log.has(4, "No need to start scanning. start=7, ack=7")) << log.text();
-}
-
-TEST_F(TarnHandlerTest, startsTheAgentForAFilledQueueAndForChangedRules)
-{
-    beginAndWait();
-    store.setJsonValue(queueKey, nlohmann::json::array());
-    EXPECT_TRUE(log.has(5, "No items in a deployment queue. No need to start tarnag."));
-    EXPECT_TRUE(later(0).empty());
-    store.setJsonValue(queueKey, {"all"});
-    store.notify(L"windows.tarnpatch.scanning.exclude_updates.by_rule");
-    store.notify(L"windows.tarnpatch.scanning.exclude_updates.by_type");
-    EXPECT_EQ(later(3), (Entries{"scan", "scan", "scan"}));
-}
-
-TEST_F(TarnHandlerTest, dropsOneShotActionsWhenADeploymentIsComplete)
-{
-    beginAndWait();
-    store.notify(L"windows.tarnpatch.installation.completion.wait");
-    EXPECT_EQ(later(3), (Entries{"cancel", "update", "scan"}));
-}
-
-TEST_F(TarnHandlerTest, keepsTheSchedulersPeriodAndThreadWhenTheIntervalChanges)
-{
-    beginAndWait();
-    store.setInt32Value(L"windows.tarnpatch.scanning.automatic.polling_interval", 17);
-    EXPECT_TRUE(log.has(4, "Setup action scheduler. Polling interval: 17 minute(s)")) << log.text();
-    EXPECT_TRUE(later(0).empty());
 }
 
 TEST_F(TarnHandlerTest, wakesTheSchedulerOnAResumeOnly)
@@ -255,7 +234,7 @@ TEST_F(TarnHandlerTest, wakesTheSchedulerOnAResumeOnly)
     beginAndWait();
     handler.onPowerEvent(7, 0);
     handler.onPowerEvent(18, 0);
-    EXPECT_EQ(later(1), (Entries{"resume"}));
+    EXPECT_EQ(doneAfter(2, 1), (Entries{"resume"}));
 }
 
 } // namespace
