@@ -10,7 +10,6 @@
 #include "store/server.h"
 #include "vxtl/str.h"
 
-#include <cstdlib>
 #include <nlohmann/json.hpp>
 #include <windows.h>
 
@@ -64,9 +63,7 @@ ExitCode Host::run()
 
 void Host::prepare()
 {
-    // For the plug-in's store library, whichever way it reads its environment.
-    _wputenv_s(L"TARNHD_INSTANCE", m_context.instance.c_str());
-    SetEnvironmentVariableW(L"TARNHD_INSTANCE", m_context.instance.c_str());
+    exportInstance(m_context.instance);
     if (m_options.agentDirectory && !is_directory(*m_options.agentDirectory))
         throw CommandError(ExitCode::BadUsage, "there is no folder " + toText(*m_options.agentDirectory));
     if (m_options.agentDirectory)
