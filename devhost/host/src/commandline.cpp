@@ -210,11 +210,7 @@ void Grammar::addControlCommands()
         ->check(CLI::Range(1u, 86'400u));
     add("stop", "end the running host and wait for its end", stopHost);
     add("restart", "let the running host stop the plug-in, unload it and load it anew", restartPlugin);
-    add("reboot",
-        "let the running host play a reboot: it stops the plug-in, forgets the boot, lets the agent finish a "
-        "deployment "
-        "that waits for that, and loads the plug-in anew; a running agent goes on",
-        reboot);
+    add("reboot", "let the running host play a reboot: plug-in anew, and the agent finishes what waits for it", reboot);
     add("resume-event", "tell the plug-in that the computer woke up", sendResume);
     auto* session = add("session-event", "tell the plug-in of a session change",
         [this](const Context& c) { return sendSessionEvent(c, m_type, m_data); });

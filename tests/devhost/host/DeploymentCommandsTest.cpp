@@ -156,6 +156,8 @@ TEST_F(DeploymentCommandsTest, workOnTheQueueInItsOrder)
 TEST_F(DeploymentCommandsTest, loseNothingWhenManyWorkOnTheQueue)
 {
     startStore();
+    // Leaves time between a reading and the writing that goes with it.
+    client.setDelay(std::chrono::milliseconds(100));
     std::vector<std::unique_ptr<ChildProcess>> pushers;
     for (const auto* id : {L"A", L"B", L"C", L"D", L"E", L"F"})
         pushers.push_back(start(std::wstring(L"queue --push ID=") + id));
