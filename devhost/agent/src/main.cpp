@@ -133,8 +133,9 @@ int wmain(int count, wchar_t** texts)
     app.add_option("--severity", commandLine.severity, "lowest severity to install")->expected(0, 1);
     app.add_option("--script", commandLine.script, "script file; tarnag.script.json beside the program without it")
         ->envname("TARNHD_AGENT_SCRIPT");
-    app.footer("Starts and ends are listed in tarnag.runs.jsonl beside the program.\n"
-               "Exit codes: the script's; 2 bad command line or script, 21 the store cannot be used.");
+    app.footer(
+        "Starts and ends are listed in tarnag.runs.jsonl beside the program.\n"
+        "Exit codes: the script's; 2 bad command line or script, 21 the store, or what it holds, cannot be used.");
     try {
         app.parse(std::vector<std::string>(arguments.rbegin(), arguments.rend()));
         return start(commandLine, arguments);

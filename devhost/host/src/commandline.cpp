@@ -3,8 +3,10 @@
 #include "host/host.h"
 #include "host/hostcommands.h"
 #include "host/logcommand.h"
+#include "host/patchescommand.h"
 #include "host/pluginrecord.h"
 #include "host/printer.h"
+#include "host/queuecommand.h"
 #include "host/statuscommand.h"
 #include "host/stopsignal.h"
 #include "host/storecommands.h"
@@ -55,10 +57,12 @@ private:
     void addValueCommands();
     void addStoreCommands();
     void addRequestCommands();
+    void addDeploymentCommands();
     void addControlCommands();
     void addLogCommand();
     std::filesystem::path storeFile() const;
     ExitCode runHost(const Context& context) const;
+    ExitCode workOnQueue(const Context& context) const;
 
     CLI::App m_app{"tarnhost: a console host for the plug-in tarnhd.dll, with its store.", "tarnhost"};
     Action m_action;
@@ -66,9 +70,10 @@ private:
     bool m_json = false;
 
     std::string m_plugin, m_store, m_agentDirectory, m_file;
-    bool m_noStore = false, m_untilStop = false, m_noProfile = false, m_follow = false;
+    bool m_noStore = false, m_untilStop = false, m_noProfile = false, m_follow = false, m_pop = false;
     std::uint32_t m_size = 36, m_type = 0, m_data = 0;
-    std::optional<unsigned> m_seconds, m_wait, m_lines;
+    std::optional<unsigned> m_seconds, m_wait, m_lines, m_limit;
+    std::optional<std::string> m_push, m_remove;
     std::string m_key, m_text, m_typeName, m_kind, m_faultKey;
     std::vector<std::string> m_keys;
     unsigned m_count = 0, m_faultCount = 1;
@@ -87,6 +92,7 @@ Grammar::Grammar()
     m_app.fallthrough();
     addRunCommands();
     addRequestCommands();
+    addDeploymentCommands();
     addValueCommands();
     addStoreCommands();
     addControlCommands();
@@ -180,6 +186,22 @@ void Grammar::addRequestCommands()
     add("disable", "switch the feature off", [](const Context& c) { return enableFeature(c, false); });
 }
 
+void Grammar::addDeploymentCommands()
+{
+    auto* queue = add("queue", "print the deployment queue, or change it as the agent does",
+        [this](const Context& c) { return workOnQueue(c); });
+    auto* pop = queue->add_flag("--pop", m_pop, "take the first item");
+    auto* push = queue->add_option("--push", m_push, "add an item, which makes the plug-in start the agent");
+    auto* remove = queue->add_option("--remove", m_remove, "take the item with this text");
+    push->type_name("TEXT")->excludes(pop);
+    remove->type_name("TEXT")->excludes(pop)->excludes(push);
+
+    auto* patches = add("patches", "print the patches that are to be installed and their states",
+        [this](const Context& c) { return m_follow ? followPatches(c, m_limit) : showPatches(c); });
+    auto* follow = patches->add_flag("-f,--follow", m_follow, "again each time they have changed, until Ctrl-C");
+    patches->add_option("--count", m_limit, "end after that many tables")->needs(follow)->check(CLI::PositiveNumber);
+}
+
 void Grammar::addControlCommands()
 {
     auto* status = add("status", "an overview of host, plug-in, store and agent",
@@ -188,6 +210,7 @@ void Grammar::addControlCommands()
         ->check(CLI::Range(1u, 86'400u));
     add("stop", "end the running host and wait for its end", stopHost);
     add("restart", "let the running host stop the plug-in, unload it and load it anew", restartPlugin);
+    add("reboot", "let the running host play a reboot: plug-in anew, and the agent finishes what waits for it", reboot);
     add("resume-event", "tell the plug-in that the computer woke up", sendResume);
     auto* session = add("session-event", "tell the plug-in of a session change",
         [this](const Context& c) { return sendSessionEvent(c, m_type, m_data); });
@@ -241,6 +264,15 @@ ExitCode Grammar::runHost(const Context& context) const
     options.recordSize = m_size;
     options.provideProfile = !m_noProfile;
     return Host(context, options).run();
+}
+
+ExitCode Grammar::workOnQueue(const Context& context) const
+{
+    if (m_push)
+        return pushToQueue(context, *m_push);
+    if (m_remove)
+        return removeFromQueue(context, *m_remove);
+    return m_pop ? popQueue(context) : showQueue(context);
 }
 
 int fail(ExitCode code, const char* line)

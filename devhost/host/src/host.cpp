@@ -1,6 +1,8 @@
 #include "host/host.h"
 
 #include "host/agentdirectory.h"
+#include "host/agentprocess.h"
+#include "host/bootatom.h"
 #include "host/controlserver.h"
 #include "host/hostinstance.h"
 #include "host/printer.h"
@@ -10,7 +12,6 @@
 #include "store/server.h"
 #include "vxtl/str.h"
 
-#include <cstdlib>
 #include <nlohmann/json.hpp>
 #include <windows.h>
 
@@ -64,9 +65,7 @@ ExitCode Host::run()
 
 void Host::prepare()
 {
-    // For the plug-in's store library, whichever way it reads its environment.
-    _wputenv_s(L"TARNHD_INSTANCE", m_context.instance.c_str());
-    SetEnvironmentVariableW(L"TARNHD_INSTANCE", m_context.instance.c_str());
+    exportInstance(m_context.instance);
     if (m_options.agentDirectory && !is_directory(*m_options.agentDirectory))
         throw CommandError(ExitCode::BadUsage, "there is no folder " + toText(*m_options.agentDirectory));
     if (m_options.agentDirectory)
@@ -129,6 +128,8 @@ json Host::handle(const json& request)
         return status();
     if (command == "restart")
         return restart();
+    if (command == "reboot")
+        return reboot();
     if (command == "stop")
         m_context.stop.set();
     else if (command == "resume")
@@ -155,6 +156,31 @@ json Host::restart()
         throw CommandError(ExitCode::TimedOut, "the plug-in does not end, so it is not loaded anew");
     startPlugin();
     return {{"text", "the plug-in was loaded anew"}};
+}
+
+json Host::reboot()
+{
+    if (m_session && !stopPlugin())
+        throw CommandError(ExitCode::TimedOut, "the plug-in does not end, so there is no reboot");
+    m_context.printer.event("reboot", "reboot", json::object());
+    std::optional<unsigned long> code;
+    std::optional<CommandError> failure;
+    try {
+        forgetBoot();
+        code = runBootWork();
+    } catch (const CommandError& error) {
+        failure = error;
+    }
+    // Whatever became of that, the computer comes up again.
+    startPlugin();
+    if (failure)
+        throw *failure;
+    if (code.value_or(0) != 0)
+        throw CommandError(ExitCode::Failed, "the agent did not finish the deployment: exit code " +
+                                                 std::to_string(*code) + "; the plug-in was loaded anew");
+    return {{"text", code ? "rebooted: the agent finished the deployment, and the plug-in was loaded anew"
+                          : "rebooted: no deployment waited for it, and the plug-in was loaded anew"},
+        {"deployment_finished", code.has_value()}};
 }
 
 void Host::onState(const std::string& plugin, std::uint32_t state)

@@ -106,6 +106,11 @@ ExitCode restartPlugin(const Context& context)
     return call(context, {{"command", "restart"}});
 }
 
+ExitCode reboot(const Context& context)
+{
+    return call(context, {{"command", "reboot"}});
+}
+
 ExitCode sendResume(const Context& context)
 {
     return call(context, {{"command", "resume"}});

@@ -3,6 +3,7 @@
 #include "host/exitcode.h"
 #include "vxtl/str.h"
 
+#include <cstdlib>
 #include <windows.h>
 
 namespace devhost::host {
@@ -54,6 +55,13 @@ void ReadySignal::reset()
 bool ReadySignal::wait(unsigned long timeoutMs) const
 {
     return WaitForSingleObject(m_event, timeoutMs) == WAIT_OBJECT_0;
+}
+
+void exportInstance(const std::wstring& instance)
+{
+    // Whichever way the library reads its environment.
+    _wputenv_s(L"TARNHD_INSTANCE", instance.c_str());
+    SetEnvironmentVariableW(L"TARNHD_INSTANCE", instance.c_str());
 }
 
 } // namespace devhost::host

@@ -42,6 +42,7 @@ json storePart(const Context& context)
         store::Client client(context.instance);
         const auto missing = readKey(client, keys::missingUpdates);
         const auto toInstall = readKey(client, keys::patchesToInstall);
+        const auto queue = readKey(client, keys::deploymentQueue);
         return {{"enabled_setting", readKey(client, keys::enabled)},
             {"enabled_status", readKey(client, keys::statusEnabled)}, {"profile", readKey(client, keys::profile)},
             {"scan", {{"start", readKey(client, keys::scanStart)}, {"ack", readKey(client, keys::scanAck)}}},
@@ -49,7 +50,10 @@ json storePart(const Context& context)
                             {"result", readKey(client, keys::installResult)}}},
             {"last_scan", readKey(client, keys::lastScan)},
             {"missing_updates", missing.is_array() ? json(missing.size()) : json()},
-            {"patches_to_install", toInstall.is_array() ? json(toInstall.size()) : json()}};
+            {"patches_to_install", toInstall.is_array() ? json(toInstall.size()) : json()},
+            {"queue", queue.is_null()    ? json(0)
+                      : queue.is_array() ? json(queue.size())
+                                         : json()}};
     } catch (const store::StoreException& exception) {
         if (exception.code() != store::ErrorCode::Unreachable)
             throw;
@@ -103,7 +107,7 @@ void printStore(Printer& printer, const json& store)
     printer.line(
         "install:    " + requestText(store.at("install")) + ", result " + plain(store.at("install").at("result")));
     printer.line("updates:    missing " + plain(store.at("missing_updates")) + ", published " +
-                 plain(store.at("patches_to_install")));
+                 plain(store.at("patches_to_install")) + ", queued requests " + plain(store.at("queue")));
 }
 
 void printAgent(Printer& printer, const json& agent)

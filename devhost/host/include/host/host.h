@@ -37,6 +37,7 @@ private:
     nlohmann::json handle(const nlohmann::json& request);
     nlohmann::json status();
     nlohmann::json restart();
+    nlohmann::json reboot();
     void prepare();
     void startPlugin();
     bool stopPlugin();

@@ -19,6 +19,8 @@ ExitCode requestInstallation(
 /// Waits until the host's process has ended; fails when that reports a failure.
 ExitCode stopHost(const Context& context);
 ExitCode restartPlugin(const Context& context);
+/// Plays a reboot: what it forgets is forgotten, and a deployment that waits for it is finished by the agent.
+ExitCode reboot(const Context& context);
 ExitCode sendResume(const Context& context);
 ExitCode sendSessionEvent(const Context& context, std::uint32_t type, std::uint32_t data);
 ExitCode forgetBootAtom(const Context& context);

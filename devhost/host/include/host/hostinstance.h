@@ -34,4 +34,7 @@ private:
     void* m_event;
 };
 
+/// Lets the store's client library, in this process and its children, work with the instance.
+void exportInstance(const std::wstring& instance);
+
 } // namespace devhost::host
