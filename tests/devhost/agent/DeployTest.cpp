@@ -72,15 +72,14 @@ protected:
         return lines;
     }
 
-    std::unique_ptr<support::ChildProcess> deploy(const json& script)
+    support::ChildProcess deploy(const json& script)
     {
         support::writeFile(folder.path() / "tarnag.script.json", json{{"runs", {{{"deploy", script}}}}}.dump());
         return start();
     }
-    std::unique_ptr<support::ChildProcess> start(const std::wstring& arguments = {})
+    support::ChildProcess start(const std::wstring& arguments = {})
     {
-        return std::make_unique<support::ChildProcess>(
-            L"\"" + (folder.path() / "tarnag.exe").native() + L"\" " + arguments, folder.path());
+        return {folder.path() / "tarnag.exe", arguments, folder.path()};
     }
 
     support::TemporaryFolder folder;
@@ -110,13 +109,13 @@ TEST_F(DeployTest, takesPatchesThroughTheirStatesAndItemsFromTheQueue)
                            "other installation_failed ?", idOf(L"B") + " installation_executing download_success"));
     EXPECT_EQ(read(keys::deploymentQueue).size(), 2u);
     go.set();
-    EXPECT_EQ(agent->wait(), 0u) << agent->errors();
+    EXPECT_EQ(agent.wait(), 0u) << agent.errors();
     EXPECT_THAT(log(), ElementsAre(idOf(L"A") + " installation_completed installation_success",
                            "other installation_failed ?", idOf(L"B") + " installation_completed installation_success"));
     EXPECT_EQ(read(keys::deploymentQueue), json::array());
     EXPECT_EQ(client.get(std::string(keys::installResult)), Value::fromString("success"));
     EXPECT_EQ(client.get(std::string(keys::installAck)), Value::fromInt64(6)) << "the plug-in's business";
-    EXPECT_THAT(agent->output(), testing::HasSubstr("deploying \"CRITICAL\": 0 updates")) << "A was dealt with";
+    EXPECT_THAT(agent.output(), testing::HasSubstr("deploying \"CRITICAL\": 0 updates")) << "A was dealt with";
 }
 
 TEST_F(DeployTest, takesAsManyItemsAsItIsToldAndFailsAsItIsTold)
@@ -125,7 +124,7 @@ TEST_F(DeployTest, takesAsManyItemsAsItIsToldAndFailsAsItIsTold)
     openRequest();
     const auto agent = deploy({{"items", 2}, {"stepMs", 0}, {"code", "17"},
         {"states", {"file_downloading", "file_download_failed"}}, {"result", "download_win_error"}});
-    EXPECT_EQ(agent->wait(), 0u) << agent->errors();
+    EXPECT_EQ(agent.wait(), 0u) << agent.errors();
     EXPECT_THAT(log(), ElementsAre(idOf(L"B") + " file_download_failed download_win_error"));
     EXPECT_EQ(read(keys::installationLog)[0]["status"]["code"], "17");
     EXPECT_EQ(read(keys::deploymentQueue)[0]["update_id"], "CRITICAL");
@@ -137,7 +136,7 @@ TEST_F(DeployTest, leavesARebootDeploymentForTheNextBootAndCompletesIt)
     queue({"ALL"});
     openRequest();
     const auto agent = deploy({{"reboot", true}, {"stepMs", 0}});
-    EXPECT_EQ(agent->wait(), 0u) << agent->errors();
+    EXPECT_EQ(agent.wait(), 0u) << agent.errors();
     EXPECT_THAT(log(), ElementsAre(idOf(L"A") + " installation_will_continue_after_reboot installation_unknown",
                            idOf(L"B") + " installation_will_continue_after_reboot installation_unknown"));
     EXPECT_EQ(read(keys::deploymentQueue), json::array());
@@ -149,7 +148,7 @@ TEST_F(DeployTest, leavesARebootDeploymentForTheNextBootAndCompletesIt)
     EXPECT_TRUE(storage->hasPatchStates());
     EXPECT_FALSE(storage->isInstallationFinished());
 
-    EXPECT_EQ(start(L"-c continue")->wait(), 0u);
+    EXPECT_EQ(start(L"-c continue").wait(), 0u);
     EXPECT_TRUE(storage->isInstallationFinished());
     PatchMap patches;
     std::vector<ReportEvent> events;
@@ -163,7 +162,7 @@ TEST_F(DeployTest, leavesARebootDeploymentForTheNextBootAndCompletesIt)
     failed.status = PatchStateTarget::Failed;
     failed.failure = true;
     storage->addPatchState({ReportEventType::OfflinePatchStatus, failed, 0, {}});
-    EXPECT_EQ(start(L"-c complete")->wait(), 0u);
+    EXPECT_EQ(start(L"-c complete").wait(), 0u);
     EXPECT_THAT(log(), ElementsAre(idOf(L"A") + " installation_completed installation_success",
                            idOf(L"B") + " installation_failed installation_error"));
     EXPECT_FALSE(flag(restartNeeded));
@@ -174,14 +173,14 @@ TEST_F(DeployTest, asksForNoRebootWithoutAnythingToInstall)
 {
     for (const auto& descriptors : {std::vector<std::string>{}, {"all"}}) {
         queue(descriptors);
-        EXPECT_EQ(deploy({{"reboot", true}, {"stepMs", 0}})->wait(), 0u);
+        EXPECT_EQ(deploy({{"reboot", true}, {"stepMs", 0}}).wait(), 0u);
         EXPECT_FALSE(client.get(completionWait));
         EXPECT_FALSE(storage->hasPatchStates());
     }
     for (const auto* command : {L"-c continue", L"-c complete"}) {
         const auto agent = start(command);
-        EXPECT_EQ(agent->wait(), 0u);
-        EXPECT_THAT(agent->output(), testing::HasSubstr("no deployment "));
+        EXPECT_EQ(agent.wait(), 0u);
+        EXPECT_THAT(agent.output(), testing::HasSubstr("no deployment "));
     }
     EXPECT_FALSE(storage->isInstallationFinished());
 }
@@ -190,7 +189,7 @@ TEST_F(DeployTest, deploysWhatItFoundWithoutAScript)
 {
     queue({"GUID=6E2C4C1B-9A3F-4D55-8C1E-3B0A7F2D9102"});
     const auto agent = start();
-    EXPECT_EQ(agent->wait(), 0u) << agent->errors();
+    EXPECT_EQ(agent.wait(), 0u) << agent.errors();
     const auto found = read(keys::missingUpdates);
     EXPECT_THAT(log(),
         ElementsAre(found.at(1).at("update_id").get<std::string>() + " installation_completed installation_success"));

@@ -32,18 +32,16 @@ protected:
         std::string errors;
     };
 
-    std::unique_ptr<ChildProcess> start(const std::wstring& arguments)
+    ChildProcess start(const std::wstring& arguments)
     {
-        return std::make_unique<ChildProcess>(L"\"" + (support::programFolder() / "tarnhost.exe").native() +
-                                                  L"\" --instance " + instance + L" " + arguments,
-            folder.path());
+        return {"tarnhost.exe", L"--instance " + instance + L" " + arguments, folder.path()};
     }
 
     Outcome call(const std::wstring& arguments)
     {
         const auto child = start(arguments);
-        const auto code = child->wait();
-        return {code.value_or(999), child->output(), child->errors()};
+        const auto code = child.wait();
+        return {code.value_or(999), child.output(), child.errors()};
     }
 
     void startStore()
@@ -94,9 +92,9 @@ protected:
         report.status = MachineStateTarget::SafeRebootPending;
         storage->addPatchState({ReportEventType::OfflineMachineStatus, report, 0, {}});
         std::filesystem::copy_file(support::programFolder() / "tarnag.exe", folder.path() / "tarnag.exe");
-        host =
+        host.emplace(
             start(L"run --plugin \"" + (support::programFolder() / "host-test-plugin.dll").native() + L"\" --store \"" +
-                  (folder.path() / "store.json").native() + L"\" --agent-dir \"" + folder.path().native() + L"\"");
+                  (folder.path() / "store.json").native() + L"\" --agent-dir \"" + folder.path().native() + L"\""));
         EXPECT_EQ(call(L"status --wait 60").code, 0u) << host->errors();
     }
     ~RebootTest() override
@@ -108,7 +106,7 @@ protected:
     std::string pluginState() { return json::parse(call(L"--json status").output).at("host").at("state"); }
 
     std::shared_ptr<IPatchStorage> storage = CommonFactory().createPatchStorage();
-    std::unique_ptr<ChildProcess> host;
+    std::optional<ChildProcess> host;
 };
 
 } // namespace
@@ -158,11 +156,11 @@ TEST_F(DeploymentCommandsTest, loseNothingWhenManyWorkOnTheQueue)
     startStore();
     // Leaves time between a reading and the writing that goes with it.
     client.setDelay(std::chrono::milliseconds(100));
-    std::vector<std::unique_ptr<ChildProcess>> pushers;
+    std::vector<ChildProcess> pushers;
     for (const auto* id : {L"A", L"B", L"C", L"D", L"E", L"F"})
         pushers.push_back(start(std::wstring(L"queue --push ID=") + id));
     for (const auto& pusher : pushers)
-        EXPECT_EQ(pusher->wait(), 0u) << pusher->errors();
+        EXPECT_EQ(pusher.wait(), 0u) << pusher.errors();
     EXPECT_THAT(queued(), testing::UnorderedElementsAre("ID=A", "ID=B", "ID=C", "ID=D", "ID=E", "ID=F"));
 }
 
@@ -187,13 +185,13 @@ TEST_F(DeploymentCommandsTest, followThePublishedPatches)
     startStore();
     put(keys::patchesToInstall, json::array());
     const auto follower = start(L"--json patches --follow --count 2");
-    for (int serial = 0; !follower->wait(std::chrono::milliseconds(10)); ++serial)
+    for (int serial = 0; !follower.wait(std::chrono::milliseconds(10)); ++serial)
         put(keys::patchesToInstall, {{{"update_name", std::to_string(serial)}}});
-    std::istringstream lines(follower->output());
+    std::istringstream lines(follower.output());
     std::vector<json> shown;
     for (std::string line; std::getline(lines, line);)
         shown.push_back(json::parse(line).at("patches"));
-    ASSERT_EQ(shown.size(), 2u) << follower->output();
+    ASSERT_EQ(shown.size(), 2u) << follower.output();
     EXPECT_NE(shown[0], shown[1]);
 }
 
