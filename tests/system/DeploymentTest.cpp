@@ -290,13 +290,18 @@ TEST_F(DeploymentTest, saysWhatIsWrongWithAListAndGoesOnWithTheNext)
     startHost();
     setList(queueKey, {{{"update_id", "ALL"}}});
     waitForPublished({"KB0 installation_requested"});
-    std::size_t failures = 0;
     for (const std::string& key : {queueKey, missingUpdates, logKey}) {
         const json good = list(key);
         for (const json& bad : malformed) {
             SCOPED_TRACE(key + " = " + bad.dump());
+            const auto failures = logCount("Failed to publish the current operations: ");
             setList(key, bad);
-            waitForLog("Failed to publish the current operations: ", ++failures);
+            unsigned looks = 0;
+            waitFor(folder.path(), "a failure", [&] {
+                if (++looks % 8 == 0)
+                    setList(key, bad);
+                return logCount("Failed to publish the current operations: ") > failures;
+            });
         }
         setList(key, good);
         setList(publishedKey, json::array());

@@ -125,11 +125,12 @@ AgentRunner::Result AgentRunner::startAgent(AgentStartReason reason, common::Eve
 AgentRunner::Result AgentRunner::runAgent(AgentStartReason reason, common::Event& stopEvent)
 {
     const auto process = m_commonFactory->createProcess();
-    if (!startProcess(*process)) {
+    const std::wstring args = arguments();
+    if (!startProcess(*process, args)) {
         LogStream(Level::Error) << "Failed to start tarnag.exe process.";
         return Result::Failed;
     }
-    setArguments(L"");
+    useUpArguments(args);
     const CountedAgent counted(m_agentsWaitedFor);
     const WaitableHandle agent(process->getHandle());
     const std::array<const IWaitable*, 2> waitSet{&stopEvent, &agent};
@@ -148,12 +149,11 @@ AgentRunner::Result AgentRunner::runAgent(AgentStartReason reason, common::Event
     return status == common::exitstatus::resourceAlreadyExists ? Result::AlreadyRunning : Result::Failed;
 }
 
-bool AgentRunner::startProcess(common::IProcess& process)
+bool AgentRunner::startProcess(common::IProcess& process, const std::wstring& args)
 {
     const auto key = m_commonFactory->createRegistry()->openKey(installationKey);
     const std::wstring directory = key->getStringValue(L"InstallationDirectory");
     const std::wstring path = (std::filesystem::path(directory) / L"tarnag.exe").wstring();
-    const std::wstring args = arguments();
     LogStream(Level::Info) << "Starting process " << path << ". Arguments: " << args;
     return process.start(path, args, process::Credentials{});
 }
@@ -196,6 +196,14 @@ void AgentRunner::setArguments(const std::wstring& args)
     VX_LOG_VALUES(args);
     const std::lock_guard lock(m_argumentsMutex);
     m_arguments = args;
+}
+
+// Those that were set while the process was being started are for the next one.
+void AgentRunner::useUpArguments(const std::wstring& used)
+{
+    const std::lock_guard lock(m_argumentsMutex);
+    if (m_arguments == used)
+        setArguments(L"");
 }
 
 std::wstring AgentRunner::arguments() const

@@ -149,6 +149,16 @@ TEST_F(TarnpatchManagerTest, keepsArgumentsUntilAStartSucceeds)
     factory.script[2].ended->set();
 }
 
+TEST_F(TarnpatchManagerTest, keepsArgumentsThatComeWhileAnAgentIsStarted)
+{
+    make();
+    manager->start();
+    factory.script[1].whileStarting = [this] { manager->setArguments(L"-c complete"); };
+    startAgent(1);
+    startAgent(2);
+    EXPECT_THAT(startAgent(3), ElementsAre(plain, plain + "-c complete", plain));
+}
+
 TEST_F(TarnpatchManagerTest, leavesARunningAgentAloneAtStop)
 {
     make();

@@ -31,6 +31,7 @@ struct AgentRun {
     std::uint32_t exitCode = 0;
     bool starts = true;
     std::shared_ptr<EndEvent> ended; ///< null: it has ended at once
+    std::function<void()> whileStarting = [] {};
     std::function<void()> beforeExitCode = [] {};
 };
 
@@ -67,6 +68,7 @@ private:
                 m_run.ended = std::make_shared<EndEvent>(true);
             m_factory.starts.add(
                 std::string(path.begin(), path.end()) + "|" + std::string(arguments.begin(), arguments.end()));
+            m_run.whileStarting();
             return m_run.starts;
         }
         void wait() override {}

@@ -38,7 +38,7 @@ public:
     /// Takes the time of the last good run from the status.
     void loadLastStartTimestamp();
     bool isAgentRunning() const { return m_agentsWaitedFor > 0; }
-    /// The command line of the next start. A start that succeeds uses it up.
+    /// The command line of the next start. A start that succeeds uses up the one that it began with.
     void setArguments(const std::wstring& args);
     /// Goes with the next start event; the later of two wins.
     void setStartReason(AgentStartReason reason);
@@ -51,14 +51,15 @@ private:
     bool agentStartRequested(AgentStartReason reason, common::Event& stopEvent);
     Result startAgent(AgentStartReason reason, common::Event& stopEvent);
     Result runAgent(AgentStartReason reason, common::Event& stopEvent);
-    bool startProcess(common::IProcess& process);
+    bool startProcess(common::IProcess& process, const std::wstring& args);
     void closeRemoteOperation(AgentStartReason reason);
     void storeLastStartTimestamp(std::int64_t timestamp);
     AgentStartReason takeStartReason();
     std::wstring arguments() const;
+    void useUpArguments(const std::wstring& used);
 
     common::CommonFactory* const m_commonFactory; ///< borrowed
-    mutable std::mutex m_argumentsMutex;
+    mutable std::recursive_mutex m_argumentsMutex;
     std::wstring m_arguments; ///< guarded by m_argumentsMutex
     const TarnpatchSettings m_settings;
     const TarnpatchStatus m_status;

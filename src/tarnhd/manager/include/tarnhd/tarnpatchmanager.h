@@ -48,7 +48,7 @@ public:
     virtual bool isRunning() const;
     /// Whether an agent that this manager started is being waited for.
     virtual bool isAgentRunning() const;
-    /// The command line of the next agent start only. Not to be called while a start is going on.
+    /// The command line of the next agent start only; of the one after that when a start is going on.
     virtual void setArguments(const std::wstring& args);
     /// Goes with the next start event; the later of two wins.
     virtual void setStartReason(AgentStartReason reason);
