@@ -1,7 +1,5 @@
 #include "fakemeridia.h"
 
-#include <gtest/gtest.h>
-
 using namespace vx;
 
 namespace {
