@@ -1,9 +1,9 @@
 #include "vxtl/process/process.h"
+#include "ownaccount.h"
 #include "support/logcapture.h"
+#include "support/thrown.h"
 #include "vxtl/users/useraccount.h"
 #include "vxtl/win32exception.h"
-
-#include <windows.h>
 
 #include <winternl.h>
 
@@ -15,6 +15,8 @@
 
 using namespace vx;
 using namespace vx::process;
+using support::thrown;
+using testing::HasSubstr;
 namespace fs = std::filesystem;
 
 namespace {
@@ -38,13 +40,6 @@ std::uint32_t exitCode(const Process& process)
 {
     EXPECT_TRUE(sync::waitForSingleObject(process, deadlineMs));
     return process.getReturnCode();
-}
-
-SharedHandle ownToken()
-{
-    HANDLE token = nullptr;
-    EXPECT_TRUE(OpenProcessToken(GetCurrentProcess(), TOKEN_ALL_ACCESS, &token));
-    return std::make_shared<KernelHandle>(token);
 }
 
 struct SystemHandle {
@@ -71,25 +66,18 @@ std::ptrdiff_t openHandles()
 
 TEST(Process, failsOnWhatIsNotThere)
 {
-    try {
-        Process(L"no such folder\\no such program.exe", none, none, Credentials());
-        FAIL() << "no exception";
-    } catch (const Win32Exception&) {
-        FAIL() << "the system was asked";
-    } catch (const BaseException& exception) {
-        EXPECT_STREQ(exception.reason().c_str(), L"Executable file does not exists");
-        EXPECT_THAT(exception.what(), testing::HasSubstr("Function: vx::process::Process::Process,"));
-    }
+    const auto missing =
+        thrown<BaseException>([] { Process(L"no such folder\\no such program.exe", none, none, Credentials()); });
+    EXPECT_EQ(missing.reason(), L"Executable file does not exists") << "the system was asked";
+    EXPECT_THAT(missing.what(), HasSubstr("Function: vx::process::Process::Process,"));
     for (const auto& [token, reason] : {std::pair<SharedHandle, const wchar_t*>(nullptr, L"Can't create process"),
              {ownToken(), L"CreateProcessAsUser failed"}}) {
-        try {
-            Process(L"nosuchprogram.exe", tokenFlags, Redirect::StandardOutput, token ? token->get() : nullptr);
-            FAIL() << "no exception";
-        } catch (const Win32Exception& exception) {
-            EXPECT_EQ(exception.reason(), reason);
-            EXPECT_EQ(exception.code(), ERROR_FILE_NOT_FOUND);
-            EXPECT_THAT(exception.what(), testing::HasSubstr("Function: vx::process::Process::createProcess,"));
-        }
+        void* const user = token ? token->get() : nullptr;
+        const auto failure =
+            thrown<Win32Exception>([&] { Process(L"nosuchprogram.exe", tokenFlags, Redirect::StandardOutput, user); });
+        EXPECT_EQ(failure.reason(), reason);
+        EXPECT_EQ(failure.code(), ERROR_FILE_NOT_FOUND);
+        EXPECT_THAT(failure.what(), HasSubstr("Function: vx::process::Process::createProcess,"));
         HANDLE thread = nullptr;
         EXPECT_FALSE(OpenThreadToken(GetCurrentThread(), TOKEN_QUERY, TRUE, &thread)) << "still impersonated";
     }
@@ -174,8 +162,6 @@ TEST(Process, leavesNoHandleOpenWhateverHappens)
 
 TEST(Process, tellsWhyWhenTheTokenMayNotBeDuplicated)
 {
-    HANDLE raw = nullptr;
-    ASSERT_TRUE(OpenProcessToken(GetCurrentProcess(), TOKEN_QUERY, &raw));
-    const KernelHandle token(raw);
-    EXPECT_THROW(Process(selfAsChild(L"exit 1"), tokenFlags, Redirect::None, token.get()), Win32Exception);
+    const SharedHandle token = ownToken(TOKEN_QUERY);
+    EXPECT_THROW(Process(selfAsChild(L"exit 1"), tokenFlags, Redirect::None, token->get()), Win32Exception);
 }
