@@ -11,12 +11,12 @@ namespace vx::str {
 namespace {
 
 /// Paths are where the library converts strictly and whatever the locale.
-template <typename Result, typename Text>
-Result convert(Result (std::filesystem::path::*form)() const, const Text& text)
+template <typename Conversion>
+auto guarded(Conversion convert)
 {
     constexpr unsigned long noUnicodeTranslation = 1113;
     try {
-        return (std::filesystem::path(text).*form)();
+        return convert();
     } catch (const std::filesystem::filesystem_error&) {
         VX_THROW_WIN32(noUnicodeTranslation);
     }
@@ -26,12 +26,12 @@ Result convert(Result (std::filesystem::path::*form)() const, const Text& text)
 
 std::string toUtf8(std::wstring_view text)
 {
-    return convert(&std::filesystem::path::string, std::u32string(text.begin(), text.end()));
+    return guarded([&] { return std::filesystem::path(std::u32string(text.begin(), text.end())).string(); });
 }
 
 std::wstring fromUtf8(std::string_view text)
 {
-    const std::u32string wide = convert(&std::filesystem::path::u32string, text);
+    const std::u32string wide = guarded([&] { return std::filesystem::path(text).u32string(); });
     return {wide.begin(), wide.end()};
 }
 
