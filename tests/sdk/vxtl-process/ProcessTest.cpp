@@ -1,5 +1,6 @@
 #include "vxtl/process/process.h"
 #include "ownaccount.h"
+#include "support/childtest.h"
 #include "support/logcapture.h"
 #include "support/thrown.h"
 #include "vxtl/users/useraccount.h"
@@ -9,8 +10,8 @@
 
 #include <algorithm>
 #include <filesystem>
-#include <istream>
-#include <ostream>
+#include <iostream>
+#include <iterator>
 #include <span>
 
 using namespace vx;
@@ -33,7 +34,7 @@ std::wstring self()
 
 std::wstring selfAsChild(const std::wstring& part)
 {
-    return L"\"" + self() + L"\" child " + part;
+    return L"\"" + self() + L"\" --child " + part;
 }
 
 std::uint32_t exitCode(const Process& process)
@@ -60,6 +61,25 @@ std::ptrdiff_t openHandles()
     EXPECT_EQ(NtQuerySystemInformation(systemHandleInformation, list.data(), list.size() * sizeof(ULONG), &size), 0);
     const std::span handles(reinterpret_cast<const SystemHandle*>(list.data() + 1), list[0]);
     return std::ranges::count(handles, GetCurrentProcessId(), &SystemHandle::owner);
+}
+
+int echo()
+{
+    std::string line;
+    std::getline(std::cin, line);
+    std::cout << "out " << line << std::flush;
+    std::cerr << "err " << line << std::flush;
+    return 3;
+}
+
+int drain()
+{
+    return static_cast<int>(std::distance(std::istreambuf_iterator<char>(std::cin), {}));
+}
+
+int cwd()
+{
+    return fs::exists("elsewhere") ? 5 : 6;
 }
 
 } // namespace
@@ -97,7 +117,7 @@ TEST(Process, talksThroughTheRedirectedStreamsOnly)
     EXPECT_TRUE(process.stdoutStream()->bad());
     EXPECT_TRUE(process.stdinStream()->write("x", 1).bad());
 
-    Process output(selfAsChild(L"exit 1"), 0, Redirect::StandardOutput, nullptr);
+    Process output(selfAsChild(L"exit1"), 0, Redirect::StandardOutput, nullptr);
     EXPECT_FALSE(output.stdinStream());
     EXPECT_TRUE(output.stdoutStream());
     EXPECT_FALSE(output.stderrStream());
@@ -128,8 +148,8 @@ TEST(Process, startsAnExecutableWhosePathHasBlanksInItsOwnFolder)
     fs::create_directories(folder / "elsewhere");
     fs::copy_file(self(), folder / "the child.exe");
     const std::wstring child = folder / "the child.exe";
-    EXPECT_EQ(exitCode(Process(child, L"child cwd", none, Credentials())), 5u);
-    EXPECT_EQ(exitCode(Process(child, L"child cwd", folder / "elsewhere", Credentials())), 6u);
+    EXPECT_EQ(exitCode(Process(child, L"--child cwd", none, Credentials())), 5u);
+    EXPECT_EQ(exitCode(Process(child, L"--child cwd", folder / "elsewhere", Credentials())), 6u);
     std::error_code busy;
     fs::remove_all(folder, busy);
 }
@@ -138,7 +158,7 @@ TEST(Process, runsUnderTheCallersOwnToken)
 {
     support::LogCapture log;
     const SharedHandle token = ownToken();
-    Process process(selfAsChild(L"exit 42"), tokenFlags, Redirect::None, token->get());
+    Process process(selfAsChild(L"exit42"), tokenFlags, Redirect::None, token->get());
     EXPECT_EQ(exitCode(process), 42u);
     EXPECT_EQ(log.count(" with credentials: '"), 1u);
     EXPECT_GT(users::UserAccount(token->get()).user().size(), 0u);
@@ -149,7 +169,7 @@ TEST(Process, leavesNoHandleOpenWhateverHappens)
     const SharedHandle token = ownToken();
     const auto all = Redirect::StandardInput | Redirect::StandardOutput | Redirect::StandardError;
     const auto round = [&] {
-        exitCode(Process(selfAsChild(L"exit 1"), tokenFlags, all, token->get()));
+        exitCode(Process(selfAsChild(L"exit1"), tokenFlags, all, token->get()));
         EXPECT_THROW(Process(L"nosuchprogram.exe", tokenFlags, all, token->get()), Win32Exception);
         EXPECT_THROW(Process(L"nosuchprogram.exe", 0, all, nullptr), Win32Exception);
         return openHandles();
@@ -163,5 +183,11 @@ TEST(Process, leavesNoHandleOpenWhateverHappens)
 TEST(Process, tellsWhyWhenTheTokenMayNotBeDuplicated)
 {
     const SharedHandle token = ownToken(TOKEN_QUERY);
-    EXPECT_THROW(Process(selfAsChild(L"exit 1"), tokenFlags, Redirect::None, token->get()), Win32Exception);
+    EXPECT_THROW(Process(selfAsChild(L"exit1"), tokenFlags, Redirect::None, token->get()), Win32Exception);
+}
+
+int main(int argc, char** argv)
+{
+    return support::mainWithChildren(argc, argv,
+        {{"echo", echo}, {"drain", drain}, {"cwd", cwd}, {"exit1", [] { return 1; }}, {"exit42", [] { return 42; }}});
 }
