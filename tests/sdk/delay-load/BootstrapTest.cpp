@@ -1,7 +1,6 @@
 #include "delay-load/bootstrap.h"
 
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
+#include <map>
 #include <set>
 
 using namespace vx::delayload;
@@ -16,16 +15,15 @@ void VX_CDECL recordDependencies(const DependencyContext* context)
     askedComponents.push_back(context->component);
 }
 
-class FakeLoader : public ILoader {
-public:
+struct FakeLoader : ILoader {
     Module load(const std::wstring& path) override
     {
         tried.push_back(path);
-        return files.count(path) ? this : nullptr;
+        return files.contains(path) ? this : nullptr;
     }
     void* findFunction(Module, const char* name) override
     {
-        return functions.count(name) ? reinterpret_cast<void*>(&recordDependencies) : nullptr;
+        return functions.contains(name) ? reinterpret_cast<void*>(&recordDependencies) : nullptr;
     }
     std::wstring executablePath() override { return L"C:\\Program\\host.exe"; }
     std::wstring systemDirectory() override { return L"C:\\Windows\\system32"; }
@@ -41,19 +39,18 @@ public:
     std::vector<std::wstring> tried;
 };
 
-class BootstrapTest : public testing::Test {
-protected:
+struct BootstrapTest : testing::Test {
     BootstrapTest() { askedComponents.clear(); }
 
     LoadStatus load(const LoadContext& context, const std::string& name = "a.dll")
     {
-        return m_bootstrap.initialize(
-            context, [&](LateBinder& binder) { binder.load(name); }, m_result);
+        return bootstrap.initialize(
+            context, [&](LateBinder& binder) { binder.load(name); }, result);
     }
 
-    std::shared_ptr<FakeLoader> m_loader = std::make_shared<FakeLoader>();
-    Bootstrap m_bootstrap{m_loader};
-    LoadResult m_result{LoadStatus::Other, "old", "old"};
+    std::shared_ptr<FakeLoader> loader = std::make_shared<FakeLoader>();
+    Bootstrap bootstrap{loader};
+    LoadResult result{LoadStatus::Other, "old", "old"};
 };
 
 const std::wstring key100 = L"Software\\Vantorix\\QRL\\Delay Loading\\100|a.dll";
@@ -63,7 +60,7 @@ const std::wstring key0 = L"Software\\Lindhaven\\Vantorix\\Delay Loading|a.dll";
 
 TEST_F(BootstrapTest, placesAreTriedInOrder)
 {
-    m_loader->registry = {{key100, L"D:\\Other\\b.dll"}, {key0, L"\\\\server\\c.dll"}};
+    loader->registry = {{key100, L"D:\\Other\\b.dll"}, {key0, L"\\\\server\\c.dll"}};
     const std::wstring beside = L"C:\\Program\\a.dll";
     const std::wstring system = L"C:\\Windows\\system32\\a.dll";
     const struct {
@@ -78,45 +75,39 @@ TEST_F(BootstrapTest, placesAreTriedInOrder)
         {{L"E:\\Own", false, 100}, {L"E:\\Own\\a.dll", system}},
     };
     for (const auto& row : rows) {
-        m_loader->tried.clear();
+        loader->tried.clear();
         EXPECT_EQ(LoadStatus::ModuleNotFound, load(row.context));
-        EXPECT_EQ(row.tried, m_loader->tried) << row.context.component << row.context.searchExecutableDirectory;
+        EXPECT_EQ(row.tried, loader->tried) << row.context.component << row.context.searchExecutableDirectory;
     }
-    EXPECT_EQ("a.dll", m_result.libraryName());
-    EXPECT_EQ("", m_result.functionName());
-}
-
-TEST_F(BootstrapTest, firstPlaceThatHasTheLibraryEndsTheSearch)
-{
-    m_loader->files = {L"C:\\Program\\a.dll", L"D:\\Other\\b.dll"};
-    m_loader->registry[key100] = L"D:\\Other\\b.dll";
-    EXPECT_EQ(LoadStatus::Success, load({{}, true, 100}));
-    EXPECT_THAT(m_loader->tried, ElementsAre(L"C:\\Program\\a.dll"));
+    EXPECT_EQ("a.dll", result.libraryName());
+    EXPECT_EQ("", result.functionName());
 }
 
 TEST_F(BootstrapTest, registryTextThatIsNoFullPathIsNotTried)
 {
     for (const wchar_t* text : {L"", L"evil.dll", L"..\\evil.dll", L"C:evil.dll", L"%TEMP%\\evil.dll"}) {
-        m_loader->tried.clear();
-        m_loader->registry[key100] = text;
+        loader->tried.clear();
+        loader->registry[key100] = text;
         load({{}, false, 100});
-        EXPECT_THAT(m_loader->tried, ElementsAre(L"C:\\Windows\\system32\\a.dll"));
+        EXPECT_THAT(loader->tried, ElementsAre(L"C:\\Windows\\system32\\a.dll"));
     }
 }
 
-TEST_F(BootstrapTest, libraryLoadsItsDependenciesOnce)
+TEST_F(BootstrapTest, firstLibraryFoundEndsTheSearchAndLoadsItsDependenciesOnce)
 {
-    m_loader->files = {L"C:\\Program\\a.dll"};
-    m_loader->functions = {"VXDelayLoadDependencies"};
-    load({{}, true, 100});
-    EXPECT_EQ(LoadStatus::Success, load({{}, true, 100}));
+    loader->files = {L"C:\\Program\\a.dll", L"D:\\Other\\b.dll"};
+    loader->registry[key100] = L"D:\\Other\\b.dll";
+    loader->functions = {"VXDelayLoadDependencies"};
+    for (int i = 0; i < 2; ++i)
+        EXPECT_EQ(LoadStatus::Success, load({{}, true, 100}));
+    EXPECT_THAT(loader->tried, ElementsAre(L"C:\\Program\\a.dll"));
     EXPECT_THAT(askedComponents, ElementsAre(100u));
 }
 
 TEST_F(BootstrapTest, missingFunctionGivesBothNamesAndLongNamesAreCut)
 {
-    m_loader->files = {L"C:\\Program\\a.dll"};
-    m_loader->functions = {"Present"};
+    loader->files = {L"C:\\Program\\a.dll"};
+    loader->functions = {"Present"};
     void(VX_CDECL * bound)() = nullptr;
     const std::string missing(2000, 'x');
     const auto initializer = [&](LateBinder& binder) {
@@ -124,24 +115,23 @@ TEST_F(BootstrapTest, missingFunctionGivesBothNamesAndLongNamesAreCut)
         library.bind(bound, "Present");
         library.bind(bound, missing.c_str());
     };
-    EXPECT_EQ(LoadStatus::FunctionNotFound, m_bootstrap.initialize({}, initializer, m_result));
-    EXPECT_EQ(LoadStatus::FunctionNotFound, m_result.status);
-    EXPECT_EQ("a.dll", m_result.libraryName());
-    EXPECT_EQ(std::string(1024, 'x'), m_result.functionName());
+    EXPECT_EQ(LoadStatus::FunctionNotFound, bootstrap.initialize({}, initializer, result));
+    EXPECT_EQ("a.dll", result.libraryName());
+    EXPECT_EQ(std::string(1024, 'x'), result.functionName());
 }
 
 TEST_F(BootstrapTest, badParametersAreTheThirdStatus)
 {
     EXPECT_EQ(LoadStatus::Other, load({}, ""));
-    EXPECT_EQ(LoadStatus::Other, m_bootstrap.initialize({}, nullptr, m_result));
-    EXPECT_EQ("", m_result.libraryName());
+    EXPECT_EQ(LoadStatus::Other, bootstrap.initialize({}, nullptr, result));
+    EXPECT_EQ("", result.libraryName());
 }
 
 TEST_F(BootstrapTest, otherExceptionsPassOnAndLeaveTheBootstrapUsable)
 {
-    EXPECT_THROW(m_bootstrap.initialize(
-                     {}, [](LateBinder&) { throw 1; }, m_result),
+    EXPECT_THROW(bootstrap.initialize(
+                     {}, [](LateBinder&) { throw 1; }, result),
         int);
-    EXPECT_EQ("old", m_result.libraryName());
+    EXPECT_EQ("old", result.libraryName());
     EXPECT_EQ(LoadStatus::ModuleNotFound, load({}));
 }

@@ -3,17 +3,40 @@
 #include "logfolder.h"
 #include "logging/logger.h"
 
-#include <gmock/gmock.h>
 #include <thread>
 #include <windows.h>
 
 #include <sddl.h>
 
-namespace VxQrlLogging {
+using namespace VxQrlLogging;
+using testing::ElementsAre;
+
 namespace {
 
-using testing::ElementsAre;
-using testing::IsEmpty;
+std::string accessText(PSECURITY_DESCRIPTOR descriptor)
+{
+    char* text = nullptr;
+    EXPECT_TRUE(ConvertSecurityDescriptorToStringSecurityDescriptorA(
+        descriptor, SDDL_REVISION_1, DACL_SECURITY_INFORMATION, &text, nullptr));
+    const std::string result = text;
+    LocalFree(text);
+    return result;
+}
+
+// Systems differ in the order in which they spell rights.
+std::string spelledBySystem(const char* text)
+{
+    PSECURITY_DESCRIPTOR descriptor = nullptr;
+    EXPECT_TRUE(ConvertStringSecurityDescriptorToSecurityDescriptorA(text, SDDL_REVISION_1, &descriptor, nullptr));
+    const std::string result = accessText(descriptor);
+    LocalFree(descriptor);
+    return result;
+}
+
+std::wstring line(int number)
+{
+    return L"line " + std::to_wstring(number) + L"\r\n";
+}
 
 std::unique_ptr<FileContext> makeContext(unsigned flags = 0, unsigned long mutexWaitMs = 10000)
 {
@@ -24,35 +47,48 @@ std::unique_ptr<FileContext> makeContext(unsigned flags = 0, unsigned long mutex
     return context;
 }
 
-std::wstring line(int number)
-{
-    return L"line " + std::to_wstring(number) + L"\r\n";
-}
+struct FileContextTest : testing::Test {
+    LogFolder folder;
+    std::vector<std::string> calls; ///< directories asked for, and with which access
+    std::size_t failingCall = 99;
 
-TEST(FileContext, keepsAsManyRotatedFilesAsConfigured)
+    /// A context that makes no directory and notes the calls.
+    FileContext recordingContext(unsigned flags)
+    {
+        struct Path : FileSystem::Path {
+            explicit Path(FileContextTest& owner) : test(owner) {}
+            bool createDirectories(const std::wstring& path, FileSystem::SecurityAttributes* attributes) override
+            {
+                const std::string access = attributes ? accessText(attributes->lpSecurityDescriptor) : "default";
+                test.calls.push_back(std::filesystem::path(path).filename().string() + " " + access);
+                return test.calls.size() < test.failingCall;
+            }
+            FileContextTest& test;
+        };
+        return {LogFolder::name1, LogFolder::name2, flags, std::make_unique<Path>(*this)};
+    }
+};
+
+} // namespace
+
+TEST_F(FileContextTest, keepsAsManyRotatedFilesAsConfigured)
 {
-    struct Case {
-        unsigned long configured;
-        int kept;
-    };
-    for (const Case& c : {Case{0, 0}, Case{1, 1}, Case{2, 2}}) {
-        SCOPED_TRACE(c.configured);
-        LogFolder folder;
-        LogFolder::configure(L"", L"LogRotateCount", c.configured);
-        LogFolder::configure(L"", L"LogMaxSizeKB", 0);
+    LogFolder::configure(L"", L"LogMaxSizeKB", 0);
+    for (const int kept : {0, 1, 2}) {
+        SCOPED_TRACE(kept);
+        LogFolder::configure(L"", L"LogRotateCount", static_cast<unsigned long>(kept));
         const auto context = makeContext();
         for (int i = 0; i <= 5; ++i)
             context->write(line(i));
-        EXPECT_EQ(folder.files().size(), static_cast<std::size_t>(c.kept) + 1);
+        EXPECT_EQ(folder.files().size(), static_cast<std::size_t>(kept) + 1);
         // The smallest limit holds one record per file; the youngest rotated file is the first.
-        for (int i = 0; i <= c.kept; ++i)
+        for (int i = 0; i <= kept; ++i)
             EXPECT_THAT(folder.lines(i), ElementsAre("line " + std::to_string(5 - i)));
     }
 }
 
-TEST(FileContext, rotatesUpToNinetyNineWhateverIsConfigured)
+TEST_F(FileContextTest, rotatesUpToNinetyNineWhateverIsConfigured)
 {
-    LogFolder folder;
     LogFolder::configure(L"", L"LogRotateCount", 500);
     LogFolder::configure(L"", L"LogMaxSizeKB", 0);
     const auto context = makeContext();
@@ -65,9 +101,8 @@ TEST(FileContext, rotatesUpToNinetyNineWhateverIsConfigured)
     EXPECT_THAT(folder.files(), ElementsAre("part.1.log", "part.2.log", "part.log"));
 }
 
-TEST(FileContext, goesOverItsLimitByOneRecordAtMost)
+TEST_F(FileContextTest, goesOverItsLimitByOneRecordAtMost)
 {
-    LogFolder folder;
     LogFolder::configure(L"", L"LogMaxSizeKB", 1);
     const auto context = makeContext();
     context->write(std::wstring(510, L'x') + L"\r"); // with the mark, one byte pair short of the limit is not full
@@ -76,9 +111,8 @@ TEST(FileContext, goesOverItsLimitByOneRecordAtMost)
     EXPECT_EQ(std::filesystem::file_size(folder.file(1)), 1024u);
 }
 
-TEST(FileContext, appendsToTheFileThatAnotherProcessRotated)
+TEST_F(FileContextTest, appendsToTheFileThatAnotherProcessRotated)
 {
-    LogFolder folder;
     LogFolder::configure(L"", L"LogMaxSizeKB", 0);
     const auto first = makeContext();
     const auto second = makeContext();
@@ -91,205 +125,97 @@ TEST(FileContext, appendsToTheFileThatAnotherProcessRotated)
     EXPECT_THAT(folder.files(), ElementsAre("part.1.log", "part.log"));
 }
 
-// Holds the log's mutex in a thread of its own while it lives.
-class MutexHolder {
-public:
-    explicit MutexHolder(const FileContext& context)
-        : m_mutex(OpenMutexW(SYNCHRONIZE, FALSE, context.mutexName(false).c_str()))
-    {
-        EXPECT_TRUE(m_mutex);
-        m_thread = std::thread([this] {
-            WaitForSingleObject(m_mutex, INFINITE);
-            SetEvent(m_held);
-            WaitForSingleObject(m_release, INFINITE);
-            if (!abandon)
-                ReleaseMutex(m_mutex);
-        });
-        WaitForSingleObject(m_held, INFINITE);
-    }
-    ~MutexHolder()
-    {
-        release();
-        for (const HANDLE handle : {m_mutex, m_held, m_release})
-            CloseHandle(handle);
-    }
-    MutexHolder(const MutexHolder&) = delete;
-    MutexHolder& operator=(const MutexHolder&) = delete;
-
-    void release()
-    {
-        SetEvent(m_release);
-        if (m_thread.joinable())
-            m_thread.join();
-    }
-
-    bool abandon = false;
-
-private:
-    HANDLE m_mutex;
-    HANDLE m_held = CreateEventW(nullptr, TRUE, FALSE, nullptr);
-    HANDLE m_release = CreateEventW(nullptr, TRUE, FALSE, nullptr);
-    std::thread m_thread;
-};
-
-TEST(FileContext, losesJustTheRecordThatWaitedTooLong)
+TEST_F(FileContextTest, losesJustTheRecordThatWaitedTooLongAndTakesOverAnAbandonedMutex)
 {
-    LogFolder folder;
     const auto context = makeContext(0, 1);
+    const HANDLE mutex = OpenMutexW(SYNCHRONIZE, FALSE, context->mutexName(false).c_str());
     context->write(line(1));
-    {
-        const MutexHolder holder(*context);
+    ASSERT_EQ(WaitForSingleObject(mutex, 0), WAIT_OBJECT_0);
+    std::thread([&] {
         context->write(line(2));
         context->flush();
-    }
+    }).join();
+    ReleaseMutex(mutex);
     context->write(line(3));
-    EXPECT_THAT(folder.lines(), ElementsAre("line 1", "line 3"));
+    std::thread([&] { WaitForSingleObject(mutex, INFINITE); }).join();
+    context->write(line(4));
+    CloseHandle(mutex);
+    EXPECT_THAT(folder.lines(), ElementsAre("line 1", "line 3", "line 4"));
 }
 
-TEST(FileContext, takesOverAnAbandonedMutex)
+TEST_F(FileContextTest, namesItsMutexAfterTheFileWithoutBackslashes)
 {
-    LogFolder folder;
-    const auto context = makeContext();
-    MutexHolder holder(*context);
-    holder.abandon = true;
-    holder.release();
-    context->write(line(1));
-    EXPECT_THAT(folder.lines(), ElementsAre("line 1"));
-}
-
-TEST(FileContext, namesItsMutexAfterTheFileWithoutBackslashes)
-{
-    LogFolder folder;
     FileContext context(L"outer\\inner", L"part", 0, std::make_unique<FileSystem::Path>());
     context.open();
     context.write(line(1));
-    EXPECT_TRUE(std::filesystem::exists(folder.root() / "Vantorix/Log/outer/inner/part.log"));
-    std::wstring path = folder.root().wstring() + L"\\Vantorix\\Log\\outer\\inner\\part";
-    std::replace(path.begin(), path.end(), L'\\', L'_');
+    EXPECT_TRUE(std::filesystem::exists(folder.root / "Vantorix/Log/outer/inner/part.log"));
+    std::wstring path = folder.root.wstring() + L"\\Vantorix\\Log\\outer\\inner\\part";
+    std::ranges::replace(path, L'\\', L'_');
     EXPECT_EQ(context.mutexName(false), L"Global\\VxQrlLogging_" + path);
     EXPECT_EQ(context.mutexName(true), L"Local\\VxQrlLogging_" + path);
 }
 
-TEST(FileContext, putsTheUserIntoTheFileName)
+TEST_F(FileContextTest, putsTheUserIntoTheFileNameAndRemovesItThroughAnother)
 {
-    LogFolder folder;
     const auto context = makeContext(LOG_FLAG_USER_SUFFIX);
     context->write(line(1));
     ASSERT_EQ(folder.files().size(), 1u);
     EXPECT_THAT(folder.files()[0], testing::AllOf(testing::StartsWith("part.S-1-"), testing::EndsWith(".log")));
-}
-
-TEST(FileContext, removesAFileThroughAnotherName)
-{
-    LogFolder folder;
-    const auto context = makeContext();
-    context->write(line(1));
     context->deleteFile(context->fileName(0));
-    EXPECT_FALSE(std::filesystem::exists(folder.file()));
+    EXPECT_FALSE(std::filesystem::exists(context->fileName(0)));
 }
 
-using Descriptor = std::unique_ptr<void, decltype(&LocalFree)>;
-
-std::string accessText(PSECURITY_DESCRIPTOR descriptor)
+TEST_F(FileContextTest, asksForTheAccessOfItsFlags)
 {
-    char* text = nullptr;
-    EXPECT_TRUE(ConvertSecurityDescriptorToStringSecurityDescriptorA(
-        descriptor, SDDL_REVISION_1, DACL_SECURITY_INFORMATION, &text, nullptr));
-    const Descriptor owner(text, LocalFree);
-    return text;
-}
-
-// Systems differ in the order in which they spell rights.
-std::string spelledBySystem(const char* text)
-{
-    PSECURITY_DESCRIPTOR descriptor = nullptr;
-    EXPECT_TRUE(ConvertStringSecurityDescriptorToSecurityDescriptorA(text, SDDL_REVISION_1, &descriptor, nullptr));
-    const Descriptor owner(descriptor, LocalFree);
-    return accessText(descriptor);
-}
-
-// Notes what directories are asked for and with which access.
-class RecordingPath : public FileSystem::Path {
-public:
-    explicit RecordingPath(std::vector<std::string>& calls) : m_calls(calls) {}
-    bool createDirectories(const std::wstring& path, FileSystem::SecurityAttributes* attributes) override
-    {
-        const std::string access = attributes ? accessText(attributes->lpSecurityDescriptor) : "default";
-        m_calls.push_back(std::filesystem::path(path).filename().string() + " " + access);
-        return m_calls.size() < fail;
-    }
-
-    std::size_t fail = 99;
-
-private:
-    std::vector<std::string>& m_calls;
-};
-
-TEST(FileContext, asksForTheAccessOfItsFlags)
-{
-    LogFolder folder;
     const std::string open = "prog " + spelledBySystem("D:(A;OICI;GA;;;SY)(A;OICI;GA;;;BA)(A;OICI;GRGX;;;AU)");
     const std::string strict = "prog " + spelledBySystem("D:(A;;GA;;;SY)(A;;GA;;;BA)");
-    for (const unsigned flags : {0u, LOG_FLAG_STRICT_ACL}) {
-        std::vector<std::string> calls;
-        FileContext(L"prog", L"part", flags, std::make_unique<RecordingPath>(calls)).open();
-        EXPECT_THAT(calls, ElementsAre("Vantorix default", flags == 0 ? open : strict));
-    }
+    recordingContext(0).open();
+    recordingContext(LOG_FLAG_STRICT_ACL).open();
+    EXPECT_THAT(calls, ElementsAre("Vantorix default", open, "Vantorix default", strict));
 }
 
-TEST(FileContext, dropsOutWithoutADirectory)
+TEST_F(FileContextTest, dropsOutWithoutADirectory)
 {
-    LogFolder folder;
-    for (const std::size_t fail : {1u, 2u}) {
-        std::vector<std::string> calls;
-        auto path = std::make_unique<RecordingPath>(calls);
-        path->fail = fail;
-        FileContext context(L"prog", L"part", 0, std::move(path));
+    for (const std::size_t failing : {1u, 2u}) {
+        calls.clear();
+        failingCall = failing;
+        FileContext context = recordingContext(0);
         EXPECT_TRUE(context.open());
         context.write(line(1));
         context.flush();
-        EXPECT_EQ(calls.size(), fail);
+        EXPECT_EQ(calls.size(), failing);
         EXPECT_EQ(context.fileName(0), L"");
         EXPECT_FALSE(context.prepareFile());
     }
 }
 
-TEST(FileContext, findsItsRootThroughTheEnvironmentOnly)
+TEST_F(FileContextTest, findsItsRootThroughTheEnvironmentOnly)
 {
-    LogFolder folder;
-    const std::wstring other = folder.root().wstring() + L"-other";
-    LogFolder::configure(
-        L"", L"RootPath", REG_SZ, other.c_str(), static_cast<unsigned long>((other.size() + 1) * sizeof(wchar_t)));
+    const std::wstring other = folder.root.wstring() + L"-other";
+    LogFolder::configure(L"", L"RootPath", REG_SZ, other.c_str(), (other.size() + 1) * sizeof(wchar_t));
     makeContext()->write(line(1));
     EXPECT_THAT(folder.lines(), ElementsAre("line 1"));
     EXPECT_FALSE(std::filesystem::exists(other));
 }
 
-TEST(FileContext, writesToTheUsersFolderWithoutAdministratorRights)
+TEST_F(FileContextTest, writesToTheUsersFolderWithoutAdministratorRights)
 {
-    LogFolder folder;
     HANDLE token = nullptr;
     HANDLE restricted = nullptr;
-    SID_IDENTIFIER_AUTHORITY authority = {SECURITY_NT_AUTHORITY};
-    SID_AND_ATTRIBUTES administrators{};
-    ASSERT_TRUE(AllocateAndInitializeSid(
-        &authority, 2, SECURITY_BUILTIN_DOMAIN_RID, DOMAIN_ALIAS_RID_ADMINS, 0, 0, 0, 0, 0, 0, &administrators.Sid));
+    unsigned char sid[SECURITY_MAX_SID_SIZE];
+    DWORD size = sizeof sid;
+    SID_AND_ATTRIBUTES administrators{sid, 0};
+    ASSERT_TRUE(CreateWellKnownSid(WinBuiltinAdministratorsSid, nullptr, sid, &size));
     ASSERT_TRUE(OpenProcessToken(GetCurrentProcess(), TOKEN_ALL_ACCESS, &token));
     ASSERT_TRUE(CreateRestrictedToken(token, 0, 1, &administrators, 0, nullptr, 0, nullptr, &restricted));
     ASSERT_TRUE(ImpersonateLoggedOnUser(restricted));
-    SetEnvironmentVariableW(L"LOCALAPPDATA", folder.root().c_str());
+    SetEnvironmentVariableW(L"LOCALAPPDATA", folder.root.c_str());
     SetEnvironmentVariableW(L"ProgramData", L"");
-    std::vector<std::string> calls;
-    FileContext context(
-        L"prog", L"part", LOG_FLAG_STRICT_ACL | LOG_FLAG_USER_SUFFIX, std::make_unique<RecordingPath>(calls));
+    FileContext context = recordingContext(LOG_FLAG_STRICT_ACL | LOG_FLAG_USER_SUFFIX);
     context.open();
     RevertToSelf();
     EXPECT_THAT(calls, ElementsAre("Vantorix default", "prog default"));
     EXPECT_EQ(context.fileName(0), folder.file().wstring());
-    FreeSid(administrators.Sid);
     CloseHandle(restricted);
     CloseHandle(token);
 }
-
-} // namespace
-} // namespace VxQrlLogging

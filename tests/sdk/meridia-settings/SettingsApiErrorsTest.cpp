@@ -1,13 +1,16 @@
 #include "fakemeridia.h"
 #include "settings-api/exceptions.h"
+#include "support/thrown.h"
 
-#include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
 
 using namespace vx;
 using meridia::errorText;
 using meridia::QrlMeridiaError_enum;
 using meridia::SettingsApi;
+using support::thrown;
+using testing::HasSubstr;
+using testing::StartsWith;
 
 namespace {
 
@@ -16,15 +19,13 @@ struct Operation {
     std::function<void(SettingsApi&)> run;
 };
 
-const Operation reads[] = {
+const Operation operations[] = {
     {L"getBoolValue", [](auto& api) { api.getBoolValue(L"n"); }},
     {L"getInt32Value", [](auto& api) { api.getInt32Value(L"n"); }},
     {L"getInt64Value", [](auto& api) { api.getInt64Value(L"n"); }},
     {L"getDoubleValue", [](auto& api) { api.getDoubleValue(L"n"); }},
     {L"getStringValue", [](auto& api) { api.getStringValue(L"n"); }},
     {L"getJsonValue", [](auto& api) { api.getJsonValue(L"n"); }},
-};
-const Operation writes[] = {
     {L"setBoolValue", [](auto& api) { api.setBoolValue(L"n", true); }},
     {L"setInt32Value", [](auto& api) { api.setInt32Value(L"n", 1); }},
     {L"setInt64Value", [](auto& api) { api.setInt64Value(L"n", 1); }},
@@ -35,7 +36,7 @@ const Operation writes[] = {
 
 /// What a code means, and at which of the repeated calls of a write that is found out.
 struct Meaning {
-    const wchar_t* type;
+    std::wstring type;
     std::size_t callsOfWrite;
 };
 
@@ -51,82 +52,66 @@ Meaning meaningOf(int code)
     }
 }
 
-class SettingsApiErrorsTest : public testing::Test {
-protected:
-    void expectFailure(const Operation& operation, int code)
-    {
-        SCOPED_TRACE(testing::Message() << operation.name << " with " << code);
-        m_fake.answer({code});
-        m_fake.calls.clear();
-        try {
-            operation.run(*m_api);
-            ADD_FAILURE() << "no failure";
-        } catch (const BaseException& exception) {
-            expectMeaning(exception, operation, code);
-        }
-        EXPECT_TRUE(m_fake.lentTexts.empty());
-    }
+struct SettingsApiErrorsTest : testing::Test {
+    FakeMeridia fake;
+    std::unique_ptr<SettingsApi> api = fake.open();
 
-    static void expectMeaning(const BaseException& exception, const Operation& operation, int code)
+    void expectMeaning(const BaseException& exception, const std::wstring& operation, int code)
     {
         const std::wstring report = exception.wideWhat();
-        EXPECT_TRUE(report.starts_with(std::wstring(L"Type: ") + meaningOf(code).type + L", ")) << exception.what();
-        EXPECT_NE(std::wstring::npos,
-            report.find(std::wstring(L"Function: vx::meridia::SettingsApi::") + operation.name + L","));
-        EXPECT_NE(std::wstring::npos, report.find(L", Setting: n"));
+        EXPECT_THAT(report, StartsWith(L"Type: " + meaningOf(code).type + L", "));
+        EXPECT_THAT(report, HasSubstr(L"Function: vx::meridia::SettingsApi::" + operation + L","));
+        EXPECT_THAT(report, HasSubstr(L", Setting: n"));
         if (const auto* other = dynamic_cast<const QrlMeridiaException*>(&exception)) {
             EXPECT_EQ(code, static_cast<int>(other->code()));
             EXPECT_EQ(errorText(other->code()) + std::wstring(L", Setting: n"), other->reason());
         }
+        EXPECT_EQ(operation.starts_with(L"get") ? 1u : meaningOf(code).callsOfWrite, fake.calls.size());
+        EXPECT_TRUE(fake.lentTexts.empty());
     }
-
-    FakeMeridia m_fake;
-    std::unique_ptr<SettingsApi> m_api = m_fake.open();
 };
 
 } // namespace
 
-TEST_F(SettingsApiErrorsTest, readThrowsWhatTheCodeMeansAfterOneCall)
+TEST_F(SettingsApiErrorsTest, readsCallTheStoreOnceAndWritesAgainForEachComparison)
 {
-    for (const Operation& read : reads)
+    for (const auto& [name, run] : operations)
         for (int code = 1; code <= 25; ++code) {
-            expectFailure(read, code);
-            EXPECT_EQ(1u, m_fake.calls.size());
+            SCOPED_TRACE(testing::Message() << name << " with " << code);
+            fake.answer({code});
+            fake.calls.clear();
+            try {
+                run(*api);
+                ADD_FAILURE() << "no failure";
+            } catch (const BaseException& exception) {
+                expectMeaning(exception, name, code);
+            }
         }
 }
 
-TEST_F(SettingsApiErrorsTest, writeCallsTheStoreAgainForEachComparison)
+TEST_F(SettingsApiErrorsTest, eachCallOfAWriteIsMetByItsOwnComparison)
 {
-    for (const Operation& write : writes)
-        for (int code = 1; code <= 25; ++code) {
-            expectFailure(write, code);
-            EXPECT_EQ(meaningOf(code).callsOfWrite, m_fake.calls.size());
-        }
+    const auto write = [&] { api->setBoolValue(L"n", true); };
+    fake.answer({1, 0});
+    write();
+    EXPECT_EQ(7u, fake.calls.size());
+    fake.answer({11, 2, 2});
+    EXPECT_THROW(write(), settings::InvalidValueException);
+    fake.answer({10, 10, 11, 5, 5});
+    EXPECT_THROW(write(), settings::AccessDeniedException);
+    fake.answer({1, 1, 1, 1, 1, 1, 14, 0});
+    const auto failure = thrown<QrlMeridiaException>(write);
+    EXPECT_EQ(QrlMeridiaError_enum::SchemaViolation, failure.code());
+    EXPECT_EQ(L"Operation completed successfully, Setting: n", failure.reason());
 }
 
-TEST_F(SettingsApiErrorsTest, writeSucceedsWhenTheStoreRecoversMeanwhile)
+TEST(QrlMeridiaErrorTest, numbersOutsideTheTableAreUnknown)
 {
-    m_fake.answer({1, 0});
-    m_api->setBoolValue(L"n", true);
-    EXPECT_EQ(7u, m_fake.calls.size());
-}
-
-TEST_F(SettingsApiErrorsTest, textOfAFailedWriteIsThatOfTheLastCall)
-{
-    m_fake.answer({1, 1, 1, 1, 1, 1, 14, 0});
-    try {
-        m_api->setBoolValue(L"n", true);
-        FAIL();
-    } catch (const QrlMeridiaException& exception) {
-        EXPECT_EQ(QrlMeridiaError_enum::SchemaViolation, exception.code());
-        EXPECT_EQ(L"Operation completed successfully, Setting: n", exception.reason());
-    }
-}
-
-TEST_F(SettingsApiErrorsTest, codeThatChangesBetweenTheCallsIsMetByItsOwnComparison)
-{
-    m_fake.answer({11, 2, 2});
-    EXPECT_THROW(m_api->setBoolValue(L"n", true), settings::InvalidValueException);
-    m_fake.answer({10, 10, 11, 5, 5});
-    EXPECT_THROW(m_api->setBoolValue(L"n", true), settings::AccessDeniedException);
+    for (const int code : {-1, 4, 6, 7, 8, 9, 15, 16, 17, 18, 19, 21, 1000})
+        EXPECT_STREQ(L"Unknown error code", errorText(static_cast<QrlMeridiaError_enum>(code))) << code;
+    for (const int code : {0, 1, 2, 3, 5, 10, 11, 12, 13, 14, 20})
+        EXPECT_STRNE(L"Unknown error code", errorText(static_cast<QrlMeridiaError_enum>(code))) << code;
+    EXPECT_STREQ(L"Type: QrlMeridiaException, Reason: UAC was cancelled by the user, Function: f, File: g, Line: 3, "
+                 L"Error Code : 20",
+        QrlMeridiaException(static_cast<QrlMeridiaError_enum>(20), std::wstring(), L"f", L"g", 3).wideWhat());
 }

@@ -1,13 +1,19 @@
 #include "pluginframe.h"
 
 #include "support/logcapture.h"
+#include "support/thrown.h"
 #include "vxtl/exception.h"
 
+#include <array>
+#include <bit>
 #include <future>
 #include <stdexcept>
-#include <thread>
 
-namespace vx::qrl {
+using namespace vx;
+using namespace vx::qrl;
+using testing::ElementsAre;
+using testing::Pair;
+
 namespace {
 
 struct FakePlugin : PluginImpl {
@@ -29,28 +35,12 @@ struct FakePlugin : PluginImpl {
     bool runFails = false;
     std::promise<void> running;
     std::promise<void> ended;
-    std::shared_future<void> stopReturns;
+    std::future<void> stopReturns;
     std::vector<std::pair<std::uint32_t, std::uint32_t>> power;
 };
 
-std::uint32_t VX_STDCALL initializeMark(const char*, hosterAPI*, pluginAPI*)
-{
-    return 0;
-}
-std::uint32_t VX_STDCALL mainMark(pluginAPI*)
-{
-    return 1;
-}
-std::uint32_t VX_STDCALL stopMark(pluginAPI*)
-{
-    return 2;
-}
-void VX_STDCALL powerMark(pluginAPI*, std::uint32_t, std::uint32_t) {}
-void VX_STDCALL sessionMark(pluginAPI*, std::uint32_t type, std::uint32_t)
-{
-    ADD_FAILURE() << type;
-}
-void VX_STDCALL resumeMark(pluginAPI*) {}
+/// Six addresses to be found again, never called.
+const auto marks = std::bit_cast<Callbacks>(std::array<std::uintptr_t, 6>{1, 2, 3, 4, 5, 6});
 
 pluginAPI recordOf(std::uint32_t size, void* context = nullptr)
 {
@@ -59,8 +49,6 @@ pluginAPI recordOf(std::uint32_t size, void* context = nullptr)
     record.pluginContextData = context;
     return record;
 }
-
-const Callbacks marks{initializeMark, mainMark, stopMark, powerMark, sessionMark, resumeMark};
 
 std::vector<std::string> reports;
 std::promise<void> stoppedReport; ///< fulfilled with the first report of a stop
@@ -72,8 +60,7 @@ void VX_STDCALL recordReport(const char* name, std::uint32_t state)
         stoppedReport.set_value();
 }
 
-class PluginFrameTest : public testing::Test {
-protected:
+struct PluginFrameTest : testing::Test {
     PluginFrameTest()
     {
         reports.clear();
@@ -90,51 +77,50 @@ protected:
     hosterAPI host{0, recordReport};
     pluginAPI record = recordOf(36);
     std::shared_ptr<FakePlugin> plugin = std::make_shared<FakePlugin>();
-    const std::vector<std::string> startedAndStopped{"name=1", "name=0"};
 };
+
+} // namespace
 
 TEST_F(PluginFrameTest, fillsTheRecordAsFarAsItsSizeAllows)
 {
-    struct Row {
+    const auto old = reinterpret_cast<PluginResumeFunction>(7);
+    struct {
         std::uint32_t size;
-        bool resume, power, session;
+        PluginResumeFunction resume;
+        bool power, session;
+    } const rows[] = {
+        {0, marks.onResumeFromLowPowerMode, false, false},
+        {20, old, false, false},
+        {24, marks.onResumeFromLowPowerMode, false, false},
+        {28, old, false, false},
+        {31, old, false, false},
+        {32, nullptr, true, false},
+        {36, nullptr, true, true},
+        {100, nullptr, true, true},
     };
-    for (const Row row :
-        {Row{0, true, false, false}, {20, false, false, false}, {24, true, false, false}, {28, false, false, false},
-            {31, false, false, false}, {32, false, true, false}, {36, false, true, true}, {100, false, true, true}}) {
+    for (const auto& row : rows) {
         SCOPED_TRACE(row.size);
         PluginFrame fresh(marks);
-        void* const untouched = &fresh;
         pluginAPI api = recordOf(row.size);
-        api.reservedCallback = untouched;
+        api.onResumeFromLowPowerMode = old;
+        api.reservedCallback = this;
         ASSERT_EQ(fresh.initialize("name", &host, &api), 0u);
-        EXPECT_EQ(api.pluginInitialize, initializeMark);
-        EXPECT_EQ(api.pluginMain, mainMark);
-        EXPECT_EQ(api.pluginStop, stopMark);
+        EXPECT_EQ(api.pluginInitialize, marks.initialize);
+        EXPECT_EQ(api.pluginMain, marks.main);
+        EXPECT_EQ(api.pluginStop, marks.stop);
         EXPECT_NE(api.pluginContextData, nullptr);
-        EXPECT_EQ(api.onResumeFromLowPowerMode, row.resume ? resumeMark : nullptr);
-        EXPECT_EQ(api.reservedCallback, row.power ? nullptr : untouched);
-        EXPECT_EQ(api.onPowerEvent, row.power ? powerMark : nullptr);
-        EXPECT_EQ(api.onSessionChangeEvent, row.session ? sessionMark : nullptr);
+        EXPECT_EQ(api.onResumeFromLowPowerMode, row.resume);
+        EXPECT_EQ(api.reservedCallback, row.power ? nullptr : this);
+        EXPECT_EQ(api.onPowerEvent, row.power ? marks.onPowerEvent : nullptr);
+        EXPECT_EQ(api.onSessionChangeEvent, row.session ? marks.onSessionChangeEvent : nullptr);
     }
-}
-
-TEST_F(PluginFrameTest, takesTheResumeCallbackBackFromAHostThatKnowsPowerEvents)
-{
-    record.onResumeFromLowPowerMode = resumeMark;
-    ASSERT_EQ(frame.initialize("name", &host, &record), 0u);
-    EXPECT_EQ(record.onResumeFromLowPowerMode, nullptr);
 }
 
 TEST_F(PluginFrameTest, refusesASecondFactory)
 {
     registerPlugin();
-    try {
-        registerPlugin();
-        FAIL();
-    } catch (const BaseException& e) {
-        EXPECT_EQ(e.reason(), L"Plugin factory is already registered.");
-    }
+    EXPECT_EQ(support::thrown<BaseException>([this] { registerPlugin(); }).reason(),
+        L"Plugin factory is already registered.");
 }
 
 TEST_F(PluginFrameTest, refusesABadRecordAndASecondInstance)
@@ -161,11 +147,10 @@ TEST_F(PluginFrameTest, runsUntilStoppedAndThenKnowsNoInstance)
     frame.onSessionChangeEvent(&record, 5, 1);
     EXPECT_EQ(frame.stop(&record), 0u);
     EXPECT_EQ(result.get(), 0u);
-    EXPECT_EQ(reports, startedAndStopped);
+    EXPECT_THAT(reports, ElementsAre("name=1", "name=0"));
     EXPECT_EQ(record.pluginContextData, nullptr);
     EXPECT_EQ(plugin.use_count(), 1) << "the frame keeps the plug-in";
-    const std::vector<std::pair<std::uint32_t, std::uint32_t>> events{{4, 7}, {18, 0}};
-    EXPECT_EQ(plugin->power, events);
+    EXPECT_THAT(plugin->power, ElementsAre(Pair(4, 7), Pair(18, 0)));
 
     EXPECT_EQ(frame.stop(&record), 1u);
     frame.onPowerEvent(&record, 18, 0);
@@ -180,18 +165,13 @@ TEST_F(PluginFrameTest, answersWrongRecordsWithCodesAndGoesOn)
     EXPECT_EQ(frame.main(nullptr), 1u);
     EXPECT_TRUE(log.has(2, "There's no plugin instance")) << "comes before the test of the pointer";
     ASSERT_EQ(frame.initialize("name", &host, &record), 0u);
-    struct Row {
-        pluginAPI* record;
-        const char* text;
-    };
-    for (const Row row : {Row{nullptr, "Invalid pluginAPI value"}, {&foreign, "Invalid pluginContextData value"}}) {
-        SCOPED_TRACE(row.text);
-        EXPECT_EQ(frame.main(row.record), 1u);
-        EXPECT_EQ(frame.stop(row.record), 1u);
-        frame.onPowerEvent(row.record, 18, 0);
-        frame.onSessionChangeEvent(row.record, 1, 0);
-        frame.onResumeFromLowPowerMode(row.record);
-        EXPECT_EQ(log.count(row.text), 5u) << log.text();
+    for (pluginAPI* const wrong : {static_cast<pluginAPI*>(nullptr), &foreign}) {
+        EXPECT_EQ(frame.main(wrong), 1u);
+        EXPECT_EQ(frame.stop(wrong), 1u);
+        frame.onPowerEvent(wrong, 18, 0);
+        frame.onSessionChangeEvent(wrong, 1, 0);
+        frame.onResumeFromLowPowerMode(wrong);
+        EXPECT_EQ(log.count(wrong ? "Invalid pluginContextData value" : "Invalid pluginAPI value"), 5u) << log.text();
     }
     EXPECT_TRUE(reports.empty());
     EXPECT_NE(record.pluginContextData, nullptr);
@@ -202,7 +182,7 @@ TEST_F(PluginFrameTest, reportsTheStopOnEveryWayOutOfMain)
     ASSERT_EQ(frame.initialize("name", &host, &record), 0u);
     EXPECT_EQ(frame.main(&record), 2u);
     EXPECT_TRUE(log.has(2, "Plugin factory is not registered"));
-    EXPECT_EQ(reports, startedAndStopped);
+    EXPECT_THAT(reports, ElementsAre("name=1", "name=0"));
 
     reports.clear();
     stoppedReport = {};
@@ -211,7 +191,7 @@ TEST_F(PluginFrameTest, reportsTheStopOnEveryWayOutOfMain)
     ASSERT_EQ(frame.initialize("name", &host, &record), 0u);
     EXPECT_EQ(frame.main(&record), 1u);
     EXPECT_TRUE(log.has(2, "Exception occurred. run failed")) << log.text();
-    EXPECT_EQ(reports, startedAndStopped);
+    EXPECT_THAT(reports, ElementsAre("name=1", "name=0"));
     EXPECT_EQ(record.pluginContextData, nullptr);
 }
 
@@ -235,16 +215,15 @@ TEST_F(PluginFrameTest, neverRunsAgainAfterAStop)
 TEST_F(PluginFrameTest, destroysThePluginOnTheThreadThatRanItEvenWhenAStopOutlastsTheRun)
 {
     struct Probe : FakePlugin {
-        explicit Probe(std::promise<std::thread::id>& target) : destroyedOn(target) {}
-        ~Probe() override { destroyedOn.set_value(std::this_thread::get_id()); }
-        std::promise<std::thread::id>& destroyedOn;
+        ~Probe() override { destroyedOn->set_value(std::this_thread::get_id()); }
+        std::promise<std::thread::id>* destroyedOn = nullptr;
     };
     std::promise<std::thread::id> destroyedOn;
-    std::promise<void> stopMayReturn;
-    std::promise<void> isRunning;
+    std::promise<void> stopMayReturn, isRunning;
     frame.registerPluginFactory([&] {
-        const auto probe = std::make_shared<Probe>(destroyedOn);
-        probe->stopReturns = stopMayReturn.get_future().share();
+        const auto probe = std::make_shared<Probe>();
+        probe->destroyedOn = &destroyedOn;
+        probe->stopReturns = stopMayReturn.get_future();
         probe->running.swap(isRunning);
         return probe;
     });
@@ -265,12 +244,10 @@ TEST_F(PluginFrameTest, endsHoweverAStopRacesWithMain)
 {
     for (int round = 0; round < 50; ++round) {
         PluginFrame fresh(marks);
-        const auto raced = std::make_shared<FakePlugin>();
-        fresh.registerPluginFactory([&] { return raced; });
+        fresh.registerPluginFactory([raced = std::make_shared<FakePlugin>()] { return raced; });
         ASSERT_EQ(fresh.initialize("name", &host, &record), 0u);
         std::promise<void> go;
-        const auto start = go.get_future().share();
-        auto result = std::async(std::launch::async, [&] {
+        auto result = std::async(std::launch::async, [&, start = go.get_future()] {
             start.wait();
             return fresh.main(&record);
         });
@@ -279,6 +256,3 @@ TEST_F(PluginFrameTest, endsHoweverAStopRacesWithMain)
         EXPECT_EQ(result.get(), 0u);
     }
 }
-
-} // namespace
-} // namespace vx::qrl

@@ -1,4 +1,5 @@
 #include "fakeaccountdriver.h"
+#include "ownaccount.h"
 #include "support/logcapture.h"
 #include "vxtl/priveleges/iprivelegesholder.h"
 #include "vxtl/process/process.h"
@@ -13,7 +14,7 @@ namespace {
 const std::wstring none;
 
 struct FakeHolder : priveleges::IPrivelegesHolder {
-    std::wstring right;
+    std::wstring right = L"SeAssignPrimaryTokenPrivilege";
     std::vector<std::wstring> getPrivileges() override { return {right}; }
     bool hasPrivilege(const std::wstring& name) override { return name == right; }
     bool addPrivilege(const std::wstring&) override { return false; }
@@ -26,54 +27,51 @@ bool isImpersonating()
     return OpenThreadToken(GetCurrentThread(), TOKEN_QUERY, TRUE, &token) && CloseHandle(token);
 }
 
-struct MockLaunchDriver : LaunchDriver {
-    MOCK_METHOD(LaunchedProcess, create, (const LaunchRequest&), (override));
-    MOCK_METHOD(LaunchedProcess, createAsUser, (void*, const LaunchRequest&), (override));
-    MOCK_METHOD(LaunchedProcess, createWithLogon, (const Credentials&, const LaunchRequest&), (override));
-    MOCK_METHOD(SharedHandle, logon, (const Credentials&), (override));
-    MOCK_METHOD(SharedHandle, duplicatePrimary, (void*), (override));
-    MOCK_METHOD(std::shared_ptr<void>, createEnvironment, (void*), (override));
-    MOCK_METHOD(bool, hasEffectiveAdminRights, (void*), (override));
-    MOCK_METHOD(
-        std::shared_ptr<users::UserAccountProperties>, accountProperties, (const users::UserAccount&), (override));
-    MOCK_METHOD(std::shared_ptr<priveleges::IPrivelegesHolder>, privelegesHolder, (const std::wstring&), (override));
-};
-
-/// Starts nothing and records how it was asked; the tokens are this process's own.
-struct LaunchScheme : testing::Test {
-    testing::NiceMock<MockLaunchDriver> driver;
+/// Is its own driver: starts nothing and records how it was asked; the tokens are this process's own.
+struct LaunchScheme : testing::Test, LaunchDriver {
     FakeAccountDriver accounts;
-    std::shared_ptr<FakeHolder> holder = std::make_shared<FakeHolder>();
+    std::shared_ptr<FakeHolder> holder = std::make_shared<FakeHolder>(); ///< null: unreadable
+    bool administrator = true;
+    bool launchFails = false;
     support::LogCapture log;
     std::wstring program = std::wstring(MAX_PATH, L'\0');
-    bool launchFails = false;
+
     std::string how;
     LaunchRequest request;
     bool impersonated = false;
     std::weak_ptr<KernelHandle> token;
     std::weak_ptr<void> environment;
 
-    LaunchScheme()
+    LaunchScheme() { program.resize(GetModuleFileNameW(nullptr, program.data(), MAX_PATH)); }
+
+    LaunchedProcess create(const LaunchRequest& given) override { return record("create", given); }
+    LaunchedProcess createAsUser(void*, const LaunchRequest& given) override { return record("asUser", given); }
+    LaunchedProcess createWithLogon(const Credentials&, const LaunchRequest& given) override
     {
-        program.resize(GetModuleFileNameW(nullptr, program.data(), MAX_PATH));
-        holder->right = L"SeAssignPrimaryTokenPrivilege";
-        ON_CALL(driver, create).WillByDefault([&](const auto& given) { return record("create", given); });
-        ON_CALL(driver, createAsUser).WillByDefault([&](void*, const auto& given) { return record("asUser", given); });
-        ON_CALL(driver, createWithLogon).WillByDefault([&](const auto&, const auto& given) {
-            return record("withLogon", given);
-        });
-        ON_CALL(driver, logon).WillByDefault([&](const auto&) { return ownToken(); });
-        ON_CALL(driver, duplicatePrimary).WillByDefault([&](void*) { return std::make_shared<KernelHandle>(nullptr); });
-        ON_CALL(driver, createEnvironment).WillByDefault([&](void*) {
-            const auto block = std::make_shared<int>();
-            environment = block;
-            return block;
-        });
-        ON_CALL(driver, hasEffectiveAdminRights).WillByDefault(testing::Return(true));
-        ON_CALL(driver, accountProperties).WillByDefault([&](const auto& account) {
-            return std::make_shared<users::UserAccountPropertiesImpl>(account, accounts);
-        });
-        ON_CALL(driver, privelegesHolder(std::wstring(L"HERE\\joe"))).WillByDefault(testing::Return(holder));
+        return record("withLogon", given);
+    }
+    SharedHandle logon(const Credentials&) override
+    {
+        const SharedHandle result = ownToken();
+        token = result;
+        return result;
+    }
+    SharedHandle duplicatePrimary(void*) override { return std::make_shared<KernelHandle>(nullptr); }
+    std::shared_ptr<void> createEnvironment(void*) override
+    {
+        const auto block = std::make_shared<int>();
+        environment = block;
+        return block;
+    }
+    bool hasEffectiveAdminRights(void*) override { return administrator; }
+    std::shared_ptr<users::UserAccountProperties> accountProperties(const users::UserAccount& account) override
+    {
+        return std::make_shared<users::UserAccountPropertiesImpl>(account, accounts);
+    }
+    std::shared_ptr<priveleges::IPrivelegesHolder> privelegesHolder(const std::wstring& name) override
+    {
+        EXPECT_EQ(name, L"HERE\\joe");
+        return holder ? holder : throw std::runtime_error("unreadable");
     }
     LaunchedProcess record(const char* name, const LaunchRequest& given)
     {
@@ -84,17 +82,9 @@ struct LaunchScheme : testing::Test {
             VX_THROW_WIN32(ERROR_LOGON_FAILURE, L"launch");
         return {std::make_shared<KernelHandle>(nullptr), std::make_shared<KernelHandle>(nullptr)};
     }
-    SharedHandle ownToken()
-    {
-        HANDLE raw = nullptr;
-        EXPECT_TRUE(OpenProcessToken(GetCurrentProcess(), TOKEN_ALL_ACCESS, &raw));
-        const auto result = std::make_shared<KernelHandle>(raw);
-        token = result;
-        return result;
-    }
     void launch(const std::wstring& user = L"joe", const std::wstring& arguments = none)
     {
-        Process(program, arguments, none, {L"HERE", user, L"s3cret"}, driver);
+        Process(program, arguments, none, {L"HERE", user, L"s3cret"}, *this);
     }
 };
 
@@ -119,8 +109,8 @@ TEST_F(LaunchScheme, elevatesOnlyAnAdministratorWhoMayAssignTokens)
         if (row.right)
             holder->right = row.right;
         else
-            ON_CALL(driver, privelegesHolder).WillByDefault(testing::Throw(std::runtime_error("unreadable")));
-        ON_CALL(driver, hasEffectiveAdminRights).WillByDefault(testing::Return(row.administrator));
+            holder = nullptr;
+        administrator = row.administrator;
         launch();
         EXPECT_EQ(how, row.how);
         EXPECT_TRUE(log.has(4, row.line)) << log.text();
@@ -143,7 +133,7 @@ TEST_F(LaunchScheme, leavesNothingBehindWhenTheLaunchFails)
     EXPECT_FALSE(isImpersonating());
     EXPECT_TRUE(token.expired());
     const SharedHandle own = ownToken();
-    EXPECT_THROW(Process(L"x", 0, Redirect::None, own->get(), driver), Win32Exception);
+    EXPECT_THROW(Process(L"x", 0, Redirect::None, own->get(), *this), Win32Exception);
     EXPECT_FALSE(isImpersonating());
     EXPECT_TRUE(environment.expired());
 }
@@ -183,7 +173,7 @@ TEST_F(LaunchScheme, startsAsTheCallerWithoutAUser)
 TEST_F(LaunchScheme, givesATokensChildItsDesktopOrHidesIt)
 {
     const SharedHandle own = ownToken();
-    Process(L"x", 0x430, Redirect::None, own->get(), driver);
+    Process(L"x", 0x430, Redirect::None, own->get(), *this);
     EXPECT_EQ(request.desktop, L"winsta0\\default");
     EXPECT_FALSE(request.showWindow);
     EXPECT_FALSE(request.standardHandles);
@@ -191,7 +181,7 @@ TEST_F(LaunchScheme, givesATokensChildItsDesktopOrHidesIt)
     EXPECT_TRUE(request.environment);
     EXPECT_TRUE(impersonated);
 
-    Process(L"x", 0x08000400, Redirect::StandardOutput, own->get(), driver);
+    Process(L"x", 0x08000400, Redirect::StandardOutput, own->get(), *this);
     EXPECT_EQ(request.desktop, L"");
     EXPECT_EQ(request.showWindow, 11);
     EXPECT_EQ(request.flags, 0x410u);

@@ -1,9 +1,9 @@
+#include "ownaccount.h"
 #include "support/logcapture.h"
+#include "support/thrown.h"
 #include "vxtl/priveleges/lsauserprivilegesholerimpl.h"
 #include "vxtl/priveleges/privilegesgrantscopeimpl.h"
 #include "vxtl/win32exception.h"
-
-#include <windows.h>
 
 using namespace vx;
 using namespace vx::priveleges;
@@ -58,17 +58,14 @@ TEST(Priveleges, failsToOpenAndClosesThePolicyAgain)
     FakePolicyDriver driver;
     support::LogCapture log;
     driver.status = -5;
-    try {
-        LsaUserPrivilegesHolerImpl(L"D\\joe", nullptr, driver);
-        FAIL() << "no exception";
-    } catch (const Win32Exception& exception) {
-        EXPECT_EQ(exception.code(), 5u);
-        EXPECT_EQ(exception.reason(), L"getPolicyHandle failed");
-    }
+    const auto open = [&] { LsaUserPrivilegesHolerImpl(L"D\\joe", nullptr, driver); };
+    const auto failure = support::thrown<Win32Exception>(open);
+    EXPECT_EQ(failure.code(), 5u);
+    EXPECT_EQ(failure.reason(), L"getPolicyHandle failed");
     EXPECT_EQ(driver.access, 2064u);
     driver.status = 0;
     driver.known = false;
-    EXPECT_THROW(LsaUserPrivilegesHolerImpl(L"D\\joe", nullptr, driver), Win32Exception);
+    EXPECT_THROW(open(), Win32Exception);
     EXPECT_TRUE(log.has(2, "getUserSid(D\\joe) failed (Error: 1332)")) << log.text();
     EXPECT_TRUE(driver.opened.expired());
 }
@@ -112,10 +109,7 @@ TEST(PrivilegesGrantScope, takesBackExactlyWhatItGave)
 
 TEST(Priveleges, reachesTheSystemsPolicy)
 {
-    wchar_t name[256];
-    DWORD size = 256;
-    ASSERT_TRUE(GetUserNameW(name, &size));
     support::LogCapture log;
-    EXPECT_FALSE(LsaUserPrivilegesHolerImpl(name, nullptr).hasPrivilege(L"SeNoSuchPrivilege"));
+    EXPECT_FALSE(LsaUserPrivilegesHolerImpl(ownName(), nullptr).hasPrivilege(L"SeNoSuchPrivilege"));
     EXPECT_EQ(log.count("getUserSid("), 0u) << log.text();
 }

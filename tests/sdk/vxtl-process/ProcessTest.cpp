@@ -1,20 +1,23 @@
 #include "vxtl/process/process.h"
+#include "ownaccount.h"
+#include "support/childtest.h"
 #include "support/logcapture.h"
+#include "support/thrown.h"
 #include "vxtl/users/useraccount.h"
 #include "vxtl/win32exception.h"
-
-#include <windows.h>
 
 #include <winternl.h>
 
 #include <algorithm>
 #include <filesystem>
-#include <istream>
-#include <ostream>
+#include <iostream>
+#include <iterator>
 #include <span>
 
 using namespace vx;
 using namespace vx::process;
+using support::thrown;
+using testing::HasSubstr;
 namespace fs = std::filesystem;
 
 namespace {
@@ -31,20 +34,13 @@ std::wstring self()
 
 std::wstring selfAsChild(const std::wstring& part)
 {
-    return L"\"" + self() + L"\" child " + part;
+    return L"\"" + self() + L"\" --child " + part;
 }
 
 std::uint32_t exitCode(const Process& process)
 {
     EXPECT_TRUE(sync::waitForSingleObject(process, deadlineMs));
     return process.getReturnCode();
-}
-
-SharedHandle ownToken()
-{
-    HANDLE token = nullptr;
-    EXPECT_TRUE(OpenProcessToken(GetCurrentProcess(), TOKEN_ALL_ACCESS, &token));
-    return std::make_shared<KernelHandle>(token);
 }
 
 struct SystemHandle {
@@ -67,29 +63,41 @@ std::ptrdiff_t openHandles()
     return std::ranges::count(handles, GetCurrentProcessId(), &SystemHandle::owner);
 }
 
+int echo()
+{
+    std::string line;
+    std::getline(std::cin, line);
+    std::cout << "out " << line << std::flush;
+    std::cerr << "err " << line << std::flush;
+    return 3;
+}
+
+int drain()
+{
+    return static_cast<int>(std::distance(std::istreambuf_iterator<char>(std::cin), {}));
+}
+
+int cwd()
+{
+    return fs::exists("elsewhere") ? 5 : 6;
+}
+
 } // namespace
 
 TEST(Process, failsOnWhatIsNotThere)
 {
-    try {
-        Process(L"no such folder\\no such program.exe", none, none, Credentials());
-        FAIL() << "no exception";
-    } catch (const Win32Exception&) {
-        FAIL() << "the system was asked";
-    } catch (const BaseException& exception) {
-        EXPECT_STREQ(exception.reason().c_str(), L"Executable file does not exists");
-        EXPECT_THAT(exception.what(), testing::HasSubstr("Function: vx::process::Process::Process,"));
-    }
+    const auto missing =
+        thrown<BaseException>([] { Process(L"no such folder\\no such program.exe", none, none, Credentials()); });
+    EXPECT_EQ(missing.reason(), L"Executable file does not exists") << "the system was asked";
+    EXPECT_THAT(missing.what(), HasSubstr("Function: vx::process::Process::Process,"));
     for (const auto& [token, reason] : {std::pair<SharedHandle, const wchar_t*>(nullptr, L"Can't create process"),
              {ownToken(), L"CreateProcessAsUser failed"}}) {
-        try {
-            Process(L"nosuchprogram.exe", tokenFlags, Redirect::StandardOutput, token ? token->get() : nullptr);
-            FAIL() << "no exception";
-        } catch (const Win32Exception& exception) {
-            EXPECT_EQ(exception.reason(), reason);
-            EXPECT_EQ(exception.code(), ERROR_FILE_NOT_FOUND);
-            EXPECT_THAT(exception.what(), testing::HasSubstr("Function: vx::process::Process::createProcess,"));
-        }
+        void* const user = token ? token->get() : nullptr;
+        const auto failure =
+            thrown<Win32Exception>([&] { Process(L"nosuchprogram.exe", tokenFlags, Redirect::StandardOutput, user); });
+        EXPECT_EQ(failure.reason(), reason);
+        EXPECT_EQ(failure.code(), ERROR_FILE_NOT_FOUND);
+        EXPECT_THAT(failure.what(), HasSubstr("Function: vx::process::Process::createProcess,"));
         HANDLE thread = nullptr;
         EXPECT_FALSE(OpenThreadToken(GetCurrentThread(), TOKEN_QUERY, TRUE, &thread)) << "still impersonated";
     }
@@ -109,7 +117,7 @@ TEST(Process, talksThroughTheRedirectedStreamsOnly)
     EXPECT_TRUE(process.stdoutStream()->bad());
     EXPECT_TRUE(process.stdinStream()->write("x", 1).bad());
 
-    Process output(selfAsChild(L"exit 1"), 0, Redirect::StandardOutput, nullptr);
+    Process output(selfAsChild(L"exit1"), 0, Redirect::StandardOutput, nullptr);
     EXPECT_FALSE(output.stdinStream());
     EXPECT_TRUE(output.stdoutStream());
     EXPECT_FALSE(output.stderrStream());
@@ -140,8 +148,8 @@ TEST(Process, startsAnExecutableWhosePathHasBlanksInItsOwnFolder)
     fs::create_directories(folder / "elsewhere");
     fs::copy_file(self(), folder / "the child.exe");
     const std::wstring child = folder / "the child.exe";
-    EXPECT_EQ(exitCode(Process(child, L"child cwd", none, Credentials())), 5u);
-    EXPECT_EQ(exitCode(Process(child, L"child cwd", folder / "elsewhere", Credentials())), 6u);
+    EXPECT_EQ(exitCode(Process(child, L"--child cwd", none, Credentials())), 5u);
+    EXPECT_EQ(exitCode(Process(child, L"--child cwd", folder / "elsewhere", Credentials())), 6u);
     std::error_code busy;
     fs::remove_all(folder, busy);
 }
@@ -150,7 +158,7 @@ TEST(Process, runsUnderTheCallersOwnToken)
 {
     support::LogCapture log;
     const SharedHandle token = ownToken();
-    Process process(selfAsChild(L"exit 42"), tokenFlags, Redirect::None, token->get());
+    Process process(selfAsChild(L"exit42"), tokenFlags, Redirect::None, token->get());
     EXPECT_EQ(exitCode(process), 42u);
     EXPECT_EQ(log.count(" with credentials: '"), 1u);
     EXPECT_GT(users::UserAccount(token->get()).user().size(), 0u);
@@ -161,7 +169,7 @@ TEST(Process, leavesNoHandleOpenWhateverHappens)
     const SharedHandle token = ownToken();
     const auto all = Redirect::StandardInput | Redirect::StandardOutput | Redirect::StandardError;
     const auto round = [&] {
-        exitCode(Process(selfAsChild(L"exit 1"), tokenFlags, all, token->get()));
+        exitCode(Process(selfAsChild(L"exit1"), tokenFlags, all, token->get()));
         EXPECT_THROW(Process(L"nosuchprogram.exe", tokenFlags, all, token->get()), Win32Exception);
         EXPECT_THROW(Process(L"nosuchprogram.exe", 0, all, nullptr), Win32Exception);
         return openHandles();
@@ -174,8 +182,12 @@ TEST(Process, leavesNoHandleOpenWhateverHappens)
 
 TEST(Process, tellsWhyWhenTheTokenMayNotBeDuplicated)
 {
-    HANDLE raw = nullptr;
-    ASSERT_TRUE(OpenProcessToken(GetCurrentProcess(), TOKEN_QUERY, &raw));
-    const KernelHandle token(raw);
-    EXPECT_THROW(Process(selfAsChild(L"exit 1"), tokenFlags, Redirect::None, token.get()), Win32Exception);
+    const SharedHandle token = ownToken(TOKEN_QUERY);
+    EXPECT_THROW(Process(selfAsChild(L"exit1"), tokenFlags, Redirect::None, token->get()), Win32Exception);
+}
+
+int main(int argc, char** argv)
+{
+    return support::mainWithChildren(argc, argv,
+        {{"echo", echo}, {"drain", drain}, {"cwd", cwd}, {"exit1", [] { return 1; }}, {"exit42", [] { return 42; }}});
 }

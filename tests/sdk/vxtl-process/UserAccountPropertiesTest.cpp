@@ -1,44 +1,31 @@
 #include "fakeaccountdriver.h"
+#include "ownaccount.h"
+#include "support/thrown.h"
 #include "vxtl/users/useraccountpropertiesimpl.h"
 #include "vxtl/win32exception.h"
 
 using namespace vx;
 using namespace vx::users;
+using support::thrown;
 using testing::ElementsAre;
 
-namespace {
-
-const std::wstring none;
-
-template <typename Action>
-Win32Exception failureOf(Action action)
-{
-    try {
-        action();
-    } catch (const Win32Exception& exception) {
-        return exception;
-    }
-    ADD_FAILURE() << "no exception";
-    return {0, none, L"", L"", 0};
-}
-
-} // namespace
+static const std::wstring none;
 
 TEST(UserAccountProperties, tellsWhichCallFailed)
 {
     FakeAccountDriver driver;
     UserAccountPropertiesImpl properties(UserAccount(L"FAR", L"joe"), driver);
     driver.controller = {2453, nullptr};
-    const Win32Exception unreachable = failureOf([&] { properties.isAdmin(); });
+    const Win32Exception unreachable = thrown<Win32Exception>([&] { properties.isAdmin(); });
     EXPECT_EQ(unreachable.code(), 2453u);
     EXPECT_EQ(unreachable.reason(), L"NetGetDCName failed at resolving of FAR\\joe");
     driver.controller = {0, nullptr};
-    EXPECT_EQ(failureOf([&] { properties.isAdmin(); }).code(), 0u);
+    EXPECT_EQ(thrown<Win32Exception>([&] { properties.isAdmin(); }).code(), 0u);
     EXPECT_TRUE(driver.userQueries.empty());
 
     UserAccountPropertiesImpl local(UserAccount(none, L"joe"), driver);
     driver.userStatus = 2221;
-    const Win32Exception unknown = failureOf([&] { local.getProfile(); });
+    const Win32Exception unknown = thrown<Win32Exception>([&] { local.getProfile(); });
     EXPECT_EQ(unknown.code(), 2221u);
     EXPECT_EQ(unknown.reason(), L"NetUserGetInfo fail at level 4");
 }
@@ -100,11 +87,10 @@ TEST(UserAccountProperties, readsTheRightBits)
 
 TEST(UserAccountProperties, readsTheCallersOwnAccount)
 {
-    wchar_t name[256];
-    DWORD size = 256;
-    ASSERT_TRUE(GetUserNameW(name, &size));
-    UserAccountPropertiesImpl properties{UserAccount(L".", name)};
-    EXPECT_EQ(properties.getName(), name);
+    UserAccountPropertiesImpl properties{UserAccount(L".", ownName())};
+    EXPECT_EQ(properties.getName(), ownName());
     EXPECT_FALSE(properties.isAccountDisabled());
-    EXPECT_EQ(failureOf([] { UserAccountPropertiesImpl(UserAccount(L".", L"no such user")).isAdmin(); }).code(), 2221u);
+    EXPECT_EQ(
+        thrown<Win32Exception>([] { UserAccountPropertiesImpl(UserAccount(L".", L"no such user")).isAdmin(); }).code(),
+        2221u);
 }

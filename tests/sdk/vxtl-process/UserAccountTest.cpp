@@ -1,10 +1,15 @@
 #include "vxtl/users/useraccount.h"
+#include "ownaccount.h"
+#include "support/thrown.h"
+#include "vxtl/process/effectiveadminrights.h"
 #include "vxtl/users/impersonatedscope.h"
 #include "vxtl/win32exception.h"
 
-#include <windows.h>
-
 using namespace vx::users;
+using support::thrown;
+using testing::HasSubstr;
+using vx::Win32Exception;
+using vx::process::detail::hasEffectiveAdminRights;
 
 TEST(UserAccount, splitsAndJoinsItsName)
 {
@@ -31,33 +36,32 @@ TEST(UserAccount, splitsAndJoinsItsName)
 
 TEST(UserAccount, namesTheTokensUser)
 {
-    HANDLE token = nullptr;
-    ASSERT_TRUE(OpenProcessToken(GetCurrentProcess(), TOKEN_QUERY, &token));
-    const UserAccount account(token);
-    CloseHandle(token);
-    wchar_t name[256];
-    DWORD size = 256;
-    ASSERT_TRUE(GetUserNameW(name, &size));
-    EXPECT_EQ(account.user(), name);
+    const UserAccount account(ownToken(TOKEN_QUERY)->get());
+    EXPECT_EQ(account.user(), ownName());
     EXPECT_FALSE(account.domain().empty());
-    try {
-        UserAccount none(static_cast<void*>(nullptr));
-        FAIL() << "no exception";
-    } catch (const vx::Win32Exception& exception) {
-        EXPECT_THAT(exception.what(), testing::HasSubstr("vx::users::`anonymous-namespace'::getNamesByToken,"));
-    }
+    EXPECT_THAT(thrown<Win32Exception>([] { UserAccount(static_cast<void*>(nullptr)); }).what(),
+        HasSubstr("vx::users::`anonymous-namespace'::getNamesByToken,"));
 }
 
 TEST(ImpersonatedScope, refusesWhatIsNoToken)
 {
     EXPECT_FALSE(ImpersonatedScope(nullptr).impersonated());
-    const HANDLE noToken = CreateEventW(nullptr, TRUE, FALSE, nullptr);
-    try {
-        ImpersonatedScope scope(noToken);
-        RevertToSelf();
-        ADD_FAILURE() << "no exception";
-    } catch (const vx::Win32Exception& exception) {
-        EXPECT_THAT(exception.what(), testing::HasSubstr("Function: vx::users::ImpersonatedScope::ImpersonatedScope,"));
-    }
-    CloseHandle(noToken);
+    const vx::KernelHandle noToken(CreateEventW(nullptr, TRUE, FALSE, nullptr));
+    EXPECT_THAT(thrown<Win32Exception>([&] { ImpersonatedScope scope(noToken.get()); }).what(),
+        HasSubstr("Function: vx::users::ImpersonatedScope::ImpersonatedScope,"));
+}
+
+TEST(EffectiveAdminRights, countsADenyOnlyGroupToo)
+{
+    EXPECT_EQ(thrown<Win32Exception>([] { hasEffectiveAdminRights(nullptr); }).reason(), L"GetTokenInformation failed");
+    const auto token = ownToken();
+    if (!hasEffectiveAdminRights(token->get()))
+        GTEST_SKIP() << "not run by an administrator";
+    unsigned char sid[SECURITY_MAX_SID_SIZE];
+    DWORD size = sizeof(sid);
+    ASSERT_TRUE(CreateWellKnownSid(WinBuiltinAdministratorsSid, nullptr, sid, &size));
+    SID_AND_ATTRIBUTES disabled{sid, 0};
+    HANDLE filtered = nullptr;
+    ASSERT_TRUE(CreateRestrictedToken(token->get(), 0, 1, &disabled, 0, nullptr, 0, nullptr, &filtered));
+    EXPECT_TRUE(hasEffectiveAdminRights(vx::KernelHandle(filtered).get()));
 }

@@ -1,5 +1,6 @@
 #include "vxtl/users/usersessions.h"
 #include "support/logcapture.h"
+#include "support/thrown.h"
 #include "vxtl/win32exception.h"
 
 #include <windows.h>
@@ -76,12 +77,8 @@ TEST(UserSessions, listsTheConsoleThenActiveSessionsWithAUser)
 TEST(UserSessions, throwsTheSystemsErrorForASessionWithoutToken)
 {
     FakeSessionDriver driver;
-    try {
-        getInteractivelyLoggedUserTokenForConsoleId(1, driver);
-        FAIL() << "no exception";
-    } catch (const Win32Exception& exception) {
-        EXPECT_EQ(exception.code(), ERROR_NO_TOKEN);
-    }
+    const auto ask = [&] { getInteractivelyLoggedUserTokenForConsoleId(1, driver); };
+    EXPECT_EQ(support::thrown<Win32Exception>(ask).code(), ERROR_NO_TOKEN);
 }
 
 TEST(UserSessions, findsTheRunningSession)

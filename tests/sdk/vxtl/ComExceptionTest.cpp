@@ -1,7 +1,7 @@
 #include "vxtl/comexception.h"
+#include "support/thrown.h"
 #include "vxtl/comutils.h"
 
-#include <gtest/gtest.h>
 #include <windows.h>
 
 #include <oaidl.h>
@@ -12,7 +12,10 @@
 // COM objects delete themselves; their destructor is nobody's to call.
 #pragma GCC diagnostic ignored "-Wnon-virtual-dtor"
 
-namespace vx {
+using namespace vx;
+using testing::EndsWith;
+using testing::HasSubstr;
+
 namespace {
 
 /// Counts its references and names a source.
@@ -40,20 +43,20 @@ std::wstring reportOf(const ComError& error)
     return ComException(error, L"reason", L"function", L"file", 7).wideWhat();
 }
 
+} // namespace
+
 TEST(ComException, reportsMessageResultAndSource)
 {
     FakeErrorInfo info;
     EXPECT_EQ(reportOf({static_cast<long>(0x8004FFFF), &info}),
         L"Type: vx::ComException, Reason: reason, Function: function, File: file, Line: 7, COM Error: IDispatch error "
         L"#65023, HRESULT: -2147155969, COM Source: the source");
-    const std::wstring denied = reportOf(E_ACCESSDENIED);
-    EXPECT_NE(denied.find(L", COM Error: Access denied.,"), std::wstring::npos)
-        << std::string(denied.begin(), denied.end());
-    EXPECT_TRUE(denied.ends_with(L", HRESULT: -2147024891, COM Source: "));
+    EXPECT_THAT(reportOf(E_ACCESSDENIED), HasSubstr(L", COM Error: Access denied.,"));
+    EXPECT_THAT(reportOf(E_ACCESSDENIED), EndsWith(L", HRESULT: -2147024891, COM Source: "));
     info.source = nullptr;
-    EXPECT_TRUE(reportOf({E_FAIL, &info}).ends_with(L", COM Source: "));
+    EXPECT_THAT(reportOf({E_FAIL, &info}), EndsWith(L", COM Source: "));
     info.sourceResult = E_FAIL;
-    EXPECT_TRUE(reportOf({E_FAIL, &info}).ends_with(L", COM Source: "));
+    EXPECT_THAT(reportOf({E_FAIL, &info}), EndsWith(L", COM Source: "));
 }
 
 TEST(ComException, sharesTheErrorObjectWithItsCopies)
@@ -82,18 +85,10 @@ TEST(ComApartment, entersTheMultithreadedApartmentOnce)
     }).join();
     std::thread([] {
         ASSERT_EQ(CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED), S_OK);
-        try {
-            const comutils::ComApartment apartment;
-            ADD_FAILURE();
-        } catch (const ComException& e) {
-            EXPECT_EQ(e.result(), RPC_E_CHANGED_MODE);
-            EXPECT_NE(std::string(e.what()).find("Reason: CoInitializeEx failed, Function: "
-                                                 "vx::comutils::details::initializeCom,"),
-                std::string::npos);
-        }
+        const auto failure = support::thrown<ComException>([] { comutils::ComApartment(); });
+        EXPECT_EQ(failure.result(), RPC_E_CHANGED_MODE);
+        EXPECT_THAT(failure.what(), HasSubstr("Reason: CoInitializeEx failed, Function: "
+                                              "vx::comutils::details::initializeCom,"));
         CoUninitialize();
     }).join();
 }
-
-} // namespace
-} // namespace vx

@@ -1,11 +1,9 @@
 #include "vxtl/datetime.h"
 #include "vxtl/exception.h"
 
-#include <gtest/gtest.h>
-
 namespace vx {
 
-bool operator==(const DateTime::Parts& a, const DateTime::Parts& b)
+static bool operator==(const DateTime::Parts& a, const DateTime::Parts& b)
 {
     return a.year == b.year && a.month == b.month && a.day == b.day && a.hour == b.hour && a.minute == b.minute &&
            a.second == b.second && a.millisecond == b.millisecond;
@@ -18,7 +16,7 @@ std::wstring refusal(const DateTime::Parts& parts)
     try {
         DateTime date(parts);
     } catch (const BaseException& e) {
-        EXPECT_NE(std::string(e.what()).find("Function: vx::DateTime::DateTime,"), std::string::npos);
+        EXPECT_THAT(e.what(), testing::HasSubstr("Function: vx::DateTime::DateTime,"));
         return e.reason();
     }
     return {};

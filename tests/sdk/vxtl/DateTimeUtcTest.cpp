@@ -1,13 +1,12 @@
+#include "support/thrown.h"
 #include "vxtl/datetime.h"
 #include "vxtl/win32exception.h"
 
-#include <gtest/gtest.h>
 #include <windows.h>
 
 #include <cstdlib>
 
-namespace vx {
-namespace {
+using namespace vx;
 
 TEST(DateTimeUtc, convertsLocalTimesOnly)
 {
@@ -31,14 +30,11 @@ TEST(DateTimeUtc, givesTheSpanBetweenTwoDates)
     const DateTime later({2024, 3, 1, 0, 0, 0, 1});
     EXPECT_EQ(later - earlier, 2 * 864'000'000'000 + 10'000);
     EXPECT_EQ(earlier - later, -(2 * 864'000'000'000 + 10'000));
-    for (const auto& [a, b] : {std::pair{DateTime::never(), later}, std::pair{later, DateTime::never()}})
-        try {
-            a - b;
-            ADD_FAILURE();
-        } catch (const BaseException& e) {
-            EXPECT_EQ(e.reason(), L"Requested span from/to NEVER.");
-            EXPECT_NE(std::string(e.what()).find("Function: vx::DateTime::operator -,"), std::string::npos);
-        }
+    for (const auto& [a, b] : {std::pair{DateTime::never(), later}, std::pair{later, DateTime::never()}}) {
+        const auto failure = support::thrown<BaseException>([&] { a - b; });
+        EXPECT_EQ(failure.reason(), L"Requested span from/to NEVER.");
+        EXPECT_THAT(failure.what(), testing::HasSubstr("Function: vx::DateTime::operator -,"));
+    }
 }
 
 TEST(DateTimeUtc, nowIsTheSystemsTime)
@@ -47,6 +43,3 @@ TEST(DateTimeUtc, nowIsTheSystemsTime)
     EXPECT_EQ(now.kind(), DateTime::Kind::System);
     EXPECT_LT(std::llabs(DateTime::fromTime(std::time(nullptr)) - now), 60 * 10'000'000LL);
 }
-
-} // namespace
-} // namespace vx

@@ -1,11 +1,9 @@
 #include "vxtl/parsekeyname.h"
+#include "support/thrown.h"
 #include "vxtl/exception.h"
 #include "vxtl/multistring.h"
 
-#include <gtest/gtest.h>
-
-namespace vx::registry::details {
-namespace {
+using namespace vx::registry::details;
 
 TEST(ParseKeyName, cutsBehindAKnownRoot)
 {
@@ -30,14 +28,12 @@ TEST(ParseKeyName, cutsBehindAKnownRoot)
 TEST(ParseKeyName, refusesEverythingElse)
 {
     for (const wchar_t* name : {L"", L"\\x", L"HKLM\\x", L"hkey_local_machine\\x", L"HKEY_LOCAL_MACHIN",
-             L"HKEY_LOCAL_MACHINES\\x", L" HKEY_USERS"})
-        try {
-            parseKeyName(name);
-            ADD_FAILURE() << testing::PrintToString(name);
-        } catch (const BaseException& e) {
-            EXPECT_EQ(e.reason(), L"Root registry prefix is not found in the full registry key name.");
-            EXPECT_NE(std::string(e.what()).find("Function: vx::registry::details::parseKeyName,"), std::string::npos);
-        }
+             L"HKEY_LOCAL_MACHINES\\x", L" HKEY_USERS"}) {
+        SCOPED_TRACE(testing::PrintToString(name));
+        const auto failure = support::thrown<vx::BaseException>([&] { parseKeyName(name); });
+        EXPECT_EQ(failure.reason(), L"Root registry prefix is not found in the full registry key name.");
+        EXPECT_THAT(failure.what(), testing::HasSubstr("Function: vx::registry::details::parseKeyName,"));
+    }
 }
 
 TEST(MultiString, comesBackAsItWasJoined)
@@ -45,6 +41,3 @@ TEST(MultiString, comesBackAsItWasJoined)
     for (const auto& list : {std::vector<std::wstring>{}, {L"a"}, {L"a", L"b"}, {std::wstring(), L"b"}})
         EXPECT_EQ(splitMultiString(joinMultiString(list)), list);
 }
-
-} // namespace
-} // namespace vx::registry::details

@@ -1,15 +1,16 @@
 #include "vxtl/registry.h"
+#include "support/thrown.h"
 #include "vxtl/parsekeyname.h"
 #include "vxtl/win32exception.h"
 #include "vxtl/win32registrykey.h"
 #include "vxtl/wow64.h"
 
-#include <gtest/gtest.h>
 #include <windows.h>
 
-#include <algorithm>
+using namespace vx;
+using namespace vx::registry;
+using support::thrown;
 
-namespace vx::registry {
 namespace {
 
 constexpr const wchar_t* keyName = L"HKEY_CURRENT_USER\\Software\\TarnhdRegistryTest";
@@ -17,34 +18,23 @@ constexpr const wchar_t* keyName = L"HKEY_CURRENT_USER\\Software\\TarnhdRegistry
 template <typename Operation>
 unsigned long codeOf(Operation operation)
 {
-    try {
-        operation();
-    } catch (const Win32Exception& e) {
-        return e.code();
-    }
-    return 0;
+    return thrown<Win32Exception>(operation).code();
 }
 
 template <typename Operation>
 std::wstring reasonOf(Operation operation)
 {
-    try {
-        operation();
-    } catch (const BaseException& e) {
-        return e.reason();
-    }
-    return L"nothing thrown";
+    return thrown<BaseException>(operation).reason();
 }
 
-class RegistryTest : public testing::Test {
-protected:
+struct RegistryTest : testing::Test {
     RegistryTest()
     {
-        if (m_registry->doesKeyExist(keyName))
-            m_registry->deleteTree(keyName);
-        m_key = m_registry->createKey(keyName);
+        if (registry->doesKeyExist(keyName))
+            registry->deleteTree(keyName);
+        key = registry->createKey(keyName);
     }
-    ~RegistryTest() override { m_registry->deleteTree(keyName); }
+    ~RegistryTest() override { registry->deleteTree(keyName); }
 
     void setRaw(const wchar_t* name, DWORD type, const std::string& bytes)
     {
@@ -53,50 +43,49 @@ protected:
             ERROR_SUCCESS);
     }
 
-    std::shared_ptr<Registry> m_registry = createWin32Registry();
-    std::shared_ptr<RegistryKey> m_key;
+    std::shared_ptr<Registry> registry = createWin32Registry();
+    std::shared_ptr<RegistryKey> key;
 };
+
+} // namespace
 
 TEST_F(RegistryTest, keepsValuesOfEveryForm)
 {
     const std::vector<std::uint8_t> bytes = {0, 1, 255};
     const std::vector<std::wstring> list = {L"one", std::wstring(), L"three"};
-    m_key->setInt32Value(L"int32", -2);
-    m_key->setInt64Value(L"int64", -0x123456789LL);
-    m_key->setStringValue(L"text", L"caf\u00e9");
-    m_key->setMultiStringValue(L"list", list);
-    m_key->setBinaryValue(L"bytes", bytes);
-    m_key->setBinaryValue(L"no bytes", {});
-    const auto reader = m_registry->openKey(keyName);
+    key->setInt32Value(L"int32", -2);
+    key->setInt64Value(L"int64", -0x123456789LL);
+    key->setStringValue(L"text", L"caf\u00e9");
+    key->setMultiStringValue(L"list", list);
+    key->setBinaryValue(L"bytes", bytes);
+    key->setBinaryValue(L"no bytes", {});
+    const auto reader = registry->openKey(keyName);
     EXPECT_EQ(reader->getInt32Value(L"int32"), -2);
     EXPECT_EQ(reader->getInt64Value(L"int64"), -0x123456789LL);
     EXPECT_EQ(reader->getStringValue(L"text"), L"caf\u00e9");
     EXPECT_EQ(reader->getMultiStringValue(L"list"), list);
     EXPECT_EQ(reader->getBinaryValue(L"bytes"), bytes);
     EXPECT_TRUE(reader->getBinaryValue(L"no bytes").empty());
-    auto names = reader->getValues();
-    std::sort(names.begin(), names.end());
-    EXPECT_EQ(names, (std::vector<std::wstring>{L"bytes", L"int32", L"int64", L"list", L"no bytes", L"text"}));
+    EXPECT_THAT(reader->getValues(),
+        testing::UnorderedElementsAre(L"bytes", L"int32", L"int64", L"list", L"no bytes", L"text"));
 }
 
 TEST_F(RegistryTest, refusesValuesOfAnotherTypeOrSize)
 {
     setRaw(L"none", REG_NONE, "1234");
-    EXPECT_EQ(
-        reasonOf([&] { m_key->getInt32Value(L"none"); }), L"Invalid type of registry value: REG_DWORD is expected");
-    EXPECT_EQ(
-        reasonOf([&] { m_key->getInt64Value(L"none"); }), L"Invalid type of registry value: REG_DWORD is expected");
-    EXPECT_EQ(reasonOf([&] { m_key->getStringValue(L"none"); }),
+    EXPECT_EQ(reasonOf([&] { key->getInt32Value(L"none"); }), L"Invalid type of registry value: REG_DWORD is expected");
+    EXPECT_EQ(reasonOf([&] { key->getInt64Value(L"none"); }), L"Invalid type of registry value: REG_DWORD is expected");
+    EXPECT_EQ(reasonOf([&] { key->getStringValue(L"none"); }),
         L"Invalid type of registry value: REG_SZ or REG_EXPAND_SZ is expected");
-    EXPECT_EQ(reasonOf([&] { m_key->getMultiStringValue(L"none"); }),
+    EXPECT_EQ(reasonOf([&] { key->getMultiStringValue(L"none"); }),
         L"Invalid type of registry value: REG_MULTI_SZ is expected");
     EXPECT_EQ(
-        reasonOf([&] { m_key->getBinaryValue(L"none"); }), L"Invalid type of registry value: REG_BINARY is expected");
+        reasonOf([&] { key->getBinaryValue(L"none"); }), L"Invalid type of registry value: REG_BINARY is expected");
     setRaw(L"short", REG_DWORD, "123");
     setRaw(L"long", REG_QWORD, "123456789");
-    EXPECT_EQ(reasonOf([&] { m_key->getInt32Value(L"short"); }),
+    EXPECT_EQ(reasonOf([&] { key->getInt32Value(L"short"); }),
         L"Invalid registry value size of REG_DWORD type: 4 bytes are expected, actual is 3");
-    EXPECT_EQ(reasonOf([&] { m_key->getInt64Value(L"long"); }),
+    EXPECT_EQ(reasonOf([&] { key->getInt64Value(L"long"); }),
         L"Invalid registry value size of REG_QWORD type: 8 bytes are expected, actual is 9");
 }
 
@@ -117,7 +106,7 @@ TEST_F(RegistryTest, readsTextAsOthersLeaveIt)
     for (const auto& row : rows) {
         SCOPED_TRACE(row.trace);
         setRaw(L"text", row.type, row.bytes);
-        EXPECT_EQ(m_key->getStringValue(L"text"), row.expected);
+        EXPECT_EQ(key->getStringValue(L"text"), row.expected);
     }
 }
 
@@ -140,60 +129,60 @@ TEST_F(RegistryTest, readsListsAsOthersLeaveThem)
     for (const auto& row : rows) {
         SCOPED_TRACE(row.trace);
         setRaw(L"list", REG_MULTI_SZ, row.bytes);
-        EXPECT_EQ(m_key->getMultiStringValue(L"list"), row.expected);
+        EXPECT_EQ(key->getMultiStringValue(L"list"), row.expected);
     }
     for (const auto& list : {std::vector<std::wstring>{}, std::vector<std::wstring>(1)}) {
-        m_key->setMultiStringValue(L"list", list);
-        EXPECT_TRUE(m_key->getMultiStringValue(L"list").empty());
+        key->setMultiStringValue(L"list", list);
+        EXPECT_TRUE(key->getMultiStringValue(L"list").empty());
     }
 }
 
 TEST_F(RegistryTest, makesListsAndDeletesKeys)
 {
-    EXPECT_TRUE(m_key->isCreated());
-    EXPECT_FALSE(m_registry->createKey(keyName)->isCreated());
-    EXPECT_TRUE(m_key->createKey(L"a\\below")->isCreated());
-    m_key->createKey(L"a longer name");
-    EXPECT_EQ(m_key->getKeys(), (std::vector<std::wstring>{L"a", L"a longer name"}));
-    EXPECT_TRUE(m_key->doesKeyExist(L"a\\below"));
-    EXPECT_EQ(codeOf([&] { m_key->deleteKey(L"a"); }), static_cast<unsigned long>(ERROR_ACCESS_DENIED));
-    m_key->deleteTree(L"a");
-    m_key->deleteKey(L"a longer name");
-    EXPECT_TRUE(m_key->getKeys().empty());
+    EXPECT_TRUE(key->isCreated());
+    EXPECT_FALSE(registry->createKey(keyName)->isCreated());
+    EXPECT_TRUE(key->createKey(L"a\\below")->isCreated());
+    key->createKey(L"a longer name");
+    EXPECT_EQ(key->getKeys(), (std::vector<std::wstring>{L"a", L"a longer name"}));
+    EXPECT_TRUE(key->doesKeyExist(L"a\\below"));
+    EXPECT_EQ(codeOf([&] { key->deleteKey(L"a"); }), static_cast<unsigned long>(ERROR_ACCESS_DENIED));
+    key->deleteTree(L"a");
+    key->deleteKey(L"a longer name");
+    EXPECT_TRUE(key->getKeys().empty());
 }
 
 TEST_F(RegistryTest, tellsAbsenceFromFailure)
 {
     constexpr unsigned long missing = ERROR_FILE_NOT_FOUND;
-    EXPECT_FALSE(m_key->doesKeyExist(L"none"));
-    EXPECT_FALSE(m_key->doesValueExist(L"none"));
-    m_key->setInt32Value(L"value", 1);
-    EXPECT_TRUE(m_key->doesValueExist(L"value"));
-    EXPECT_EQ(codeOf([&] { m_key->openKey(L"none"); }), missing);
-    EXPECT_EQ(codeOf([&] { m_key->getStringValue(L"none"); }), missing);
-    EXPECT_EQ(codeOf([&] { m_key->deleteValue(L"none"); }), missing);
-    EXPECT_EQ(codeOf([&] { m_key->deleteKey(L"none"); }), missing);
-    EXPECT_EQ(codeOf([&] { m_key->deleteTree(L"none"); }), missing);
+    EXPECT_FALSE(key->doesKeyExist(L"none"));
+    EXPECT_FALSE(key->doesValueExist(L"none"));
+    key->setInt32Value(L"value", 1);
+    EXPECT_TRUE(key->doesValueExist(L"value"));
+    EXPECT_EQ(codeOf([&] { key->openKey(L"none"); }), missing);
+    EXPECT_EQ(codeOf([&] { key->getStringValue(L"none"); }), missing);
+    EXPECT_EQ(codeOf([&] { key->deleteValue(L"none"); }), missing);
+    EXPECT_EQ(codeOf([&] { key->deleteKey(L"none"); }), missing);
+    EXPECT_EQ(codeOf([&] { key->deleteTree(L"none"); }), missing);
     // A name above the system's limit is no mere absence.
     const std::wstring tooLong(300, L'x');
-    EXPECT_NE(codeOf([&] { m_key->doesKeyExist(tooLong); }), 0u);
-    const auto reader = m_registry->openKey(keyName);
+    EXPECT_NE(codeOf([&] { key->doesKeyExist(tooLong); }), 0u);
+    const auto reader = registry->openKey(keyName);
     EXPECT_EQ(codeOf([&] { reader->setInt32Value(L"value", 2); }), static_cast<unsigned long>(ERROR_ACCESS_DENIED));
-    const auto blind = m_registry->openKey(keyName, KEY_NOTIFY);
+    const auto blind = registry->openKey(keyName, KEY_NOTIFY);
     EXPECT_EQ(codeOf([&] { blind->doesValueExist(L"none"); }), static_cast<unsigned long>(ERROR_ACCESS_DENIED));
 }
 
 TEST_F(RegistryTest, treatsRootsAsKeysThatCannotGo)
 {
-    EXPECT_TRUE(m_registry->doesKeyExist(L"HKEY_LOCAL_MACHINE"));
-    EXPECT_TRUE(m_registry->openKey(L"HKEY_CURRENT_USER")->doesKeyExist(L"Software\\TarnhdRegistryTest"));
-    EXPECT_TRUE(m_registry->currentUser()->doesKeyExist(L"Software\\TarnhdRegistryTest"));
-    EXPECT_TRUE(m_registry->localMachine()->doesKeyExist(L"Software"));
+    EXPECT_TRUE(registry->doesKeyExist(L"HKEY_LOCAL_MACHINE"));
+    EXPECT_TRUE(registry->openKey(L"HKEY_CURRENT_USER")->doesKeyExist(L"Software\\TarnhdRegistryTest"));
+    EXPECT_TRUE(registry->currentUser()->doesKeyExist(L"Software\\TarnhdRegistryTest"));
+    EXPECT_TRUE(registry->localMachine()->doesKeyExist(L"Software"));
     for (const wchar_t* name : {L"HKEY_LOCAL_MACHINE", L"HKEY_CURRENT_USER\\"}) {
-        EXPECT_EQ(reasonOf([&] { m_registry->deleteKey(name); }), L"Cannot delete root registry key");
-        EXPECT_EQ(reasonOf([&] { m_registry->deleteTree(name); }), L"Cannot delete root registry key");
+        EXPECT_EQ(reasonOf([&] { registry->deleteKey(name); }), L"Cannot delete root registry key");
+        EXPECT_EQ(reasonOf([&] { registry->deleteTree(name); }), L"Cannot delete root registry key");
     }
-    EXPECT_EQ(reasonOf([] { details::Win32RegistryKey key(nullptr); }), L"Null registry key value");
+    EXPECT_EQ(reasonOf([] { registry::details::Win32RegistryKey none(nullptr); }), L"Null registry key value");
 }
 
 TEST_F(RegistryTest, reachesBothViews)
@@ -203,19 +192,16 @@ TEST_F(RegistryTest, reachesBothViews)
     constexpr const wchar_t* name = L"HKEY_LOCAL_MACHINE\\Software\\TarnhdRegistryTest";
     const auto clear = [&] {
         for (const View view : {View::View32, View::View64})
-            if (m_registry->doesKeyExist(name, view))
-                m_registry->deleteKey(name, view);
+            if (registry->doesKeyExist(name, view))
+                registry->deleteKey(name, view);
     };
     clear();
-    m_registry->createKey(name, allAccess, 0, View::View32)->setInt32Value(L"view", 32);
-    m_registry->createKey(name, allAccess, 0, View::View64)->setInt32Value(L"view", 64);
-    EXPECT_EQ(m_registry->openKey(name, readAccess, View::View32)->getInt32Value(L"view"), 32);
-    EXPECT_EQ(m_registry->openKey(name, readAccess, View::View64)->getInt32Value(L"view"), 64);
-    EXPECT_EQ(m_registry->openKey(name)->getInt32Value(L"view"), 32);
+    registry->createKey(name, allAccess, 0, View::View32)->setInt32Value(L"view", 32);
+    registry->createKey(name, allAccess, 0, View::View64)->setInt32Value(L"view", 64);
+    EXPECT_EQ(registry->openKey(name, readAccess, View::View32)->getInt32Value(L"view"), 32);
+    EXPECT_EQ(registry->openKey(name, readAccess, View::View64)->getInt32Value(L"view"), 64);
+    EXPECT_EQ(registry->openKey(name)->getInt32Value(L"view"), 32);
     clear();
-    EXPECT_FALSE(m_registry->doesKeyExist(name, View::View32));
-    EXPECT_FALSE(m_registry->doesKeyExist(name, View::View64));
+    EXPECT_FALSE(registry->doesKeyExist(name, View::View32));
+    EXPECT_FALSE(registry->doesKeyExist(name, View::View64));
 }
-
-} // namespace
-} // namespace vx::registry

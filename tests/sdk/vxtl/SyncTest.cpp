@@ -1,14 +1,16 @@
 #include "vxtl/sync.h"
 #include "support/logcapture.h"
+#include "support/thrown.h"
 #include "vxtl/handle.h"
 #include "vxtl/win32exception.h"
 
-#include <gtest/gtest.h>
 #include <windows.h>
 
 #include <thread>
 
-namespace vx {
+using namespace vx;
+using testing::HasSubstr;
+
 namespace {
 
 struct Waitable : IWaitable {
@@ -29,6 +31,8 @@ std::shared_ptr<Waitable> makeAbandonedMutex()
     return mutex;
 }
 
+} // namespace
+
 TEST(Sync, singleWaitTellsFiringFromTimeout)
 {
     EXPECT_TRUE(sync::waitForSingleObject(*makeEvent(true), 0));
@@ -40,11 +44,9 @@ TEST(Sync, multipleWaitGivesTheFirstThatFired)
 {
     const auto clear = makeEvent(false);
     const auto set = makeEvent(true);
-    const auto abandoned = makeAbandonedMutex();
-    using List = std::vector<std::shared_ptr<Waitable>>;
     struct {
         const char* trace;
-        List list;
+        std::vector<std::shared_ptr<Waitable>> list;
         std::ptrdiff_t expected;
     } const rows[] = {
         {"empty", {}, 0},
@@ -52,33 +54,23 @@ TEST(Sync, multipleWaitGivesTheFirstThatFired)
         {"the second", {clear, set}, 1},
         {"both", {set, makeEvent(true)}, 0},
         {"abandoned alone", {makeAbandonedMutex()}, 0},
-        {"abandoned behind", {clear, clear, abandoned}, 2},
+        {"abandoned behind", {clear, clear, makeAbandonedMutex()}, 2},
     };
-    for (const auto& row : rows) {
-        SCOPED_TRACE(row.trace);
-        EXPECT_EQ(sync::waitForMultipleObjects(row.list) - row.list.begin(), row.expected);
-    }
+    for (const auto& row : rows)
+        EXPECT_EQ(sync::waitForMultipleObjects(row.list) - row.list.begin(), row.expected) << row.trace;
 }
 
 TEST(Sync, failedWaitNamesItsFunction)
 {
     const Waitable nothing(nullptr);
-    const auto check = [](auto wait, const std::string& function) {
-        try {
-            wait();
-            ADD_FAILURE();
-        } catch (const Win32Exception& e) {
-            EXPECT_EQ(e.code(), static_cast<unsigned long>(ERROR_INVALID_HANDLE));
-            EXPECT_NE(std::string(e.what()).find("Type: Win32Exception, Reason: wait failed, Function: "
-                                                 "vx::sync::details::" +
-                                                 function + ","),
-                std::string::npos)
-                << e.what();
-        }
-    };
-    check([&] { sync::waitForSingleObject(nothing, 0); }, "waitForSingleObject");
     const std::vector<const IWaitable*> list = {&nothing, &nothing};
-    check([&] { sync::waitForMultipleObjects(list); }, "waitForMultipleObjects");
+    const auto single = support::thrown<Win32Exception>([&] { sync::waitForSingleObject(nothing, 0); });
+    const auto multiple = support::thrown<Win32Exception>([&] { sync::waitForMultipleObjects(list); });
+    const std::string report = "Type: Win32Exception, Reason: wait failed, Function: vx::sync::details::";
+    EXPECT_THAT(single.what(), HasSubstr(report + "waitForSingleObject,"));
+    EXPECT_THAT(multiple.what(), HasSubstr(report + "waitForMultipleObjects,"));
+    for (const auto& failure : {single, multiple})
+        EXPECT_EQ(failure.code(), static_cast<unsigned long>(ERROR_INVALID_HANDLE));
 }
 
 TEST(AutomaticHandle, closesWhatIsAHandleAndLogsItsFailure)
@@ -86,10 +78,7 @@ TEST(AutomaticHandle, closesWhatIsAHandleAndLogsItsFailure)
     support::LogCapture log;
     HANDLE event = CreateEventW(nullptr, TRUE, FALSE, nullptr);
     {
-        const KernelHandle owner(event);
-    }
-    {
-        const KernelHandle null(nullptr), invalid(INVALID_HANDLE_VALUE);
+        const KernelHandle owner(event), null(nullptr), invalid(INVALID_HANDLE_VALUE);
     }
     EXPECT_EQ(log.text(), "");
     DWORD flags;
@@ -109,6 +98,3 @@ TEST(Win32Exception, takesTheSystemsTextOnlyWithoutAReason)
     EXPECT_STREQ(Win32Exception(0x2FFF1234, L"", L"f", L"file", 1).what(),
         "Type: Win32Exception, Reason: , Function: f, File: file, Line: 1, Error Code : 805245492");
 }
-
-} // namespace
-} // namespace vx

@@ -17,6 +17,12 @@ namespace {
 std::mutex mutex;
 std::condition_variable added;
 std::vector<support::LogCapture::Line> captured;
+
+std::size_t countIn(const std::vector<support::LogCapture::Line>& lines, const std::string& text)
+{
+    return static_cast<std::size_t>(
+        std::ranges::count_if(lines, [&](const auto& line) { return line.text.find(text) != std::string::npos; }));
+}
 } // namespace
 
 void log(int level, const char* format, ...) noexcept
@@ -68,25 +74,19 @@ std::string LogCapture::text() const
 
 bool LogCapture::has(int level, const std::string& text) const
 {
-    const auto all = lines();
-    return std::any_of(all.begin(), all.end(),
-        [&](const Line& line) { return line.level == level && line.text.find(text) != std::string::npos; });
+    return std::ranges::any_of(
+        lines(), [&](const Line& line) { return line.level == level && line.text.find(text) != std::string::npos; });
 }
 
 std::size_t LogCapture::count(const std::string& text) const
 {
-    const auto all = lines();
-    return static_cast<std::size_t>(std::count_if(
-        all.begin(), all.end(), [&](const Line& line) { return line.text.find(text) != std::string::npos; }));
+    return countIn(lines(), text);
 }
 
 bool LogCapture::waitFor(const std::string& text, std::size_t times) const
 {
     std::unique_lock lock(mutex);
-    return added.wait_for(lock, std::chrono::seconds(60), [&] {
-        return static_cast<std::size_t>(std::count_if(captured.begin(), captured.end(),
-                   [&](const Line& line) { return line.text.find(text) != std::string::npos; })) >= times;
-    });
+    return added.wait_for(lock, std::chrono::seconds(60), [&] { return countIn(captured, text) >= times; });
 }
 
 } // namespace support

@@ -52,11 +52,11 @@ private:
     PROCESS_INFORMATION m_information = {};
 };
 
-/// A test program's main: runs its tests or, for a ChildTest, the function of that name.
+/// A test program's main: runs its tests or, when its command line ends with "--child NAME", the function of that name.
 inline int mainWithChildren(int argc, char** argv, const std::map<std::string, int (*)()>& children)
 {
-    if (argc == 3 && std::string(argv[1]) == "--child")
-        return children.at(argv[2])();
+    if (argc >= 3 && std::string(argv[argc - 2]) == "--child")
+        return children.at(argv[argc - 1])();
     testing::InitGoogleMock(&argc, argv);
     return RUN_ALL_TESTS();
 }

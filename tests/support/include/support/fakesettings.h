@@ -1,11 +1,14 @@
 #pragma once
 
 #include "settings-api/settings.h"
+#include "vxtl/str.h"
 
 #include <exception>
 #include <map>
 #include <memory>
 #include <mutex>
+#include <nlohmann/json.hpp>
+#include <stdexcept>
 #include <vector>
 
 namespace support {
@@ -14,6 +17,9 @@ namespace support {
 /// write calls the subscribers of its name before it returns, on the writing thread. Any thread.
 class FakeSettings : public vx::settings::details::SettingsImpl {
 public:
+    using Name = const std::wstring&;
+    using json = nlohmann::json;
+
     virtual ~FakeSettings() = default;
 
     /// The handle that the product's classes take.
@@ -23,45 +29,64 @@ public:
     }
 
     /// Reads and writes of the name throw `error`; null heals. The empty name stands for all names.
-    void fail(const std::wstring& name, std::exception_ptr error);
+    void fail(Name name, std::exception_ptr error);
+    void breakDown(Name name = {}) { fail(name, std::make_exception_ptr(std::runtime_error("store is down"))); }
+    void repair(Name name = {}) { fail(name, nullptr); }
     /// Calls the subscribers of the name.
-    void notify(const std::wstring& name);
-    void erase(const std::wstring& name);
-    bool contains(const std::wstring& name) const;
+    void notify(Name name);
+    void erase(Name name)
+    {
+        const std::lock_guard lock(m_mutex);
+        m_values.erase(name);
+    }
+    bool contains(Name name) const
+    {
+        const std::lock_guard lock(m_mutex);
+        return m_values.contains(name);
+    }
     /// Names in the order of successful writes.
-    std::vector<std::wstring> writes() const;
-    std::size_t subscriptions() const;
+    std::vector<std::wstring> writes() const
+    {
+        const std::lock_guard lock(m_mutex);
+        return m_writes;
+    }
+    std::size_t subscriptions() const
+    {
+        const std::lock_guard lock(m_mutex);
+        return m_subscriptions.size();
+    }
 
-    bool getBoolValue(const std::wstring& name) override;
-    std::int32_t getInt32Value(const std::wstring& name) override;
-    std::int64_t getInt64Value(const std::wstring& name) override;
-    double getDoubleValue(const std::wstring& name) override;
-    std::wstring getStringValue(const std::wstring& name) override;
-    nlohmann::json getJsonValue(const std::wstring& name) override;
-    void setBoolValue(const std::wstring& name, bool value) override;
-    void setInt32Value(const std::wstring& name, std::int32_t value) override;
-    void setInt64Value(const std::wstring& name, std::int64_t value) override;
-    void setDoubleValue(const std::wstring& name, double value) override;
-    void setStringValue(const std::wstring& name, const std::wstring& value) override;
-    void setJsonValue(const std::wstring& name, const nlohmann::json& value) override;
-    vx::settings::SubscriptionId subscribeForChanges(
-        const std::wstring& name, const vx::settings::ChangeCallback& callback) override;
-    void unsubscribeFromChanges(vx::settings::SubscriptionId id) override;
+    bool getBoolValue(Name name) override { return read(name, &json::is_boolean).get<bool>(); }
+    std::int32_t getInt32Value(Name name) override { return read(name, &json::is_number_integer).get<std::int32_t>(); }
+    std::int64_t getInt64Value(Name name) override { return read(name, &json::is_number_integer).get<std::int64_t>(); }
+    double getDoubleValue(Name name) override { return read(name, &json::is_number_float).get<double>(); }
+    std::wstring getStringValue(Name name) override
+    {
+        return vx::str::fromUtf8(read(name, &json::is_string).get<std::string>());
+    }
+    json getJsonValue(Name name) override { return read(name, nullptr); }
+    void setBoolValue(Name name, bool value) override { write(name, value); }
+    void setInt32Value(Name name, std::int32_t value) override { write(name, value); }
+    void setInt64Value(Name name, std::int64_t value) override { write(name, value); }
+    void setDoubleValue(Name name, double value) override { write(name, value); }
+    void setStringValue(Name name, const std::wstring& value) override { write(name, vx::str::toUtf8(value)); }
+    void setJsonValue(Name name, const json& value) override { write(name, value); }
+    vx::settings::SubscriptionId subscribeForChanges(Name name, const vx::settings::ChangeCallback& callback) override;
+    void unsubscribeFromChanges(vx::settings::SubscriptionId id) override
+    {
+        const std::lock_guard lock(m_mutex);
+        m_subscriptions.erase(id);
+    }
 
 private:
-    struct Subscription {
-        std::wstring name;
-        vx::settings::ChangeCallback callback;
-    };
-
-    void throwIfFailing(const std::wstring& name) const;
-    nlohmann::json read(const std::wstring& name) const;
-    void write(const std::wstring& name, nlohmann::json value);
+    void throwIfFailing(Name name) const;
+    json read(Name name, bool (json::*fits)() const noexcept) const;
+    void write(Name name, json value);
 
     mutable std::mutex m_mutex; ///< never held while a subscriber runs
-    std::map<std::wstring, std::shared_ptr<const nlohmann::json>> m_values;
+    std::map<std::wstring, json> m_values;
     std::map<std::wstring, std::exception_ptr> m_errors;
-    std::map<vx::settings::SubscriptionId, Subscription> m_subscriptions;
+    std::map<vx::settings::SubscriptionId, std::pair<std::wstring, vx::settings::ChangeCallback>> m_subscriptions;
     vx::settings::SubscriptionId m_lastId = 0;
     std::vector<std::wstring> m_writes;
 };

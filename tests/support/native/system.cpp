@@ -1,9 +1,14 @@
-// Native twin of the critical section.
+// Native twins of single calls to the system; errno stands for the last error.
 
+#include "common/localtime.h"
 #include "logging/details/criticalsection.h"
+#include "logging/details/lasterror.h"
+#include "vxtl/win32exception.h"
 
+#include <cerrno>
 #include <mutex>
 #include <new>
+#include <time.h>
 
 namespace vx::logging::details {
 
@@ -37,4 +42,25 @@ void CriticalSection::unlock() noexcept
     native(m_storage).unlock();
 }
 
+LastErrorKeeper::LastErrorKeeper() noexcept : m_lastError(static_cast<unsigned long>(errno)) {}
+
+LastErrorKeeper::~LastErrorKeeper()
+{
+    errno = static_cast<int>(m_lastError);
+}
+
 } // namespace vx::logging::details
+
+std::wstring vx::Win32ErrorCategory::emptyReason(unsigned long) noexcept
+{
+    return {};
+}
+
+std::optional<std::tm> vx::tarn::common::utils::toLocalTime(std::int64_t time) noexcept
+{
+    std::tm parts{};
+    const std::time_t native = time;
+    if (time < 0 || !localtime_r(&native, &parts))
+        return std::nullopt;
+    return parts;
+}
