@@ -1,4 +1,5 @@
-# Sourced by ./run demo: shows one remote scan request on its whole way, with real processes under Wine.
+# Sourced by ./run demo: shows a remote scan request and installation requests on their whole way, with real processes
+# under Wine.
 
 demo_folder=$project/build/demo
 
@@ -22,11 +23,12 @@ demo_step() {
 }
 
 demo_prepare() {
-    rm -rf "$demo_folder"
+    rm -rf "$demo_folder" "$wine_prefix/drive_c/ProgramData/Vantorix/Log/tarn"
     mkdir -p "$demo_folder/agent"
     cp "$project"/build/product/bin/{tarnag.exe,vx_qrl_meridia_32.dll} "$demo_folder/agent/"
     # What the stand-in agent does at each start: an ordinary scan when the plug-in comes up, a scan that finds three
-    # updates, and then another agent is busy four times before it gets its turn.
+    # updates, and then another agent is busy four times before it gets its turn. From then on it installs what the
+    # queue asks for.
     cat >"$demo_folder/agent/tarnag.script.json" <<'END'
 {"runs": [
     {},
@@ -38,28 +40,62 @@ demo_prepare() {
     {"exitCode": 8},
     {"exitCode": 8},
     {"exitCode": 8},
-    {}
+    {"deploy": {"stepMs": 300}}
 ]}
 END
+}
+
+# From now on an installation leaves for a reboot; the agent's starts are counted on.
+demo_let_deployments_need_a_reboot() {
+    sed -i 's/"deploy": {"stepMs": 300}/"deploy": {"stepMs": 300, "reboot": true}/' "$demo_folder/agent/tarnag.script.json"
+}
+
+# Runs a host's command again and again until it succeeds and prints the text.
+demo_wait_until() {
+    local text=$1 i
+    shift
+    for i in {1..200}; do
+        demo_host "$@" 2>/dev/null | grep -q "$text" && return
+    done
+    return 1
 }
 
 demo_scan_road() {
     printf '\nA host is started; it serves the store, loads tarnhd.dll and runs it.\n'
     demo_host run --store "$demo_folder/store.json" --agent-dir "$demo_folder/agent" >"$demo_folder/host.txt" 2>&1 &
     demo_step "wait until the host is up" status --wait 30 &&
+        # The plug-in writes its status once it has subscribed to its keys; what is requested before is not seen.
+        demo_wait_until true get status.windows.tarnpatch.enabled &&
         demo_step "request a scan and wait for the acknowledgement" scan --wait 30 &&
         demo_step "what the agent found" get status.windows.tarnpatch.scanning.last_scanning.missing_updates &&
         demo_step "request another one; the agent is busy four times and tried again each second" scan --wait 30 &&
         demo_step "wait until a try has succeeded" watch status.windows.tarnpatch.scanning.last_scanning.timestamp \
             --count 1 &&
-        demo_step "an overview" status &&
-        demo_step "stop the host" stop
-    local result=$?
+        demo_step "an overview" status
+}
+
+demo_deployments() {
+    demo_step "request the installation of the critical update" install CRITICAL --wait 30 &&
+        demo_step "nothing is left of it, neither in the queue" queue &&
+        demo_step "nor among the published patches" patches || return
+    demo_let_deployments_need_a_reboot
+    demo_step "request an installation that needs a reboot" install "PRODUCT=Browser;PATCH=KB5003" --wait 30 &&
+        demo_step "its patches wait for the reboot" patches &&
+        demo_step "reboot; the plug-in finds the deployment finished and starts the agent once more" reboot &&
+        demo_wait_until 'no patches' patches &&
+        demo_step "the agent has completed it, and nothing is left" patches
+}
+
+demo_play() {
+    local result
+    demo_scan_road && demo_deployments && demo_step "an overview" status
+    result=$?
+    demo_step "stop the host" stop || result=1
     wait
     printf '\n--- what the host showed\n'
     sed 's/^/    /' "$demo_folder/host.txt"
     printf '\n--- the log of the plug-in\n'
-    demo_host log --lines 70 | sed 's/^/    /'
+    demo_host log | grep -v 'not found - fallback to default value$\|NotFoundException' | sed 's/^/    /'
     return $result
 }
 
@@ -70,6 +106,7 @@ command_demo() {
     export TARNHD_INSTANCE=demo
     demo_prepare
     demo_host forget-boot >/dev/null
-    demo_scan_road || die "the demo did not go as it should; see above"
-    say "the request went the whole way: see 'Update a scanning remote operation status' in the log above"
+    demo_play || die "the demo did not go as it should; see above"
+    say "the requests went the whole way: see 'Update a scanning remote operation status', 'Update a deployment remote" \
+        "operation status' and '-c complete' in the log above"
 }
