@@ -1,49 +1,24 @@
 #include "agent/agentrunner.h"
 
+#include "agent/deployer.h"
+#include "agent/say.h"
+#include "agent/suspendeddeployment.h"
+#include "common/commonfactory.h"
+#include "common/ideploymentqueue.h"
 #include "settings-api/settings.h"
 #include "vxtl/str.h"
 
-#include <cstdio>
 #include <nlohmann/json.hpp>
-#include <stdexcept>
 #include <windows.h>
 
 namespace devhost::agent {
 
 namespace {
 
-void say(const std::string& line)
-{
-    std::printf("tarnag: %s\n", line.c_str());
-    std::fflush(stdout);
-}
-
-/// Made when it does not exist yet, so that neither side has to come first.
-class NamedEvent {
-public:
-    explicit NamedEvent(const std::string& name)
-        : m_handle(CreateEventW(nullptr, TRUE, FALSE, vx::str::fromUtf8(name).c_str()))
-    {
-        if (!m_handle)
-            throw std::runtime_error("event " + name + ": error " + std::to_string(GetLastError()));
-    }
-    ~NamedEvent() { CloseHandle(m_handle); }
-    NamedEvent(const NamedEvent&) = delete;
-    NamedEvent& operator=(const NamedEvent&) = delete;
-
-    void set() { SetEvent(m_handle); }
-    void wait() { WaitForSingleObject(m_handle, INFINITE); }
-
-private:
-    HANDLE m_handle;
-};
-
 void linger(const AgentRun& run)
 {
-    if (!run.waitForEvent.empty()) {
-        say("waiting for the event " + run.waitForEvent);
-        NamedEvent(run.waitForEvent).wait();
-    } else if (run.duration.count() > 0) {
+    pass(run.gate);
+    if (run.gate.waitForEvent.empty() && run.duration.count() > 0) {
         say("working for " + std::to_string(run.duration.count()) + " ms");
         Sleep(static_cast<DWORD>(run.duration.count()));
     }
@@ -64,26 +39,49 @@ void writeValue(const vx::settings::Settings& settings, const ScriptedValue& scr
 
 } // namespace
 
-void AgentRunner::perform(const AgentRun& run) const
+void AgentRunner::perform(const AgentRun& run, Task task)
 {
     if (!run.output.empty())
         say(run.output);
-    // Stays open over the wait: the event must not vanish before somebody has looked at it.
-    std::optional<NamedEvent> started;
-    if (!run.startedEvent.empty())
-        started.emplace(run.startedEvent).set();
     linger(run);
+    if (!run.idle)
+        performTask(task);
     if (!run.values.empty())
         write(run.values);
+    if (run.deploy)
+        deploy(*run.deploy);
 }
 
-void AgentRunner::write(const std::vector<ScriptedValue>& values) const
+std::shared_ptr<vx::settings::Settings> AgentRunner::settings()
 {
-    const auto settings = m_makeSettings();
+    if (!m_settings)
+        m_settings = m_factory.createSettings();
+    return m_settings;
+}
+
+void AgentRunner::performTask(Task task)
+{
+    if (task == Task::Ordinary)
+        return;
+    const SuspendedDeployment suspended(m_factory.createPatchStorage());
+    if (task == Task::Continue)
+        say(suspended.finish() ? "the deployment is finished" : "no deployment waits for a boot");
+    else
+        say(suspended.complete([this] { return settings(); }) ? "the deployment is complete"
+                                                              : "no deployment is to be completed");
+}
+
+void AgentRunner::write(const std::vector<ScriptedValue>& values)
+{
     for (const auto& value : values) {
         say("writing " + value.key);
-        writeValue(*settings, value);
+        writeValue(*settings(), value);
     }
+}
+
+void AgentRunner::deploy(const DeployScript& script)
+{
+    Deployer(settings(), m_factory.createDeploymentQueue(), m_factory.createPatchStorage()).deploy(script);
 }
 
 int AgentRunner::end(const AgentRun& run)

@@ -1,6 +1,10 @@
 #include "agent/agentscript.h"
 
+#include "common/updateid.h"
+#include "deployreader.h"
 #include "host/keycatalogue.h"
+#include "scriptmember.h"
+#include "vxtl/str.h"
 
 #include <algorithm>
 #include <fstream>
@@ -17,38 +21,21 @@ using nlohmann::json;
 using store::Type;
 
 constexpr auto sampleScript = R"({"runs": [{
-    "stdout": "no script: a scan that finds two updates",
+    "stdout": "no script: a scan that finds two updates, and what the queue asks for",
+    "deploy": true,
     "missingUpdates": [
-        {"patch_specifier": {"id": "{6E2C4C1B-9A3F-4D55-8C1E-3B0A7F2D9101}", "region": 1},
-         "update_id": "SAMPLE-1", "bulletin_id": "TS24-001", "product_name": "Sample Reader",
+        {"patch_specifier": {"id": "6E2C4C1B-9A3F-4D55-8C1E-3B0A7F2D9101", "region": 1},
+         "bulletin_id": "TS24-001", "product_name": "Sample Reader",
          "service_pack": "Gold", "update_name": "sample-reader-2.4.1.exe", "end_of_life": "",
          "severity": 1, "category": 1, "vendor": "Sample Makers",
          "user_friendly_update_name": "Sample Reader 2.4.1", "cve_id": ["CVE-2024-0001"],
          "description_url": "https://updates.example/ts24-001"},
-        {"patch_specifier": {"id": "{6E2C4C1B-9A3F-4D55-8C1E-3B0A7F2D9102}", "region": 1},
-         "update_id": "SAMPLE-2", "bulletin_id": "TS24-002", "product_name": "Sample Player",
+        {"patch_specifier": {"id": "6E2C4C1B-9A3F-4D55-8C1E-3B0A7F2D9102", "region": 1},
+         "bulletin_id": "TS24-002", "product_name": "Sample Player",
          "service_pack": "Gold", "update_name": "sample-player-7.0.3.msi", "end_of_life": "",
          "severity": 2, "category": 1, "vendor": "Sample Makers",
          "user_friendly_update_name": "Sample Player 7.0.3", "cve_id": [],
          "description_url": "https://updates.example/ts24-002"}]}]})";
-
-/// A member of a run together with the place that error messages name.
-struct Member {
-    std::string place;
-    const json& value;
-
-    [[noreturn]] void mustBe(const char* what) const { throw ScriptError(place + " must be " + what); }
-};
-
-bool readBool(const Member& member)
-{
-    return member.value.is_boolean() ? member.value.get<bool>() : (member.mustBe("true or false"), false);
-}
-
-std::string readText(const Member& member)
-{
-    return member.value.is_string() ? member.value.get<std::string>() : (member.mustBe("a text"), "");
-}
 
 int readExitCode(const Member& member)
 {
@@ -58,13 +45,6 @@ int readExitCode(const Member& member)
     if (code < std::numeric_limits<std::int32_t>::min() || code > std::numeric_limits<std::uint32_t>::max())
         member.mustBe("a 32-bit number");
     return static_cast<int>(code);
-}
-
-std::chrono::milliseconds readDuration(const Member& member)
-{
-    if (!member.value.is_number_unsigned())
-        member.mustBe("a number of milliseconds");
-    return std::chrono::milliseconds(member.value.get<std::int64_t>());
 }
 
 Type plainTypeOf(const Member& member)
@@ -119,9 +99,9 @@ void readMember(AgentRun& run, const std::string& name, const Member& member)
     if (name == "durationMs")
         run.duration = readDuration(member);
     else if (name == "waitForEvent")
-        run.waitForEvent = readText(member);
+        run.gate.waitForEvent = readText(member);
     else if (name == "startedEvent")
-        run.startedEvent = readText(member);
+        run.gate.startedEvent = readText(member);
     else if (name == "stdout")
         run.output = readText(member);
     else if (name == "exitCode")
@@ -130,32 +110,58 @@ void readMember(AgentRun& run, const std::string& name, const Member& member)
         member.mustBe("an array");
     else if (name == "missingUpdates")
         run.values.push_back(makeValue(std::string(host::keys::missingUpdates), Type::Object, member.value));
-    else if (name == "set" && !member.value.is_object())
-        member.mustBe("an object");
     else if (name == "set")
-        for (const auto& [key, value] : member.value.items())
-            run.values.push_back(readValue({key, value}));
+        readMembers(member, [&](const std::string& key, const Member& value) {
+            run.values.push_back(readValue({key, value.value}));
+        });
+    else if (name == "deploy")
+        run.deploy = readDeploy(member);
+    else if (name == "idle")
+        run.idle = readBool(member);
     else if (name == "hang")
         run.ending = readBool(member) ? Ending::Hang : run.ending;
     else if (name == "crash")
         run.ending = readBool(member) ? Ending::Crash : run.ending;
     else
-        throw ScriptError(member.place + " is unknown");
+        member.isUnknown();
 }
 
-AgentRun readRun(const Member& entry)
+std::vector<AgentRun> readRuns(const Member& list)
 {
-    if (!entry.value.is_object())
-        entry.mustBe("an object");
-    AgentRun run;
-    for (const auto& [name, value] : entry.value.items())
-        readMember(run, name, {entry.place + "." + name, value});
-    return run;
+    std::vector<AgentRun> runs;
+    readElements(list, [&](const Member& entry) {
+        auto& run = runs.emplace_back();
+        readMembers(entry, [&](const std::string& name, const Member& member) { readMember(run, name, member); });
+    });
+    return runs;
+}
+
+/// The sample with the identifiers that its updates go by.
+std::string makeSample()
+{
+    const auto text = [](const json& update, const char* name) {
+        return vx::str::fromUtf8(update.at(name).get<std::string>());
+    };
+    json script = json::parse(sampleScript);
+    for (auto& update : script["runs"][0]["missingUpdates"])
+        update["update_id"] = vx::str::toUtf8(vx::tarn::common::deriveUpdateId(text(update, "bulletin_id"),
+            text(update, "product_name"), text(update, "service_pack"), text(update, "update_name")));
+    return script.dump();
 }
 
 } // namespace
 
-AgentScript::AgentScript() : AgentScript(parse(sampleScript)) {}
+std::string_view listOf(Task task)
+{
+    switch (task) {
+    case Task::Continue: return "continue";
+    case Task::Complete: return "complete";
+    case Task::Ordinary: break;
+    }
+    return "runs";
+}
+
+AgentScript::AgentScript() : AgentScript(parse(makeSample())) {}
 
 AgentScript AgentScript::parse(std::string_view text)
 {
@@ -164,9 +170,11 @@ AgentScript AgentScript::parse(std::string_view text)
         throw ScriptError("the script is no JSON");
     if (!script.is_object() || !script.contains("runs") || !script["runs"].is_array() || script["runs"].empty())
         throw ScriptError("the script must be an object with a list \"runs\" of at least one run");
-    std::vector<AgentRun> runs;
-    for (const auto& entry : script["runs"])
-        runs.push_back(readRun({"runs[" + std::to_string(runs.size()) + "]", entry}));
+    Runs runs;
+    for (const auto task : {Task::Ordinary, Task::Continue, Task::Complete}) {
+        const std::string list(listOf(task));
+        runs[task] = script.contains(list) ? readRuns({list, script[list]}) : std::vector<AgentRun>(1);
+    }
     return AgentScript(std::move(runs));
 }
 
@@ -179,9 +187,10 @@ AgentScript AgentScript::load(const std::filesystem::path& file)
     return parse(text.view());
 }
 
-const AgentRun& AgentScript::runOf(std::size_t start) const
+const AgentRun& AgentScript::runOf(std::size_t start, Task task) const
 {
-    return m_runs[std::min(start, m_runs.size() - 1)];
+    const auto& runs = m_runs.at(task);
+    return runs[std::min(start, runs.size() - 1)];
 }
 
 } // namespace devhost::agent

@@ -17,6 +17,7 @@ namespace {
 using devhost::agent::AgentRunner;
 using devhost::agent::AgentScript;
 using devhost::agent::RunJournal;
+using devhost::agent::Task;
 
 // The agent's own codes for what can go wrong outside its script.
 constexpr int badArgument = 2;
@@ -25,10 +26,15 @@ constexpr int noStore = 21;
 constexpr auto description =
     R"(tarnag: a scripted stand-in for the agent.
 
-The n-th start carries out the n-th entry of the script's list "runs"; the last one repeats. Members of an
-entry, all optional: stdout (text), startedEvent (named event to set), waitForEvent (named event to wait for)
-or durationMs, missingUpdates (array), set (object of key and value; {"type": T, "value": V} gives a type),
-then hang or crash (true), or exitCode. Without a script a scan finds two updates.)";
+The n-th start carries out the n-th entry of the script's list "runs"; the last one repeats. Starts with -c continue
+and -c complete have lists of their own, "continue" and "complete". Members of an entry, all optional: stdout (text),
+startedEvent (named event to set), waitForEvent (named event to wait for) or durationMs, idle (true: the command is
+left undone), missingUpdates (array), set (object of key and value; {"type": T, "value": V} gives a type), deploy,
+then hang or crash (true), or exitCode. Without a script a scan finds two updates, and the queue is deployed.
+
+deploy is true or an object with any of: items (how many of the queue's; all), states (each update's, in order),
+result (of the last state's log entries), code (of all states), stepMs (length of a state; 100), pauses (list of
+{"at": STATE, "startedEvent": E, "waitForEvent": E}), reboot (true: the updates and the plug-in wait for a reboot).)";
 
 std::filesystem::path ownFolder()
 {
@@ -41,6 +47,13 @@ struct CommandLine {
     std::string command;
     std::string severity;
     std::string script;
+
+    Task task() const
+    {
+        return command == listOf(Task::Continue)   ? Task::Continue
+               : command == listOf(Task::Complete) ? Task::Complete
+                                                   : Task::Ordinary;
+    }
 };
 
 AgentScript findScript(const std::string& named)
@@ -63,12 +76,13 @@ struct Log {
     ~Log() { VxQrlLogging::close(); }
 };
 
-int runScript(const RunJournal& journal, const devhost::agent::AgentRun& run)
+int runScript(const RunJournal& journal, const devhost::agent::AgentRun& run, Task task)
 {
     const Log log;
     int code = noStore;
     try {
-        AgentRunner([] { return vx::tarn::common::CommonFactory().createSettings(); }).perform(run);
+        vx::tarn::common::CommonFactory factory;
+        AgentRunner(factory).perform(run, task);
         // Noted before the end, which a hang or a crash does not come back from.
         if (run.ending == devhost::agent::Ending::Exit)
             journal.appendEnd(run.exitCode);
@@ -84,7 +98,8 @@ int runScript(const RunJournal& journal, const devhost::agent::AgentRun& run)
 int start(const CommandLine& commandLine, const std::vector<std::string>& arguments)
 {
     const RunJournal journal(ownFolder() / "tarnag.runs.jsonl");
-    const auto number = journal.appendStart(arguments);
+    const auto task = commandLine.task();
+    const auto number = journal.appendStart(arguments, listOf(task));
     std::printf("tarnag: start %u, command \"%s\", severity \"%s\"\n", static_cast<unsigned>(number + 1),
         commandLine.command.c_str(), commandLine.severity.c_str());
     std::optional<AgentScript> script;
@@ -94,7 +109,7 @@ int start(const CommandLine& commandLine, const std::vector<std::string>& argume
         journal.appendEnd(badArgument);
         return failed(badArgument, exception);
     }
-    return runScript(journal, script->runOf(number));
+    return runScript(journal, script->runOf(number, task), task);
 }
 
 } // namespace
@@ -111,7 +126,9 @@ int wmain(int count, wchar_t** texts)
 
     CLI::App app(description, "tarnag");
     CommandLine commandLine;
-    app.add_option("-c,--command", commandLine.command, "what to do, as the plug-in or a scheduled task asks");
+    app.add_option("-c,--command", commandLine.command,
+        "what to do, as the plug-in or a scheduled task asks:\n"
+        "continue finishes a deployment at the boot that it waited for, complete closes it after that");
     // The scheduled task's command line may end in "--severity=".
     app.add_option("--severity", commandLine.severity, "lowest severity to install")->expected(0, 1);
     app.add_option("--script", commandLine.script, "script file; tarnag.script.json beside the program without it")

@@ -75,10 +75,10 @@ nlohmann::json makeEntry(const char* event)
     return {{"event", event}, {"time", time}, {"pid", GetCurrentProcessId()}};
 }
 
-bool isStart(const std::string& line)
+bool isStart(const std::string& line, std::string_view list)
 {
     const auto entry = nlohmann::json::parse(line, nullptr, false);
-    return entry.is_object() && entry.value("event", "") == "start";
+    return entry.is_object() && entry.value("event", "") == "start" && entry.value("list", "runs") == list;
 }
 
 std::string lineOf(const nlohmann::json& entry)
@@ -88,15 +88,16 @@ std::string lineOf(const nlohmann::json& entry)
 
 } // namespace
 
-std::size_t RunJournal::appendStart(const std::vector<std::string>& arguments) const
+std::size_t RunJournal::appendStart(const std::vector<std::string>& arguments, std::string_view list) const
 {
     auto entry = makeEntry("start");
+    entry["list"] = list;
     entry["arguments"] = arguments;
     LockedFile file(m_file);
     std::istringstream text(file.read());
     std::size_t before = 0;
     for (std::string line; std::getline(text, line);)
-        before += isStart(line);
+        before += isStart(line, list);
     file.append(lineOf(entry));
     return before;
 }

@@ -69,7 +69,7 @@ TEST_F(TarnagTest, carriesOutOneEntryPerStart)
 
 TEST_F(TarnagTest, listsItsStartsWithTheProductsCommandLines)
 {
-    script(R"({"runs": [{"exitCode": 3}]})");
+    script(R"({"runs": [{"exitCode": 3}], "complete": [{"exitCode": 3, "idle": true}]})");
     const struct {
         const wchar_t* arguments;
         json listed;

@@ -48,11 +48,16 @@ ChildProcess::ChildProcess(const std::wstring& commandLine, const std::filesyste
 
 ChildProcess::~ChildProcess()
 {
+    kill();
+    CloseHandle(m_process);
+}
+
+void ChildProcess::kill()
+{
     if (!wait(std::chrono::milliseconds(0))) {
         TerminateProcess(m_process, 1);
         WaitForSingleObject(m_process, INFINITE);
     }
-    CloseHandle(m_process);
 }
 
 std::optional<unsigned long> ChildProcess::wait(std::chrono::milliseconds timeout)

@@ -18,6 +18,8 @@ public:
 
     /// The exit code; nothing when it has not ended within the time.
     std::optional<unsigned long> wait(std::chrono::milliseconds timeout = std::chrono::seconds(60));
+    /// Ends it as a crash would, if it still runs.
+    void kill();
     std::string output() const;
     std::string errors() const;
 

@@ -1,10 +1,12 @@
 #pragma once
 
+#include "agent/deployscript.h"
 #include "store/value.h"
 
 #include <chrono>
 #include <cstddef>
 #include <filesystem>
+#include <map>
 #include <optional>
 #include <stdexcept>
 #include <string>
@@ -29,35 +31,48 @@ struct ScriptedValue {
 /// How a run ends after it has written its results.
 enum class Ending { Exit, Hang, Crash };
 
-/// What one start of the agent does, in this order: say `output`, signal `startedEvent`, wait, write
-/// `values`, end.
+/// What a start is for, by the command on its command line.
+enum class Task {
+    Ordinary, ///< no command, or any other
+    Continue, ///< "continue", at the first boot after a deployment that waits for one
+    Complete, ///< "complete", when the plug-in has seen that deployment finished
+};
+
+/// The name of a task's list of runs in a script.
+std::string_view listOf(Task task);
+
+/// What one start of the agent does, in this order: say `output`, pass `gate` and wait, do what its command asks for,
+/// write `values`, deploy, end.
 struct AgentRun {
-    std::chrono::milliseconds duration{0};
-    std::string waitForEvent; ///< a named event to wait for instead of `duration`; empty for none
-    std::string startedEvent; ///< a named event that is set once the run is under way; empty for none
-    std::string output;       ///< text for standard output
+    std::chrono::milliseconds duration{0}; ///< when the gate waits for nothing
+    Gate gate;
+    std::string output; ///< text for standard output
+    bool idle = false;  ///< the command is left undone
     std::vector<ScriptedValue> values;
+    std::optional<DeployScript> deploy;
     Ending ending = Ending::Exit;
     int exitCode = 0;
 };
 
-/// The list of runs: the n-th start takes the n-th entry, and the last entry repeats. Immutable.
+/// A list of runs for each task: its n-th start takes the n-th entry, and the last entry repeats. Immutable.
 class AgentScript {
 public:
-    /// A successful scan that finds two updates.
+    /// Successful scans that find two updates, and deployments of what the queue asks for.
     AgentScript();
     /// Throws ScriptError.
     static AgentScript parse(std::string_view text);
     /// Throws ScriptError, also when there is no such file.
     static AgentScript load(const std::filesystem::path& file);
 
-    /// `start` counts from 0.
-    const AgentRun& runOf(std::size_t start) const;
+    /// `start` counts the task's starts from 0. A task without a list has one run that does nothing else.
+    const AgentRun& runOf(std::size_t start, Task task = Task::Ordinary) const;
 
 private:
-    explicit AgentScript(std::vector<AgentRun> runs) : m_runs(std::move(runs)) {}
+    using Runs = std::map<Task, std::vector<AgentRun>>;
 
-    std::vector<AgentRun> m_runs; ///< never empty
+    explicit AgentScript(Runs runs) : m_runs(std::move(runs)) {}
+
+    Runs m_runs; ///< a list that is not empty for each task
 };
 
 } // namespace devhost::agent

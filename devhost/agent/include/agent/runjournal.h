@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <filesystem>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace devhost::agent {
@@ -14,8 +15,9 @@ class RunJournal {
 public:
     explicit RunJournal(std::filesystem::path file) : m_file(std::move(file)) {}
 
-    /// Appends {"event": "start", "time", "pid", "arguments"} and gives how many starts stood there before.
-    std::size_t appendStart(const std::vector<std::string>& arguments) const;
+    /// Appends {"event": "start", "time", "pid", "list", "arguments"} and gives how many starts of the same list of
+    /// runs stood there before.
+    std::size_t appendStart(const std::vector<std::string>& arguments, std::string_view list = "runs") const;
     /// Appends {"event": "end", "time", "pid", "exit_code"}.
     void appendEnd(int exitCode) const;
 

@@ -37,10 +37,13 @@ inline constexpr std::string_view installAck = "windows.tarnpatch.remote_operati
 inline constexpr std::string_view installResult = "windows.tarnpatch.remote_operations.install_updates.result";
 inline constexpr std::string_view updatesToInstall =
     "windows.tarnpatch.remote_operations.install_updates.updates_to_install";
+inline constexpr std::string_view deploymentQueue = "windows.tarnpatch.installation.deployment_queue";
+inline constexpr std::string_view completionTimestamp = "windows.tarnpatch.installation.completion.timestamp";
 inline constexpr std::string_view patchesToInstall = "windows.tarnpatch.current_status.patches_to_install";
 inline constexpr std::string_view statusEnabled = "status.windows.tarnpatch.enabled";
 inline constexpr std::string_view lastScan = "status.windows.tarnpatch.scanning.last_scanning.timestamp";
 inline constexpr std::string_view missingUpdates = "status.windows.tarnpatch.scanning.last_scanning.missing_updates";
+inline constexpr std::string_view installationLog = "status.windows.tarnpatch.installation.log.entries";
 inline constexpr std::string_view profile = "status.windows.meridia.last_successful_update_timestamp";
 } // namespace keys
 

@@ -78,7 +78,7 @@ TEST_F(TarnHandlerTest, waitsForTheProfileAndLeavesTheStoreAloneUntilThen)
     EXPECT_EQ(store.subscriptions(), 0u);
     store.setInt64Value(store.profileKey, 5);
     EXPECT_EQ(common->done.waitFor(2), (Entries{"update", "tick"}));
-    EXPECT_EQ(store.subscriptions(), 9u);
+    EXPECT_EQ(store.subscriptions(), 10u);
 }
 
 TEST_F(TarnHandlerTest, outlivesAStoreThatFailsDuringTheWaitForTheProfile)

@@ -3,6 +3,7 @@
 #include "common/commonfactory.h"
 #include "common/event.h"
 #include "common/iglobalatom.h"
+#include "common/ipatchstorage.h"
 #include "common/iupdaterlauncher.h"
 #include "support/fakesettings.h"
 #include "support/record.h"
@@ -10,6 +11,7 @@
 #include "tarnhd/tarnhdfactory.h"
 #include "tarnhd/tarnpatchmanager.h"
 
+#include <atomic>
 #include <stdexcept>
 
 namespace support {
@@ -32,6 +34,7 @@ public:
     std::shared_ptr<ProfileStore> store = std::make_shared<ProfileStore>();
     int storeError = 0; ///< what opening the store answers, until the retry callable gives up
     bool atomExists = false;
+    std::atomic<bool> installationFinished = false; ///< with states, as the storage tells
     Record done;
     Record storeAttempts;
 
@@ -43,6 +46,11 @@ public:
                 throw std::runtime_error("store unreachable");
         }
         return FakeSettings::handle(store);
+    }
+    using CommonFactory::createSettings;
+    std::shared_ptr<vx::tarn::common::IPatchStorage> createPatchStorage() override
+    {
+        return std::make_shared<PatchStorage>(*this);
     }
     std::shared_ptr<vx::tarn::common::IUpdaterLauncher> createUpdaterLauncher() override
     {
@@ -65,6 +73,20 @@ private:
         void startScanIfOlderThan(std::int64_t) override { done.add("tick"); }
         void startScanAt(std::int64_t) override {}
         Record& done;
+    };
+    struct PatchStorage : vx::tarn::common::IPatchStorage {
+        explicit PatchStorage(FakeCommonFactory& owner) : factory(owner) {}
+        bool clear() override { return false; }
+        bool savePatches(const vx::tarn::common::PatchMap&) override { return false; }
+        bool loadPatches(vx::tarn::common::PatchMap&, std::vector<vx::tarn::common::ReportEvent>&) override
+        {
+            return false;
+        }
+        bool addPatchState(const vx::tarn::common::ReportEvent&) override { return false; }
+        bool reportInstallationFinished(bool) override { return false; }
+        bool isInstallationFinished() override { return factory.installationFinished; }
+        bool hasPatchStates() override { return true; }
+        FakeCommonFactory& factory;
     };
     struct Atom : vx::tarn::common::IGlobalAtom {
         explicit Atom(FakeCommonFactory& owner) : factory(owner) {}
@@ -100,12 +122,19 @@ public:
         }
         bool stop() override { return running.exchange(false); }
         bool isRunning() const override { return running; }
+        /// Once, then it has ended.
+        bool isAgentRunning() const override { return agentRuns.exchange(false); }
+        void setArguments(const std::wstring& arguments) override
+        {
+            done.add("arguments " + std::string(arguments.begin(), arguments.end()));
+        }
         void setStartReason(vx::tarn::AgentStartReason reason) override
         {
             done.add("reason " + std::to_string(static_cast<int>(reason)));
         }
         Record& done;
         std::atomic<bool> running{false};
+        mutable std::atomic<bool> agentRuns{false};
     };
     std::shared_ptr<Manager> manager;
 

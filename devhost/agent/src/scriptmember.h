@@ -1,0 +1,28 @@
+#pragma once
+
+#include <chrono>
+#include <functional>
+#include <nlohmann/json_fwd.hpp>
+#include <string>
+
+namespace devhost::agent {
+
+/// A member of a script together with the place that error messages name. Reading throws ScriptError.
+struct Member {
+    std::string place;
+    const nlohmann::json& value;
+
+    [[noreturn]] void mustBe(const char* what) const;
+    [[noreturn]] void isUnknown() const;
+};
+
+bool readBool(const Member& member);
+std::string readText(const Member& member);
+std::chrono::milliseconds readDuration(const Member& member);
+
+/// Passes the members of an object on by name, each with its own place: "runs[0]" has "runs[0].exitCode".
+void readMembers(const Member& member, const std::function<void(const std::string& name, const Member&)>& read);
+/// Passes the elements of a list on: "runs" has "runs[0]". There must be one at least.
+void readElements(const Member& member, const std::function<void(const Member&)>& read);
+
+} // namespace devhost::agent

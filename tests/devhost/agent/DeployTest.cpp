@@ -1,0 +1,198 @@
+#include "agent/gate.h"
+#include "childprocess.h"
+#include "common/commonfactory.h"
+#include "common/ipatchstorage.h"
+#include "common/updateid.h"
+#include "host/keycatalogue.h"
+#include "store/client.h"
+#include "store/server.h"
+#include "vxtl/str.h"
+
+#include <gmock/gmock.h>
+#include <nlohmann/json.hpp>
+#include <stdlib.h>
+
+namespace {
+
+namespace keys = devhost::host::keys;
+namespace store = devhost::store;
+using namespace vx::tarn::common;
+using nlohmann::json;
+using store::Value;
+using testing::ElementsAre;
+
+const std::string restartNeeded = "status.windows.tarnpatch.installation.last_installation.restart_computer_needed";
+const std::string inProgress = "windows.tarnpatch.installation.in_progress";
+const std::string completionWait = "windows.tarnpatch.installation.completion.wait";
+
+std::string idOf(const std::wstring& name)
+{
+    return vx::str::toUtf8(deriveUpdateId(L"", L"", L"", name));
+}
+
+/// tarnag.exe in a folder of its own, with a store and an empty patch storage.
+class DeployTest : public testing::Test {
+protected:
+    DeployTest()
+    {
+        for (const wchar_t* file : {L"tarnag.exe", L"vx_qrl_meridia_32.dll"})
+            std::filesystem::copy_file(support::programFolder() / file, folder.path() / file);
+        _wputenv_s(L"TARNHD_INSTANCE", instance.c_str());
+        server.start();
+        storage->clear();
+        put(keys::missingUpdates, json::array({{{"update_name", "A"}, {"severity", 1}}, {{"update_name", "B"}}}));
+    }
+    ~DeployTest() override { storage->clear(); }
+
+    void put(std::string_view key, const json& value) { client.set(std::string(key), Value::fromObject(value.dump())); }
+    json read(std::string_view key) { return json::parse(client.get(std::string(key)).value().asObject()); }
+    bool flag(const std::string& key) { return client.get(key).value().asBool(); }
+
+    void queue(const std::vector<std::string>& descriptors)
+    {
+        json items = json::array();
+        for (const auto& descriptor : descriptors)
+            items.push_back({{"operation_id", "1"}, {"update_id", descriptor}});
+        put(keys::deploymentQueue, items);
+    }
+
+    void openRequest()
+    {
+        client.set(std::string(keys::installStart), Value::fromInt64(7));
+        client.set(std::string(keys::installAck), Value::fromInt64(6));
+    }
+
+    /// What readers see in the log: first entries with identifier, state and result.
+    std::vector<std::string> log()
+    {
+        std::vector<std::string> lines;
+        for (const auto& entry : read(keys::installationLog))
+            lines.push_back(entry.value("update_id", "?") + " " + entry["status"].value("value", "?") + " " +
+                            entry.value("installation_result", "?"));
+        return lines;
+    }
+
+    std::unique_ptr<support::ChildProcess> deploy(const json& script)
+    {
+        support::writeFile(folder.path() / "tarnag.script.json", json{{"runs", {{{"deploy", script}}}}}.dump());
+        return start();
+    }
+    std::unique_ptr<support::ChildProcess> start(const std::wstring& arguments = {})
+    {
+        return std::make_unique<support::ChildProcess>(
+            L"\"" + (folder.path() / "tarnag.exe").native() + L"\" " + arguments, folder.path());
+    }
+
+    support::TemporaryFolder folder;
+    const std::wstring instance = folder.path().filename().native();
+    store::Server server{(folder.path() / "store.json").native(), instance};
+    store::Client client{instance};
+    std::shared_ptr<IPatchStorage> storage = CommonFactory().createPatchStorage();
+};
+
+} // namespace
+
+TEST_F(DeployTest, takesPatchesThroughTheirStatesAndItemsFromTheQueue)
+{
+    const auto name = folder.path().filename().string();
+    devhost::agent::NamedEvent go(name + "-go");
+    devhost::agent::NamedEvent reached(name + "-reached");
+    queue({"ALL", "CRITICAL"});
+    openRequest();
+    // An entry of somebody else in front, and an old one of B.
+    put(keys::installationLog, {{{"update_id", "other"}, {"status", {{"value", "installation_failed"}}}},
+                                   {{"update_id", idOf(L"B")}, {"status", {{"value", "installation_canceled"}}}}});
+    const auto agent =
+        deploy({{"stepMs", 0}, {"pauses", {{{"at", "installation_executing"}, {"startedEvent", name + "-reached"},
+                                              {"waitForEvent", name + "-go"}}}}});
+    reached.wait();
+    EXPECT_THAT(log(), ElementsAre(idOf(L"A") + " installation_executing download_success",
+                           "other installation_failed ?", idOf(L"B") + " installation_executing download_success"));
+    EXPECT_EQ(read(keys::deploymentQueue).size(), 2u);
+    go.set();
+    EXPECT_EQ(agent->wait(), 0u) << agent->errors();
+    EXPECT_THAT(log(), ElementsAre(idOf(L"A") + " installation_completed installation_success",
+                           "other installation_failed ?", idOf(L"B") + " installation_completed installation_success"));
+    EXPECT_EQ(read(keys::deploymentQueue), json::array());
+    EXPECT_EQ(client.get(std::string(keys::installResult)), Value::fromString("success"));
+    EXPECT_EQ(client.get(std::string(keys::installAck)), Value::fromInt64(6)) << "the plug-in's business";
+    EXPECT_THAT(agent->output(), testing::HasSubstr("deploying \"CRITICAL\": 0 updates")) << "A was dealt with";
+}
+
+TEST_F(DeployTest, takesAsManyItemsAsItIsToldAndFailsAsItIsTold)
+{
+    queue({"ID=" + idOf(L"B"), "all", "CRITICAL"});
+    openRequest();
+    const auto agent = deploy({{"items", 2}, {"stepMs", 0}, {"code", "17"},
+        {"states", {"file_downloading", "file_download_failed"}}, {"result", "download_win_error"}});
+    EXPECT_EQ(agent->wait(), 0u) << agent->errors();
+    EXPECT_THAT(log(), ElementsAre(idOf(L"B") + " file_download_failed download_win_error"));
+    EXPECT_EQ(read(keys::installationLog)[0]["status"]["code"], "17");
+    EXPECT_EQ(read(keys::deploymentQueue)[0]["update_id"], "CRITICAL");
+    EXPECT_EQ(client.get(std::string(keys::installResult)), Value::fromString("failed"));
+}
+
+TEST_F(DeployTest, leavesARebootDeploymentForTheNextBootAndCompletesIt)
+{
+    queue({"ALL"});
+    openRequest();
+    const auto agent = deploy({{"reboot", true}, {"stepMs", 0}});
+    EXPECT_EQ(agent->wait(), 0u) << agent->errors();
+    EXPECT_THAT(log(), ElementsAre(idOf(L"A") + " installation_will_continue_after_reboot installation_unknown",
+                           idOf(L"B") + " installation_will_continue_after_reboot installation_unknown"));
+    EXPECT_EQ(read(keys::deploymentQueue), json::array());
+    EXPECT_TRUE(flag(restartNeeded) && flag(inProgress) && flag(completionWait));
+    const auto age = std::time(nullptr) - client.get(std::string(keys::completionTimestamp)).value().asInt64();
+    EXPECT_TRUE(age >= 0 && age < 300) << age;
+    EXPECT_EQ(client.get(std::string(keys::installResult)), Value::fromString("reboot_needed"));
+    EXPECT_EQ(client.get(std::string(keys::installAck)), Value::fromInt64(7));
+    EXPECT_TRUE(storage->hasPatchStates());
+    EXPECT_FALSE(storage->isInstallationFinished());
+
+    EXPECT_EQ(start(L"-c continue")->wait(), 0u);
+    EXPECT_TRUE(storage->isInstallationFinished());
+    PatchMap patches;
+    std::vector<ReportEvent> events;
+    ASSERT_TRUE(storage->loadPatches(patches, events));
+    EXPECT_EQ(patches.size(), 2u);
+    EXPECT_EQ(std::get<MachineStateReport>(events.back().record).status, MachineStateTarget::Finished);
+
+    // The second one is reported as failed meanwhile.
+    PatchStateReport failed;
+    failed.patchId = 2;
+    failed.status = PatchStateTarget::Failed;
+    failed.failure = true;
+    storage->addPatchState({ReportEventType::OfflinePatchStatus, failed, 0, {}});
+    EXPECT_EQ(start(L"-c complete")->wait(), 0u);
+    EXPECT_THAT(log(), ElementsAre(idOf(L"A") + " installation_completed installation_success",
+                           idOf(L"B") + " installation_failed installation_error"));
+    EXPECT_FALSE(flag(restartNeeded));
+    EXPECT_FALSE(storage->hasPatchStates());
+}
+
+TEST_F(DeployTest, asksForNoRebootWithoutAnythingToInstall)
+{
+    for (const auto& descriptors : {std::vector<std::string>{}, {"all"}}) {
+        queue(descriptors);
+        EXPECT_EQ(deploy({{"reboot", true}, {"stepMs", 0}})->wait(), 0u);
+        EXPECT_FALSE(client.get(completionWait));
+        EXPECT_FALSE(storage->hasPatchStates());
+    }
+    for (const auto* command : {L"-c continue", L"-c complete"}) {
+        const auto agent = start(command);
+        EXPECT_EQ(agent->wait(), 0u);
+        EXPECT_THAT(agent->output(), testing::HasSubstr("no deployment "));
+    }
+    EXPECT_FALSE(storage->isInstallationFinished());
+}
+
+TEST_F(DeployTest, deploysWhatItFoundWithoutAScript)
+{
+    queue({"GUID=6E2C4C1B-9A3F-4D55-8C1E-3B0A7F2D9102"});
+    const auto agent = start();
+    EXPECT_EQ(agent->wait(), 0u) << agent->errors();
+    const auto found = read(keys::missingUpdates);
+    EXPECT_THAT(log(),
+        ElementsAre(found.at(1).at("update_id").get<std::string>() + " installation_completed installation_success"));
+    EXPECT_EQ(read(keys::deploymentQueue), json::array());
+}
