@@ -44,17 +44,21 @@ endforeach()
 add_library(header-libraries INTERFACE)
 target_include_directories(header-libraries SYSTEM INTERFACE ${header_libraries})
 
-# tarnhd_library(NAME [PORTABLE source...] [WINDOWS source...] [LINKS target...] [WINDOWS_LINKS target...])
+# tarnhd_library(NAME [FAST] [PORTABLE source...] [WINDOWS source...] [LINKS target...] [WINDOWS_LINKS target...])
 # A static library of a unit: include/ is what others may use. In the native flavour WINDOWS sources
-# are left out, and a library without PORTABLE sources is not made.
+# are left out, and a library without PORTABLE sources is not made. Libraries are made small, which halves
+# their code: nearly all of it runs once per request. FAST is for what runs per log call or settings read.
 function(tarnhd_library name)
-    cmake_parse_arguments(arg "" "" "PORTABLE;WINDOWS;LINKS;WINDOWS_LINKS" ${ARGN})
+    cmake_parse_arguments(arg "FAST" "" "PORTABLE;WINDOWS;LINKS;WINDOWS_LINKS" ${ARGN})
     set(sources ${arg_PORTABLE})
     if(WIN32)
         list(APPEND sources ${arg_WINDOWS})
     endif()
     if(sources)
         add_library(${name} STATIC ${sources})
+        if(WIN32 AND NOT arg_FAST)
+            target_compile_options(${name} PRIVATE -Os)
+        endif()
         set(visibility PUBLIC)
     elseif(WIN32 OR NOT arg_WINDOWS)
         add_library(${name} INTERFACE)
