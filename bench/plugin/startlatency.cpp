@@ -58,7 +58,7 @@ private:
 /// Takes the time at which the system would be asked for a process, and is over at once.
 class TimedProcess : public vx::tarn::common::IProcess {
 public:
-    explicit TimedProcess(LARGE_INTEGER& started) : m_started(started), m_handle(makeEvent(true)) {}
+    TimedProcess(LARGE_INTEGER& started, const SharedHandle& ended) : m_started(started), m_handle(ended) {}
     bool start(const std::wstring&, unsigned long, vx::process::Redirect, void*) override { return false; }
     bool start(const std::wstring&, const std::wstring&, const vx::process::Credentials&) override
     {
@@ -77,9 +77,12 @@ class TimedFactory : public vx::tarn::common::CommonFactory {
 public:
     std::shared_ptr<vx::tarn::common::IProcess> createProcess() override
     {
-        return std::make_shared<TimedProcess>(started);
+        return std::make_shared<TimedProcess>(started, m_ended);
     }
     LARGE_INTEGER started{};
+
+private:
+    const SharedHandle m_ended = makeEvent(true);
 };
 
 /// Microseconds from each request to the `reached` that it leads to, in ascending order.

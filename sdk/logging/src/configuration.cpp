@@ -1,7 +1,5 @@
 #include "configuration.h"
 
-#include <memory>
-#include <type_traits>
 #include <windows.h>
 
 namespace VxQrlLogging {
@@ -10,26 +8,17 @@ namespace {
 
 constexpr unsigned long absent = 0xFFFFFFFF;
 
-struct KeyCloser {
-    void operator()(HKEY key) const noexcept { RegCloseKey(key); }
-};
-using Key = std::unique_ptr<std::remove_pointer_t<HKEY>, KeyCloser>;
-
-Key openKey(HKEY hive, const wchar_t* name, REGSAM access)
+std::shared_ptr<HKEY__> own(HKEY key)
 {
-    HKEY key = nullptr;
-    return Key(RegOpenKeyExW(hive, name, 0, access, &key) == ERROR_SUCCESS ? key : nullptr);
+    return {key, RegCloseKey};
 }
 
-unsigned long readNumber(const wchar_t* keyName, const wchar_t* value, unsigned long fallback)
+unsigned long readNumber(HKEY key, const wchar_t* value, unsigned long fallback)
 {
-    const Key key = openKey(HKEY_LOCAL_MACHINE, keyName, KEY_QUERY_VALUE | KEY_WOW64_32KEY);
-    if (!key)
-        return fallback;
     DWORD number = 0;
     DWORD type = REG_NONE;
     DWORD size = sizeof number;
-    const LSTATUS status = RegQueryValueExW(key.get(), value, nullptr, &type, reinterpret_cast<BYTE*>(&number), &size);
+    const LSTATUS status = RegQueryValueExW(key, value, nullptr, &type, reinterpret_cast<BYTE*>(&number), &size);
     return status == ERROR_SUCCESS && type == REG_DWORD && size == sizeof number ? number : fallback;
 }
 
@@ -37,9 +26,10 @@ unsigned long readNumber(const wchar_t* keyName, const wchar_t* value, unsigned 
 
 std::wstring registryText(HKEY__* hive, const wchar_t* keyName, unsigned long access, const wchar_t* value)
 {
-    const Key key = openKey(hive, keyName, access);
-    if (!key)
+    HKEY opened = nullptr;
+    if (RegOpenKeyExW(hive, keyName, 0, access, &opened) != ERROR_SUCCESS)
         return {};
+    const auto key = own(opened);
     DWORD type = REG_NONE;
     DWORD size = 0;
     // Meant as it stands: only ERROR_MORE_DATA leads on, although the system answers a question for the
@@ -58,16 +48,26 @@ std::wstring registryText(HKEY__* hive, const wchar_t* keyName, unsigned long ac
 }
 
 Configuration::Configuration(const std::wstring& name1, const std::wstring& name2)
-    : m_fileKey(std::wstring(loggingKey) + L"\\" + name1 + L"\\" + name2),
-      m_programKey(std::wstring(loggingKey) + L"\\" + name1)
-{}
+{
+    const std::wstring all = loggingKey;
+    const std::wstring program = all + L"\\" + name1;
+    for (const std::wstring& name : {all, program, program + L"\\" + name2}) {
+        HKEY key = nullptr;
+        const LSTATUS status =
+            RegOpenKeyExW(HKEY_LOCAL_MACHINE, name.c_str(), 0, KEY_QUERY_VALUE | KEY_WOW64_32KEY, &key);
+        // Mostly nothing is configured: a key that is not there has none below it, and needs no more questions.
+        if (status == ERROR_FILE_NOT_FOUND)
+            break;
+        m_keys.push_back(own(status == ERROR_SUCCESS ? key : nullptr));
+    }
+}
 
 unsigned long Configuration::number(const wchar_t* value, unsigned long fallback) const
 {
-    for (const std::wstring* key : {&m_fileKey, &m_programKey})
-        if (const unsigned long number = readNumber(key->c_str(), value, absent); number != absent)
+    for (std::size_t i = m_keys.size(); i-- > 1;)
+        if (const unsigned long number = readNumber(m_keys[i].get(), value, absent); number != absent)
             return number;
-    return readNumber(loggingKey, value, fallback);
+    return m_keys.empty() ? fallback : readNumber(m_keys[0].get(), value, fallback);
 }
 
 } // namespace VxQrlLogging

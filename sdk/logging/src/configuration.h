@@ -1,6 +1,8 @@
 #pragma once
 
+#include <memory>
 #include <string>
+#include <vector>
 
 struct HKEY__;
 
@@ -13,7 +15,7 @@ inline constexpr const wchar_t* loggingKey = L"SOFTWARE\\Vantorix\\QRL\\Logging"
 std::wstring registryText(HKEY__* hive, const wchar_t* key, unsigned long access, const wchar_t* value);
 
 /// The numeric configuration of one log file: a value stands at the key of the file (name1 and name2), of
-/// the program (name1) or of all logs, and the nearest wins.
+/// the program (name1) or of all logs, and the nearest wins. The keys are open for the object's life.
 class Configuration {
 public:
     Configuration(const std::wstring& name1, const std::wstring& name2);
@@ -22,8 +24,7 @@ public:
     unsigned long number(const wchar_t* value, unsigned long fallback) const;
 
 private:
-    std::wstring m_fileKey;
-    std::wstring m_programKey;
+    std::vector<std::shared_ptr<HKEY__>> m_keys; ///< of all logs, the program, the file; as many as there are
 };
 
 } // namespace VxQrlLogging

@@ -70,12 +70,9 @@ std::unique_ptr<File> Path::createFile()
 
 bool Path::exists(const std::wstring& path)
 {
-    WIN32_FIND_DATAW data;
-    const HANDLE search = FindFirstFileW(path.c_str(), &data);
-    if (search == INVALID_HANDLE_VALUE)
-        return false;
-    FindClose(search);
-    return (data.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) == 0;
+    // A search would find the same and takes ten times as long; a rotation asks this for every file.
+    const DWORD found = GetFileAttributesW(path.c_str());
+    return found != INVALID_FILE_ATTRIBUTES && (found & FILE_ATTRIBUTE_DIRECTORY) == 0;
 }
 
 bool Path::createDirectories(const std::wstring& path, SecurityAttributes* attributes)

@@ -3,6 +3,7 @@
 #include "logging/backend.h"
 #include "logging/details/utf8.h"
 
+#include <cstddef>
 #include <cstdio>
 #include <exception>
 #include <io.h>
@@ -11,7 +12,7 @@
 #include <vector>
 #include <windows.h>
 
-#include <tlhelp32.h>
+#include <winternl.h>
 
 extern "C" IMAGE_DOS_HEADER __ImageBase;
 
@@ -20,6 +21,14 @@ namespace vx::logging::startup_header {
 namespace {
 
 constexpr int headerLevel = 4;
+
+// How a version resource begins: a node's head, its name "VS_VERSION_INFO", its value.
+struct VersionResource {
+    WORD head[3];
+    wchar_t name[16];
+    VS_FIXEDFILEINFO info;
+};
+static_assert(offsetof(VersionResource, info) == 40);
 
 [[noreturn]] void fail(DWORD error, const char* function)
 {
@@ -49,22 +58,19 @@ std::wstring fileOfModule(HMODULE module)
     return {path, length};
 }
 
-unsigned long parentProcessId(unsigned long processId)
+// A module's handle is its address.
+HMODULE ownModule()
 {
-    const HANDLE snapshot = CreateToolhelp32Snapshot(TH32CS_SNAPPROCESS, 0);
-    if (snapshot == INVALID_HANDLE_VALUE)
-        return 0;
-    unsigned long parent = 0;
-    PROCESSENTRY32W entry;
-    entry.dwSize = sizeof entry;
-    for (BOOL more = Process32FirstW(snapshot, &entry); more; more = Process32NextW(snapshot, &entry)) {
-        if (entry.th32ProcessID == processId) {
-            parent = entry.th32ParentProcessID;
-            break;
-        }
-    }
-    CloseHandle(snapshot);
-    return parent;
+    return reinterpret_cast<HMODULE>(&__ImageBase);
+}
+
+// A snapshot of all processes tells it too, but takes milliseconds, and this runs under the loader's lock.
+unsigned long parentProcessId()
+{
+    PROCESS_BASIC_INFORMATION process;
+    const NTSTATUS status =
+        NtQueryInformationProcess(GetCurrentProcess(), ProcessBasicInformation, &process, sizeof process, nullptr);
+    return NT_SUCCESS(status) ? static_cast<unsigned long>(process.InheritedFromUniqueProcessId) : 0;
 }
 
 std::string localTime(const FILETIME& time)
@@ -99,7 +105,7 @@ std::string getStartProcessInfo()
     try {
         const unsigned long id = GetCurrentProcessId();
         return "Process file: " + utf8(fileOfModule(nullptr)) + ", Process Id: 0x" + print("%04X", id) +
-               ", Parent Process Id: 0x" + print("%04X", parentProcessId(id));
+               ", Parent Process Id: 0x" + print("%04X", parentProcessId());
     } catch (const std::exception& e) {
         return std::string("An error occurred in vx::logging::startup_header::getStartProcessInfo: ") + e.what();
     }
@@ -116,29 +122,23 @@ std::string getModuleFileInfo(const std::string& versionText)
 
 std::wstring moduleFile()
 {
-    HMODULE module = nullptr;
-    if (!GetModuleHandleExW(GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS | GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT,
-            reinterpret_cast<const wchar_t*>(&__ImageBase), &module))
-        return {};
-    return fileOfModule(module);
+    return fileOfModule(ownModule());
 }
 
-std::string fileVersionText(const std::wstring& file)
+// Not by the system's version functions: they would bring a library of their own into the process, and this runs
+// while the module is being loaded, when no other may be.
+std::string moduleVersionText(HINSTANCE__* module)
 {
     constexpr int readable = 4;
-    if (_waccess(file.c_str(), readable) != 0)
+    if (_waccess(fileOfModule(module).c_str(), readable) != 0)
         return {};
-    DWORD unused = 0;
-    const DWORD size = GetFileVersionInfoSizeW(file.c_str(), &unused);
-    if (size == 0)
+    const HRSRC found = FindResourceW(module, MAKEINTRESOURCEW(VS_VERSION_INFO), MAKEINTRESOURCEW(16));
+    if (!found || SizeofResource(module, found) < sizeof(VersionResource))
         return {};
-    std::vector<char> block(size);
-    void* found = nullptr;
-    UINT length = 0;
-    if (!GetFileVersionInfoW(file.c_str(), 0, size, block.data()) ||
-        !VerQueryValueW(block.data(), L"\\", &found, &length) || length < sizeof(VS_FIXEDFILEINFO))
+    const auto* resource = static_cast<const VersionResource*>(LockResource(LoadResource(module, found)));
+    if (!resource || resource->info.dwSignature != VS_FFI_SIGNATURE)
         return {};
-    const auto& info = *static_cast<const VS_FIXEDFILEINFO*>(found);
+    const VS_FIXEDFILEINFO& info = resource->info;
     return print("%u.%u.%u.%u", HIWORD(info.dwFileVersionMS), LOWORD(info.dwFileVersionMS),
         HIWORD(info.dwFileVersionLS), LOWORD(info.dwFileVersionLS));
 }
@@ -147,7 +147,7 @@ void write() noexcept
 {
     try {
         const std::vector<std::string> lines = {
-            getModuleFileInfo(fileVersionText(moduleFile())), getStartProcessInfo()};
+            getModuleFileInfo(moduleVersionText(ownModule())), getStartProcessInfo()};
         for (const std::string& line : lines)
             VxQrlLogging::log(headerLevel, "* %s", line.c_str());
     } catch (const std::exception& e) {

@@ -1,8 +1,10 @@
 #include "vxtl/exception.h"
 
+#include "logging/details/textbuffer.h"
 #include "vxtl/str.h"
 
-#include <sstream>
+#include <ostream>
+#include <utility>
 
 namespace vx {
 
@@ -56,9 +58,11 @@ const char* BaseException::what() const noexcept
 const wchar_t* BaseException::wideWhat() const
 {
     if (!m_wideReport) {
-        std::wostringstream stream;
+        std::wstring text;
+        logging::details::TextBuffer<wchar_t> buffer(text);
+        std::wostream stream(&buffer);
         report(stream);
-        m_wideReport = std::make_shared<const std::wstring>(stream.str());
+        m_wideReport = std::make_shared<const std::wstring>(std::move(text));
     }
     return m_wideReport->c_str();
 }

@@ -2,13 +2,15 @@
 
 #include "logging/backend.h"
 #include "logging/details/messagetext.h"
+#include "logging/details/textbuffer.h"
 #include "logging/functionname.h"
 
 #include <charconv>
 #include <concepts>
 #include <exception>
 #include <optional>
-#include <sstream>
+#include <ostream>
+#include <string>
 #include <string_view>
 #include <type_traits>
 
@@ -102,9 +104,11 @@ void LogStream::insert(const T& value) noexcept
         append({&value, 1});
     } else {
         try {
-            std::ostringstream stream;
+            std::string text;
+            details::TextBuffer<char> buffer(text);
+            std::ostream stream(&buffer);
             stream << value;
-            append(stream.view());
+            append(text);
         } catch (...) {
         }
     }

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
+#include <set>
 #include <windows.h>
 
 namespace {
@@ -44,15 +45,14 @@ TEST_F(TarnhdLibrary, exportsItsOneEntryUnderTheDecoratedName)
     EXPECT_STREQ(at<char>(*at<DWORD>(exports->AddressOfNames)), "_QRLPluginInitialize@12");
 }
 
-TEST_F(TarnhdLibrary, importsFromSystemLibrariesOnly)
+// Each other library would cost every load of the plug-in; rarely used ones belong to sdk/system-imports.
+TEST_F(TarnhdLibrary, importsOnlyWhatEveryHostHasLoaded)
 {
     ASSERT_NE(library, nullptr);
-    wchar_t system[MAX_PATH];
-    GetSystemDirectoryW(system, MAX_PATH);
-    const auto* import = directory<IMAGE_IMPORT_DESCRIPTOR>(IMAGE_DIRECTORY_ENTRY_IMPORT);
-    EXPECT_NE(import->Name, 0u);
-    for (; import->Name; ++import)
-        EXPECT_TRUE(exists(std::filesystem::path(system) / at<char>(import->Name))) << at<char>(import->Name);
+    std::set<std::string> imports;
+    for (const auto* import = directory<IMAGE_IMPORT_DESCRIPTOR>(IMAGE_DIRECTORY_ENTRY_IMPORT); import->Name; ++import)
+        imports.insert(at<char>(import->Name));
+    EXPECT_EQ(imports, (std::set<std::string>{"ADVAPI32.dll", "KERNEL32.dll", "msvcrt.dll", "ntdll.dll"}));
 }
 
 TEST_F(TarnhdLibrary, carriesItsVersion)
