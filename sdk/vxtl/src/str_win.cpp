@@ -4,11 +4,29 @@
 
 #include <windows.h>
 
+#include <type_traits>
+
 namespace vx::str {
 
 namespace {
 
 constexpr std::size_t longestText = 0x7FFFFFFF;
+
+// Nearly every text is ASCII, and copying that costs far less than the system's conversion, which is called twice.
+
+/// Converts what is ASCII only; false, with `result` in any state, for another text.
+template <typename Character, typename Result>
+bool copyAscii(std::basic_string_view<Character> text, std::basic_string<Result>& result)
+{
+    std::make_unsigned_t<Character> bits = 0;
+    result.resize(text.size());
+    Result* to = result.data();
+    for (const Character c : text) {
+        bits |= static_cast<std::make_unsigned_t<Character>>(c);
+        *to++ = static_cast<Result>(c);
+    }
+    return bits < 0x80;
+}
 
 std::string narrow(UINT codePage, DWORD flags, std::wstring_view text)
 {
@@ -58,7 +76,10 @@ std::string toUtf8(std::wstring_view text)
 {
     if (text.size() > longestText)
         VX_THROW(BaseException, L"Too long string");
-    std::string result = narrow(CP_UTF8, WC_ERR_INVALID_CHARS, text);
+    std::string result;
+    if (copyAscii(text, result))
+        return result;
+    result = narrow(CP_UTF8, WC_ERR_INVALID_CHARS, text);
     if (result.empty() && !text.empty())
         VX_THROW_WIN32(GetLastError());
     return result;
@@ -68,7 +89,10 @@ std::wstring fromUtf8(std::string_view text)
 {
     if (text.size() > longestText)
         VX_THROW(BaseException, L"Too long string");
-    std::wstring result = widen(CP_UTF8, MB_ERR_INVALID_CHARS, text);
+    std::wstring result;
+    if (copyAscii(text, result))
+        return result;
+    result = widen(CP_UTF8, MB_ERR_INVALID_CHARS, text);
     if (result.empty() && !text.empty())
         VX_THROW_WIN32(GetLastError());
     return result;

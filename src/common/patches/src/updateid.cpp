@@ -3,30 +3,30 @@
 #include "common/patchinfo.h"
 #include "vxtl/crypto.h"
 
+#include <algorithm>
+#include <bit>
 #include <cstdint>
-#include <vector>
+#include <span>
 
 namespace vx::tarn::common {
 
 namespace {
 
-void appendUnit(std::vector<std::uint8_t>& bytes, std::uint32_t unit)
+/// Appends the text's UTF-16 code units, also where a wide character is wider.
+void appendUnits(std::u16string& units, const std::wstring& text)
 {
-    bytes.push_back(static_cast<std::uint8_t>(unit));
-    bytes.push_back(static_cast<std::uint8_t>(unit >> 8));
-}
-
-/// Appends the text's UTF-16 code units, low byte first, also where a wide character is wider.
-void appendUnits(std::vector<std::uint8_t>& bytes, const std::wstring& text)
-{
+    if constexpr (sizeof(wchar_t) == sizeof(char16_t)) {
+        const std::size_t before = units.size();
+        units.resize(before + text.size());
+        std::copy(text.begin(), text.end(), units.begin() + static_cast<std::ptrdiff_t>(before));
+        return;
+    }
     for (const wchar_t c : text) {
         const auto code = static_cast<std::uint32_t>(c);
-        if (code < 0x10000) {
-            appendUnit(bytes, code);
-        } else {
-            appendUnit(bytes, 0xD7C0 + (code >> 10));
-            appendUnit(bytes, 0xDC00 + (code & 0x3FF));
-        }
+        if (code >= 0x10000)
+            units += {static_cast<char16_t>(0xD7C0 + (code >> 10)), static_cast<char16_t>(0xDC00 + (code & 0x3FF))};
+        else
+            units += static_cast<char16_t>(code);
     }
 }
 
@@ -35,10 +35,12 @@ void appendUnits(std::vector<std::uint8_t>& bytes, const std::wstring& text)
 std::wstring deriveUpdateId(const std::wstring& bulletinId, const std::wstring& productName,
     const std::wstring& servicePack, const std::wstring& updateName)
 {
-    std::vector<std::uint8_t> bytes;
-    bytes.reserve(2 * (bulletinId.size() + productName.size() + servicePack.size() + updateName.size()));
+    std::u16string units;
+    units.reserve(bulletinId.size() + productName.size() + servicePack.size() + updateName.size());
     for (const std::wstring* text : {&bulletinId, &productName, &servicePack, &updateName})
-        appendUnits(bytes, *text);
+        appendUnits(units, *text);
+    static_assert(std::endian::native == std::endian::little, "the hash is over the low byte first");
+    const std::span bytes(reinterpret_cast<const std::uint8_t*>(units.data()), 2 * units.size());
     std::wstring id = crypto::toBase64String(crypto::hash(bytes));
     for (wchar_t& c : id)
         if (c >= L'a' && c <= L'z')
