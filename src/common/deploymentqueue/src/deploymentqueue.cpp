@@ -72,14 +72,17 @@ void DeploymentQueue::pushBack(const std::wstring& updateId)
     VX_LOG_VALUES(updateId);
     try {
         const std::lock_guard lock(*m_mutex);
-        Items items = readItems(m_settings);
+        nlohmann::json list = m_settings.installation.deploymentQueue();
+        const auto items = listFromJson<DeploymentItem>(list);
         if (find(items, updateId) != items.end()) {
             LogStream(Level::Warning) << "Deployment item \"" << updateId
                                       << "\" already exists in the deployment queue, will be skipped.";
             return;
         }
-        items.push_back({operationIdNow(), updateId});
-        writeItems(m_settings, items);
+        if (!std::all_of(list.begin(), list.end(), isAsWritten<DeploymentItem>))
+            list = listToJson(items);
+        list.push_back(toJson(DeploymentItem{operationIdNow(), updateId}));
+        m_settings.installation.setDeploymentQueue(list);
     } catch (const BaseException& e) {
         LogStream(Level::Error) << e;
     }

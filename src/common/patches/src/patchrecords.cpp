@@ -5,7 +5,9 @@
 
 #include <nlohmann/json.hpp>
 
-#include <tuple>
+#include <algorithm>
+#include <span>
+#include <string_view>
 
 namespace vx::tarn::common {
 
@@ -13,72 +15,52 @@ namespace {
 
 using nlohmann::json;
 
-/// One member of a record and its JSON key.
-template <typename Record, typename Value>
+/// One member of a record: its JSON key, and how it is read and written. Records share the code below through
+/// tables of these, which are sorted by key as a JSON object's members are.
 struct Field {
-    const char* key;
-    Value Record::*member;
+    std::string_view key;
+    void (*read)(const json& value, void* record);
+    json (*write)(const void* record) = nullptr; ///< null in a record that is only read, as the next
+    bool (*isWritten)(const json& value) = nullptr;
 };
 
-template <typename Record>
-constexpr auto fields = nullptr;
+// The value by reference, without the copy that the library's get makes; of another type with the same words as there.
 
-template <>
-constexpr auto fields<PatchSpecifier> =
-    std::tuple{Field{"id", &PatchSpecifier::id}, Field{"region", &PatchSpecifier::region}};
-
-template <>
-constexpr auto fields<PatchStatus> = std::tuple{Field{"value", &PatchStatus::value}, Field{"code", &PatchStatus::code}};
-
-template <>
-constexpr auto fields<DeploymentItem> =
-    std::tuple{Field{"operation_id", &DeploymentItem::operationId}, Field{"update_id", &DeploymentItem::updateId}};
-
-template <>
-constexpr auto fields<MissingUpdate> = std::tuple{Field{"patch_specifier", &MissingUpdate::patchSpecifier},
-    Field{"update_id", &MissingUpdate::updateId}, Field{"bulletin_id", &MissingUpdate::bulletinId},
-    Field{"product_name", &MissingUpdate::productName}, Field{"service_pack", &MissingUpdate::servicePack},
-    Field{"update_name", &MissingUpdate::updateName}, Field{"end_of_life", &MissingUpdate::endOfLife},
-    Field{"severity", &MissingUpdate::severity}, Field{"category", &MissingUpdate::category},
-    Field{"vendor", &MissingUpdate::vendor}, Field{"user_friendly_update_name", &MissingUpdate::userFriendlyUpdateName},
-    Field{"cve_id", &MissingUpdate::cveIds}, Field{"description_url", &MissingUpdate::descriptionUrl}};
-
-template <>
-constexpr auto fields<PatchToInstall> = std::tuple_cat(
-    fields<MissingUpdate>, std::tuple{Field{"status", &PatchToInstall::status}});
-
-template <>
-constexpr auto fields<InstallationLogEntry> = std::tuple{
-    Field{"patch_specifier", &InstallationLogEntry::patchSpecifier},
-    Field{"update_id", &InstallationLogEntry::updateId},
-    Field{"installation_time", &InstallationLogEntry::installationTime},
-    Field{"bulletin_id", &InstallationLogEntry::bulletinId}, Field{"product_name", &InstallationLogEntry::productName},
-    Field{"service_pack", &InstallationLogEntry::servicePack}, Field{"update_name", &InstallationLogEntry::updateName},
-    Field{"installation_result", &InstallationLogEntry::installationResult},
-    Field{"status", &InstallationLogEntry::status}};
-
-template <typename Record>
-void readRecord(const json& value, Record& record);
-
-/// The value by reference, without the copy that the library's get makes.
-template <typename Native>
-const Native& referenceTo(const json& value)
+[[noreturn]] void throwTypeError(const char* wanted, const json& value)
 {
-    if (const auto* native = value.get_ptr<const Native*>())
-        return *native;
-    // Of another type: the library's own conversion words the type error.
-    static_cast<void>(value.get<Native>());
-    __builtin_unreachable();
+    throw json::type_error::create(
+        302, std::string("type must be ") + wanted + ", but is " + value.type_name(), &value);
 }
 
-const std::string& textOf(const json& value)
+const std::string& stringIn(const json& value)
 {
-    return referenceTo<json::string_t>(value);
+    if (const auto* text = value.get_ptr<const std::string*>())
+        return *text;
+    throwTypeError("string", value);
+}
+
+const json::array_t& arrayIn(const json& value)
+{
+    if (const auto* array = value.get_ptr<const json::array_t*>())
+        return *array;
+    throwTypeError("array", value);
+}
+
+const json::object_t& objectIn(const json& value)
+{
+    if (const auto* object = value.get_ptr<const json::object_t*>())
+        return *object;
+    throwTypeError("object", value);
+}
+
+std::wstring textOf(const json& value)
+{
+    return str::fromUtf8(stringIn(value));
 }
 
 void read(const json& value, std::wstring& target)
 {
-    target = str::fromUtf8(textOf(value));
+    target = textOf(value);
 }
 
 void read(const json& value, std::int64_t& target)
@@ -88,48 +70,21 @@ void read(const json& value, std::int64_t& target)
 
 void read(const json& value, std::vector<std::wstring>& target)
 {
-    const auto& array = referenceTo<json::array_t>(value);
-    target.clear();
+    const auto& array = arrayIn(value);
     target.reserve(array.size());
     for (const json& element : array)
-        target.push_back(str::fromUtf8(textOf(element)));
+        target.push_back(textOf(element));
 }
 
 void read(const json& value, ValueItem& target)
 {
-    target = toValueItem(str::fromUtf8(textOf(value)));
+    target = toValueItem(textOf(value));
 }
 
 void read(const json& value, InstallationResultItem& target)
 {
-    target = toInstallationResultItem(str::fromUtf8(textOf(value)));
+    target = toInstallationResultItem(textOf(value));
 }
-
-template <typename Record>
-void read(const json& value, Record& target)
-{
-    target = Record{};
-    readRecord(value, target);
-}
-
-template <typename Record>
-void readRecord(const json& value, Record& record)
-{
-    const auto& object = referenceTo<json::object_t>(value);
-    std::apply(
-        [&](const auto&... field) {
-            const auto readOne = [&](const auto& one) {
-                const auto found = object.find(one.key);
-                if (found != object.end() && !found->second.is_null())
-                    read(found->second, record.*one.member);
-            };
-            (readOne(field), ...);
-        },
-        fields<Record>);
-}
-
-template <typename Record>
-json writeRecord(const Record& record);
 
 json write(const std::wstring& text)
 {
@@ -155,19 +110,193 @@ json write(ValueItem value)
     return str::toUtf8(toText(value));
 }
 
-template <typename Record>
-json write(const Record& record)
+// Whether a value that stands for a default of this type is just as `write` makes it.
+
+bool isValueWritten(const json& value, const std::wstring&)
 {
-    return writeRecord(record);
+    return value.is_string();
+}
+
+bool isValueWritten(const json& value, std::int64_t)
+{
+    // One beyond the signed range is read as a negative number.
+    return value.is_number_integer() && (!value.is_number_unsigned() || value.get<std::int64_t>() >= 0);
+}
+
+bool isValueWritten(const json& value, const std::vector<std::wstring>&)
+{
+    return value.is_array() && std::all_of(value.begin(), value.end(), [](const json& one) { return one.is_string(); });
+}
+
+bool isValueWritten(const json& value, ValueItem)
+{
+    return value.is_string();
+}
+
+/// Both sides are sorted, so one walk meets them all.
+void readMembers(const json& value, std::span<const Field> fields, void* record)
+{
+    const auto& object = objectIn(value);
+    auto member = object.begin();
+    for (const Field& field : fields) {
+        while (member != object.end() && member->first < field.key)
+            ++member;
+        if (member != object.end() && member->first == field.key && !member->second.is_null())
+            field.read(member->second, record);
+    }
+}
+
+json writeMembers(std::span<const Field> fields, const void* record)
+{
+    json::object_t object;
+    for (const Field& field : fields)
+        object.emplace_hint(object.end(), field.key, field.write(record));
+    return object;
+}
+
+bool areMembersWritten(const json& value, std::span<const Field> fields)
+{
+    const auto* object = value.get_ptr<const json::object_t*>();
+    return object && std::equal(object->begin(), object->end(), fields.begin(), fields.end(),
+                         [](const auto& member, const Field& field) {
+                             return member.first == field.key && field.isWritten(member.second);
+                         });
+}
+
+void read(const json& value, PatchSpecifier& target);
+void read(const json& value, PatchStatus& target);
+json write(const PatchSpecifier& specifier);
+json write(const PatchStatus& status);
+bool isValueWritten(const json& value, const PatchSpecifier&);
+
+template <typename Record, typename Value>
+Record recordOf(Value Record::*);
+template <typename Record, typename Value>
+Value valueOf(Value Record::*);
+
+template <auto member>
+constexpr Field readOnly(std::string_view key)
+{
+    using Record = decltype(recordOf(member));
+    return {key, [](const json& value, void* record) { read(value, static_cast<Record*>(record)->*member); }};
+}
+
+/// For a record that does not keep the member: read for what is wrong with it, and a text not even converted.
+template <typename Value>
+constexpr Field dropped(std::string_view key)
+{
+    return {key, [](const json& value, void*) {
+                if constexpr (std::is_same_v<Value, std::wstring>) {
+                    static_cast<void>(stringIn(value));
+                } else {
+                    Value target{};
+                    read(value, target);
+                }
+            }};
+}
+
+template <auto member>
+constexpr Field field(std::string_view key)
+{
+    using Record = decltype(recordOf(member));
+    Field both = readOnly<member>(key);
+    both.write = [](const void* record) { return write(static_cast<const Record*>(record)->*member); };
+    both.isWritten = [](const json& value) { return isValueWritten(value, decltype(valueOf(member)){}); };
+    return both;
+}
+
+template <typename Record>
+constexpr Field fields[] = {};
+
+template <>
+constexpr Field fields<PatchSpecifier>[] = {field<&PatchSpecifier::id>("id"), field<&PatchSpecifier::region>("region")};
+
+template <>
+constexpr Field fields<PatchStatus>[] = {field<&PatchStatus::code>("code"), field<&PatchStatus::value>("value")};
+
+template <>
+constexpr Field fields<DeploymentItem>[] = {
+    field<&DeploymentItem::operationId>("operation_id"), field<&DeploymentItem::updateId>("update_id")};
+
+template <>
+constexpr Field fields<MissingUpdate>[] = {
+    field<&MissingUpdate::bulletinId>("bulletin_id"),
+    field<&MissingUpdate::category>("category"),
+    field<&MissingUpdate::cveIds>("cve_id"),
+    field<&MissingUpdate::descriptionUrl>("description_url"),
+    field<&MissingUpdate::endOfLife>("end_of_life"),
+    field<&MissingUpdate::patchSpecifier>("patch_specifier"),
+    field<&MissingUpdate::productName>("product_name"),
+    field<&MissingUpdate::servicePack>("service_pack"),
+    field<&MissingUpdate::severity>("severity"),
+    field<&MissingUpdate::updateId>("update_id"),
+    field<&MissingUpdate::updateName>("update_name"),
+    field<&MissingUpdate::userFriendlyUpdateName>("user_friendly_update_name"),
+    field<&MissingUpdate::vendor>("vendor"),
+};
+
+template <>
+constexpr Field fields<InstallationLogEntry>[] = {
+    readOnly<&InstallationLogEntry::bulletinId>("bulletin_id"),
+    readOnly<&InstallationLogEntry::installationResult>("installation_result"),
+    readOnly<&InstallationLogEntry::installationTime>("installation_time"),
+    readOnly<&InstallationLogEntry::patchSpecifier>("patch_specifier"),
+    readOnly<&InstallationLogEntry::productName>("product_name"),
+    readOnly<&InstallationLogEntry::servicePack>("service_pack"),
+    readOnly<&InstallationLogEntry::status>("status"),
+    readOnly<&InstallationLogEntry::updateId>("update_id"),
+    readOnly<&InstallationLogEntry::updateName>("update_name"),
+};
+
+template <>
+constexpr Field fields<LoggedState>[] = {
+    dropped<std::wstring>("bulletin_id"),
+    dropped<InstallationResultItem>("installation_result"),
+    dropped<std::int64_t>("installation_time"),
+    dropped<PatchSpecifier>("patch_specifier"),
+    dropped<std::wstring>("product_name"),
+    dropped<std::wstring>("service_pack"),
+    readOnly<&LoggedState::status>("status"),
+    readOnly<&LoggedState::updateId>("update_id"),
+    dropped<std::wstring>("update_name"),
+};
+
+template <typename Record>
+void readRecord(const json& value, Record& record)
+{
+    static_assert(std::ranges::is_sorted(fields<Record>, {}, &Field::key));
+    readMembers(value, fields<Record>, &record);
 }
 
 template <typename Record>
 json writeRecord(const Record& record)
 {
-    json::object_t object;
-    std::apply(
-        [&](const auto&... field) { (object.emplace(field.key, write(record.*field.member)), ...); }, fields<Record>);
-    return object;
+    return writeMembers(fields<Record>, &record);
+}
+
+void read(const json& value, PatchSpecifier& target)
+{
+    readRecord(value, target);
+}
+
+void read(const json& value, PatchStatus& target)
+{
+    readRecord(value, target);
+}
+
+json write(const PatchSpecifier& specifier)
+{
+    return writeRecord(specifier);
+}
+
+json write(const PatchStatus& status)
+{
+    return writeRecord(status);
+}
+
+bool isValueWritten(const json& value, const PatchSpecifier&)
+{
+    return areMembersWritten(value, fields<PatchSpecifier>);
 }
 
 } // namespace
@@ -182,9 +311,22 @@ json toJson(const MissingUpdate& update)
     return writeRecord(update);
 }
 
+json toJson(const PatchStatus& status)
+{
+    return writeRecord(status);
+}
+
 json toJson(const PatchToInstall& patch)
 {
-    return writeRecord(patch);
+    json object = writeRecord<MissingUpdate>(patch);
+    object["status"] = write(patch.status);
+    return object;
+}
+
+template <typename Record>
+bool isAsWritten(const json& value)
+{
+    return areMembersWritten(value, fields<Record>);
 }
 
 template <typename Record>
@@ -198,12 +340,22 @@ Record fromJson(const json& value)
 template <typename Record>
 std::vector<Record> listFromJson(const json& value)
 {
-    const auto& array = referenceTo<json::array_t>(value);
-    std::vector<Record> records;
-    records.reserve(array.size());
-    for (const json& element : array)
-        readRecord(element, records.emplace_back());
+    const auto& array = arrayIn(value);
+    std::vector<Record> records(array.size());
+    for (std::size_t i = 0; i < array.size(); ++i)
+        readRecord(array[i], records[i]);
     return records;
+}
+
+template <typename Record>
+void readEach(json& list, const std::function<void(Record&, json&)>& take)
+{
+    static_cast<void>(arrayIn(list));
+    for (json& element : list) {
+        Record record;
+        readRecord(element, record);
+        take(record, element);
+    }
 }
 
 template <typename Record>
@@ -212,17 +364,20 @@ json listToJson(const std::vector<Record>& records)
     json::array_t array;
     array.reserve(records.size());
     for (const Record& record : records)
-        array.push_back(writeRecord(record));
+        array.push_back(toJson(record));
     return array;
 }
 
+template bool isAsWritten<DeploymentItem>(const json&);
+template bool isAsWritten<MissingUpdate>(const json&);
 template DeploymentItem fromJson(const json&);
 template MissingUpdate fromJson(const json&);
 template InstallationLogEntry fromJson(const json&);
 template std::vector<DeploymentItem> listFromJson(const json&);
 template std::vector<MissingUpdate> listFromJson(const json&);
 template std::vector<InstallationLogEntry> listFromJson(const json&);
+template void readEach(json&, const std::function<void(MissingUpdate&, json&)>&);
+template void readEach(json&, const std::function<void(LoggedState&, json&)>&);
 template json listToJson(const std::vector<DeploymentItem>&);
-template json listToJson(const std::vector<PatchToInstall>&);
 
 } // namespace vx::tarn::common

@@ -3,6 +3,7 @@
 #include "common/operationinfo.h"
 #include "common/updateid.h"
 #include "logging/logstream.h"
+#include "vxtl/str.h"
 
 #include <nlohmann/json.hpp>
 
@@ -11,6 +12,7 @@
 namespace vx::tarn {
 
 using namespace common;
+using nlohmann::json;
 
 namespace {
 
@@ -32,45 +34,63 @@ void CurrentOperations::update()
     VX_LOG_SCOPE();
     // The queue without its mutex: the store hands out whole values, and the next pass repairs what is old.
     const auto queue = listFromJson<DeploymentItem>(m_settings.installation.deploymentQueue());
-    auto missing = listFromJson<MissingUpdate>(m_status.scanning.lastScanning.missingUpdates());
-    const auto log = listFromJson<InstallationLogEntry>(m_status.installation.log.entries());
-
-    std::vector<PatchInfo> patches = getMissingUpdates(std::move(missing));
+    json missing = m_status.scanning.lastScanning.missingUpdates();
+    std::vector<PatchInfo> patches = getMissingUpdates(missing);
+    const std::vector<LoggedState> log = getLog(m_status.installation.log.entries());
     const std::vector<OperationInfo> filters = getApplicableFilters(queue);
     const LogIndex index = indexOf(log);
 
-    std::vector<PatchToInstall> result;
-    for (PatchInfo& patch : patches) {
-        std::wstring updateId = deriveUpdateId(patch);
-        const InstallationLogEntry* entry = nullptr;
+    auto result = json::array();
+    for (std::size_t i = 0; i < patches.size(); ++i) {
+        std::wstring updateId = deriveUpdateId(patches[i]);
+        const LoggedState* entry = nullptr;
         const bool found = getStatusForUpdate(updateId, index, entry);
         // Filters are tried for logged patches too: a bad rule warns at each evaluation.
         const bool matched = std::any_of(filters.begin(), filters.end(),
-            [&](const OperationInfo& filter) { return filter.isApplicable(patch, updateId); });
+            [&](const OperationInfo& filter) { return filter.isApplicable(patches[i], updateId); });
         if (!(found || matched) || (found && isDone(entry->status)))
             continue;
-        PatchStatus status = found ? entry->status : PatchStatus{ValueItem::InstallationRequested, {}};
-        result.push_back({toMissingUpdate(std::move(patch), std::move(updateId)), std::move(status)});
+        json& published = missing[i];
+        published["update_id"] = str::toUtf8(updateId);
+        published["status"] = toJson(found ? entry->status : PatchStatus{ValueItem::InstallationRequested, {}});
+        result.push_back(std::move(published));
     }
-    m_settings.currentStatus.setPatchesToInstall(listToJson(result));
+    m_settings.currentStatus.setPatchesToInstall(result);
 }
 
-CurrentOperations::LogIndex CurrentOperations::indexOf(const std::vector<InstallationLogEntry>& log)
+CurrentOperations::LogIndex CurrentOperations::indexOf(const std::vector<LoggedState>& log)
 {
     LogIndex index;
     index.reserve(log.size());
-    for (const InstallationLogEntry& entry : log)
+    for (const LoggedState& entry : log)
         index.emplace(entry.updateId, &entry);
     return index;
 }
 
-std::vector<PatchInfo> CurrentOperations::getMissingUpdates(std::vector<MissingUpdate> missingUpdates) const
+std::vector<LoggedState> CurrentOperations::getLog(json entries)
+{
+    std::vector<LoggedState> log;
+    log.reserve(entries.size());
+    readEach<LoggedState>(entries, [&](LoggedState& state, json& element) {
+        log.push_back(std::move(state));
+        element = nullptr;
+    });
+    return log;
+}
+
+std::vector<PatchInfo> CurrentOperations::getMissingUpdates(json& missingUpdates) const
 {
     VX_LOG_SCOPE();
     std::vector<PatchInfo> patches;
     patches.reserve(missingUpdates.size());
-    for (MissingUpdate& update : missingUpdates)
-        patches.emplace_back(std::move(update));
+    readEach<MissingUpdate>(missingUpdates, [&](MissingUpdate& update, json& element) {
+        const bool isCut =
+            std::max(update.severity, update.category) > UINT16_MAX || std::min(update.severity, update.category) < 0;
+        const PatchInfo& patch = patches.emplace_back(std::move(update));
+        // Most are, and building them anew would cost more than all the rest of a pass.
+        if (isCut || !isAsWritten<MissingUpdate>(element))
+            element = toJson(toMissingUpdate(patch, {}));
+    });
     return patches;
 }
 
@@ -86,7 +106,7 @@ std::vector<OperationInfo> CurrentOperations::getApplicableFilters(
 }
 
 bool CurrentOperations::getStatusForUpdate(
-    const std::wstring& updateId, const LogIndex& log, const InstallationLogEntry*& entry) const
+    const std::wstring& updateId, const LogIndex& log, const LoggedState*& entry) const
 {
     VX_LOG_SCOPE();
     const auto found = log.find(updateId);

@@ -74,6 +74,26 @@ TEST_F(CurrentOperationsTest, mergesQueueMissingUpdatesAndLog)
     EXPECT_EQ(published().size(), 3u);
 }
 
+// The complete record is taken over as it stands, the others are built from what was read.
+TEST_F(CurrentOperationsTest, publishesTheSameWhetherOrNotTheScanWroteEveryKey)
+{
+    const json complete{{"patch_specifier", {{"id", ""}, {"region", 0}}}, {"update_id", "stale"}, {"bulletin_id", ""},
+        {"product_name", ""}, {"service_pack", ""}, {"update_name", "a"}, {"end_of_life", ""}, {"severity", 65537},
+        {"category", 0}, {"vendor", ""}, {"user_friendly_update_name", ""}, {"cve_id", json::array()},
+        {"description_url", ""}};
+    json other = complete;
+    other["unknown"] = 1;
+    const json sparse{{"update_name", "a"}, {"severity", 65537.5}, {"vendor", nullptr}};
+    store->setJsonValue(missingKey, {complete, other, sparse});
+    queue("ALL");
+    published();
+    json expected = complete;
+    expected["update_id"] = id("a");
+    expected["severity"] = 1;
+    expected["status"] = {{"value", "installation_requested"}, {"code", ""}};
+    EXPECT_EQ(store->getJsonValue(resultKey), json({expected, expected, expected}));
+}
+
 TEST_F(CurrentOperationsTest, warnsOfABadRuleAtEachPatchAlsoALoggedOne)
 {
     missing({"a", "b"});

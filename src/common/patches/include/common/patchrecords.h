@@ -3,6 +3,7 @@
 #include "common/settingsenumerations.h"
 
 #include <cstdint>
+#include <functional>
 #include <nlohmann/json_fwd.hpp>
 #include <string>
 #include <vector>
@@ -65,9 +66,21 @@ struct InstallationLogEntry {
     PatchStatus status;
 };
 
+/// What the publisher needs of an InstallationLogEntry. Read with the same checks as the whole.
+struct LoggedState {
+    std::wstring updateId;
+    PatchStatus status;
+};
+
 nlohmann::json toJson(const DeploymentItem& item);
 nlohmann::json toJson(const MissingUpdate& update);
+nlohmann::json toJson(const PatchStatus& status);
 nlohmann::json toJson(const PatchToInstall& patch);
+
+/// Whether a value that can be read as the record, a DeploymentItem or MissingUpdate, is just as toJson writes that
+/// record, so that it can be used in its place.
+template <typename Record>
+bool isAsWritten(const nlohmann::json& value);
 
 /// Reads one record: DeploymentItem, MissingUpdate or InstallationLogEntry.
 template <typename Record>
@@ -76,6 +89,10 @@ Record fromJson(const nlohmann::json& value);
 /// Reads an array of records in order. Anything but an array throws type error 302.
 template <typename Record>
 std::vector<Record> listFromJson(const nlohmann::json& value);
+/// Reads an array one by one, MissingUpdate or LoggedState, and hands each record over together with its element,
+/// while that is still in the processor's cache: a long list is far larger.
+template <typename Record>
+void readEach(nlohmann::json& list, const std::function<void(Record&, nlohmann::json& element)>& take);
 
 /// Writes an array of records in order.
 template <typename Record>

@@ -6,6 +6,7 @@
 #include "common/tarnpatchstatus.h"
 
 #include <memory>
+#include <nlohmann/json_fwd.hpp>
 #include <string_view>
 #include <unordered_map>
 #include <vector>
@@ -34,14 +35,15 @@ public:
 
 private:
     /// The installation log by update_id; of several entries the one nearest the front.
-    using LogIndex = std::unordered_map<std::wstring_view, const common::InstallationLogEntry*>;
+    using LogIndex = std::unordered_map<std::wstring_view, const common::LoggedState*>;
 
-    static LogIndex indexOf(const std::vector<common::InstallationLogEntry>& log);
-    std::vector<common::PatchInfo> getMissingUpdates(std::vector<common::MissingUpdate> missingUpdates) const;
+    static LogIndex indexOf(const std::vector<common::LoggedState>& log);
+    static std::vector<common::LoggedState> getLog(nlohmann::json entries);
+    /// Also brings the elements into the form in which their patches are written.
+    std::vector<common::PatchInfo> getMissingUpdates(nlohmann::json& missingUpdates) const;
     std::vector<common::OperationInfo> getApplicableFilters(
         const std::vector<common::DeploymentItem>& deploymentItems) const;
-    bool getStatusForUpdate(
-        const std::wstring& updateId, const LogIndex& log, const common::InstallationLogEntry*& entry) const;
+    bool getStatusForUpdate(const std::wstring& updateId, const LogIndex& log, const common::LoggedState*& entry) const;
 
     std::shared_ptr<settings::Settings> m_settingsHandle;
     TarnpatchSettings m_settings;
