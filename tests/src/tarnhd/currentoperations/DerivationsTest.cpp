@@ -1,0 +1,51 @@
+// Counts the hashes of a pass. The hash below takes the place of the system's when the program is linked.
+
+#include "support/fakesettings.h"
+#include "tarnhd/currentoperations.h"
+#include "vxtl/crypto.h"
+
+#include <gmock/gmock.h>
+#include <nlohmann/json.hpp>
+
+namespace {
+int hashes = 0;
+}
+
+namespace vx::crypto {
+
+std::vector<std::uint8_t> hash(std::span<const std::uint8_t> source)
+{
+    ++hashes;
+    return {source.begin(), source.end()};
+}
+
+std::wstring toBase64String(std::span<const std::uint8_t> bytes)
+{
+    return {bytes.begin(), bytes.end()};
+}
+
+} // namespace vx::crypto
+
+namespace vx::tarn {
+namespace {
+
+using nlohmann::json;
+
+TEST(Derivations, areOneAPatchAndPassWhateverLogAndFilters)
+{
+    const auto store = std::make_shared<support::FakeSettings>();
+    store->setJsonValue(L"status.windows.tarnpatch.scanning.last_scanning.missing_updates",
+        {{{"update_name", "a"}}, {{"update_name", "b"}}, {{"update_name", "c"}}});
+    store->setJsonValue(L"status.windows.tarnpatch.installation.log.entries", {{{"update_id", "x"}}});
+    store->setJsonValue(L"windows.tarnpatch.installation.deployment_queue",
+        {{{"update_id", "ID=x&y"}}, {{"update_id", "ID=z"}}, {{"update_id", "GUID=z"}}, {{"update_id", "ALL"}}});
+    CurrentOperations operations(support::FakeSettings::handle(store));
+    for (const int expected : {3, 6}) {
+        operations.update();
+        EXPECT_EQ(hashes, expected);
+    }
+    EXPECT_EQ(store->getJsonValue(L"windows.tarnpatch.current_status.patches_to_install").size(), 3u);
+}
+
+} // namespace
+} // namespace vx::tarn
