@@ -33,18 +33,31 @@ bool hasReturnCode(ReportEventType type)
     return hasRecord(type) && (static_cast<std::int32_t>(type) & 1) != 0;
 }
 
-json write(const PatchStateReport& report)
+// Both plain functions: the library's own ways are templates that come out anew for each key's length and value's type.
+
+void put(json::object_t& object, const char* key, json value)
 {
-    return {{"deploymentId", str::toUtf8(utils::guidToString(report.deploymentId))}, {"machineId", report.machineId},
-        {"patchId", report.patchId}, {"status", toJson(report.status)}, {"failure", report.failure},
-        {"terminal", report.terminal}, {"timestamp", report.timestamp}};
+    object.emplace(std::string(key), std::move(value));
 }
 
-json write(const MachineStateReport& report)
+const json& member(const json& object, const char* key)
 {
-    return {{"deploymentId", str::toUtf8(utils::guidToString(report.deploymentId))}, {"machineId", report.machineId},
-        {"status", toJson(report.status)}, {"failure", report.failure}, {"terminal", report.terminal},
-        {"timestamp", report.timestamp}};
+    return object.at(std::string(key));
+}
+
+template <typename Report>
+json write(const Report& report)
+{
+    json::object_t object;
+    put(object, "deploymentId", str::toUtf8(utils::guidToString(report.deploymentId)));
+    put(object, "machineId", report.machineId);
+    if constexpr (std::is_same_v<Report, PatchStateReport>)
+        put(object, "patchId", report.patchId);
+    put(object, "status", toJson(report.status));
+    put(object, "failure", report.failure);
+    put(object, "terminal", report.terminal);
+    put(object, "timestamp", report.timestamp);
+    return object;
 }
 
 template <typename Report>
@@ -59,28 +72,18 @@ utils::Guid readGuid(const json& value)
     return utils::guidFromString(str::fromUtf8(value.get<std::string>()));
 }
 
-PatchStateReport readPatch(const json& value)
+template <typename Report>
+Report readRecord(const json& value)
 {
-    PatchStateReport report;
-    report.deploymentId = readGuid(value.at("deploymentId"));
-    report.machineId = utils::readInt64(value.at("machineId"));
-    report.patchId = utils::readInt64(value.at("patchId"));
-    fromJson(value.at("status"), report.status);
-    report.failure = value.at("failure").get<bool>();
-    report.terminal = value.at("terminal").get<bool>();
-    report.timestamp = utils::readInt64(value.at("timestamp"));
-    return report;
-}
-
-MachineStateReport readMachine(const json& value)
-{
-    MachineStateReport report;
-    report.deploymentId = readGuid(value.at("deploymentId"));
-    report.machineId = utils::readInt64(value.at("machineId"));
-    fromJson(value.at("status"), report.status);
-    report.failure = value.at("failure").get<bool>();
-    report.terminal = value.at("terminal").get<bool>();
-    report.timestamp = utils::readInt64(value.at("timestamp"));
+    Report report;
+    report.deploymentId = readGuid(member(value, "deploymentId"));
+    report.machineId = utils::readInt64(member(value, "machineId"));
+    if constexpr (std::is_same_v<Report, PatchStateReport>)
+        report.patchId = utils::readInt64(member(value, "patchId"));
+    fromJson(member(value, "status"), report.status);
+    report.failure = member(value, "failure").get<bool>();
+    report.terminal = member(value, "terminal").get<bool>();
+    report.timestamp = utils::readInt64(member(value, "timestamp"));
     return report;
 }
 
@@ -88,29 +91,31 @@ MachineStateReport readMachine(const json& value)
 
 json toJson(const ReportEvent& event)
 {
-    json object{{"type", toJson(event.type)}};
+    json::object_t object;
+    put(object, "type", toJson(event.type));
     if (isOnline(event.type))
-        object["trackingUri"] = str::toUtf8(event.trackingUri);
+        put(object, "trackingUri", str::toUtf8(event.trackingUri));
     if (hasRecord(event.type))
-        object["status"] = isMachine(event.type) ? write(recordOf<MachineStateReport>(event))
-                                                 : write(recordOf<PatchStateReport>(event));
+        put(object, "status",
+            isMachine(event.type) ? write(recordOf<MachineStateReport>(event))
+                                  : write(recordOf<PatchStateReport>(event)));
     if (hasReturnCode(event.type))
-        object["retCode"] = event.retCode;
+        put(object, "retCode", event.retCode);
     return object;
 }
 
 ReportEvent reportEventFromJson(const json& value)
 {
     ReportEvent event;
-    fromJson(value.at("type"), event.type);
+    fromJson(member(value, "type"), event.type);
     if (isOnline(event.type))
-        event.trackingUri = str::fromUtf8(value.at("trackingUri").get<std::string>());
+        event.trackingUri = str::fromUtf8(member(value, "trackingUri").get<std::string>());
     if (isMachine(event.type))
-        event.record = readMachine(value.at("status"));
+        event.record = readRecord<MachineStateReport>(member(value, "status"));
     else if (hasRecord(event.type))
-        event.record = readPatch(value.at("status"));
+        event.record = readRecord<PatchStateReport>(member(value, "status"));
     if (hasReturnCode(event.type))
-        event.retCode = utils::readInt32(value.at("retCode"));
+        event.retCode = utils::readInt32(member(value, "retCode"));
     return event;
 }
 
