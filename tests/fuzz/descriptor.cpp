@@ -1,52 +1,109 @@
-// Any text parses without an exception; severity and ids forms agree with a second, plainer reading.
+// Any text parses without an exception into what a second, plainer reading finds, and covers the patches that
+// this reading names.
 
+#include "common/guid.h"
 #include "common/operationinfo.h"
 #include "common/patchinfo.h"
+#include "common/updateid.h"
 #include "input.h"
+#include "support/logcapture.h"
 
+#include <algorithm>
 #include <set>
 
 using namespace vx::tarn::common;
 
 namespace {
 
-std::wstring withoutFlag(std::wstring text)
+bool begins(const std::wstring& text, const wchar_t* word)
+{
+    return text.rfind(word, 0) == 0;
+}
+
+std::wstring withoutFlag(const std::wstring& text)
 {
     const auto at = text.find(L";ALLOW_UNSIGNED");
     return at == std::wstring::npos ? text : text.substr(0, at) + text.substr(at + 15);
 }
 
-/// Which severities 0..3 the text covers when it has the severity form; nothing otherwise.
-const bool* severityTable(const std::wstring& body)
+OperationScope scopeOf(const std::wstring& body)
 {
-    static constexpr bool critical[] = {false, true, false, false};
-    static constexpr bool important[] = {false, true, true, false};
-    static constexpr bool all[] = {true, true, true, true};
-    return body.rfind(L"CRITICAL", 0) == 0    ? critical
-           : body.rfind(L"IMPORTANT", 0) == 0 ? important
-           : body.rfind(L"ALL", 0) == 0       ? all
-                                              : nullptr;
+    static const std::pair<const wchar_t*, OperationScope> words[] = {{L"CRITICAL", OperationScope::BySeverity},
+        {L"IMPORTANT", OperationScope::BySeverity}, {L"ALL", OperationScope::BySeverity},
+        {L"ID=", OperationScope::ByIds}, {L"GUID=", OperationScope::ByGuids}, {L"PRODUCT", OperationScope::ByRule},
+        {L"BULLETIN", OperationScope::ByRule}, {L"SP", OperationScope::ByRule}, {L"PATCH", OperationScope::ByRule},
+        {L"SEVERITY", OperationScope::ByRule}};
+    for (const auto& [word, scope] : words)
+        if (begins(body, word))
+            return scope;
+    return OperationScope::Unknown;
 }
 
-std::set<std::wstring> idsOf(const std::wstring& body)
+void checkSeverities(const OperationInfo& operation, const std::wstring& body)
 {
-    std::set<std::wstring> ids;
-    std::wstring id;
-    for (std::size_t i = 3; i <= body.size(); ++i) {
-        if (i < body.size() && body[i] != L'&') {
-            if (body[i] != L';')
-                id += body[i];
-            continue;
-        }
-        while (!id.empty() && std::wstring_view(L" \t\r\n").find(id.front()) != std::wstring_view::npos)
-            id.erase(0, 1);
-        while (!id.empty() && std::wstring_view(L" \t\r\n").find(id.back()) != std::wstring_view::npos)
-            id.pop_back();
-        if (!id.empty())
-            ids.insert(id);
-        id.clear();
+    // What the low byte of the severity has to be below.
+    const unsigned end = begins(body, L"CRITICAL") ? 2 : 3;
+    PatchInfo patch;
+    for (const unsigned severity : {0u, 1u, 2u, 3u, 255u, 256u, 257u, 258u, 65535u}) {
+        patch.severity = static_cast<std::uint16_t>(severity);
+        const bool covered = begins(body, L"ALL") || (severity % 256 > 0 && severity % 256 < end);
+        fuzz::require(operation.isApplicable(patch) == covered, "severity table");
     }
-    return ids;
+}
+
+std::vector<std::wstring> listIn(std::wstring body, std::size_t wordLength)
+{
+    body.erase(0, wordLength);
+    body.erase(std::remove(body.begin(), body.end(), L';'), body.end());
+    return fuzz::pieces(body, L'&');
+}
+
+void checkIds(const OperationInfo& operation, const std::wstring& body)
+{
+    const auto list = listIn(body, 3);
+    const std::set<std::wstring> ids(list.begin(), list.end());
+    fuzz::require(ids == std::set(operation.ids().begin(), operation.ids().end()), "ids");
+    PatchInfo patch;
+    patch.updateName = L"name";
+    fuzz::require(operation.isApplicable(patch) == (ids.count(deriveUpdateId(patch)) == 1), "the patch's own id");
+    for (const std::wstring& id : ids)
+        fuzz::require(operation.isApplicable(patch, id), "a listed id");
+}
+
+void checkGuids(const OperationInfo& operation, const std::wstring& body, std::size_t warnings)
+{
+    std::set<std::wstring> guids;
+    std::size_t bad = 0;
+    for (const std::wstring& piece : listIn(body, 5)) {
+        try {
+            guids.insert(utils::guidToString(utils::guidFromString(piece)));
+        } catch (const std::runtime_error&) {
+            ++bad;
+        }
+    }
+    guids.erase(L"00000000-0000-0000-0000-000000000000");
+    fuzz::require(guids == std::set(operation.guids().begin(), operation.guids().end()), "guids");
+    fuzz::require(bad == warnings, "one warning for each bad GUID");
+    PatchInfo patch;
+    fuzz::require(!operation.isApplicable(patch), "the zero GUID");
+    for (const std::wstring& guid : guids) {
+        patch.specifier.id = guid;
+        fuzz::require(operation.isApplicable(patch), "a listed GUID");
+        patch.specifier.id += L' ';
+        fuzz::require(!operation.isApplicable(patch), "a GUID with a tail");
+    }
+}
+
+void checkRule(const OperationInfo& operation, const std::wstring& body)
+{
+    const auto parameters = parseParametricRule(body);
+    const bool same = std::equal(parameters.begin(), parameters.end(), operation.ruleParameters().begin(),
+        operation.ruleParameters().end(),
+        [](const RuleParameter& a, const RuleParameter& b) { return a.type == b.type && a.value == b.value; });
+    fuzz::require(same, "rule");
+    PatchInfo patch;
+    patch.productName = L"a";
+    fuzz::require(operation.isApplicable(patch) == matchesParametricRule(parameters, patch), "rule's verdict");
 }
 
 } // namespace
@@ -56,20 +113,20 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const auto text = fuzz::text(data, size);
     if (!text)
         return 0;
-    const OperationInfo operation(*text);
+    const support::LogCapture log(3);
+    OperationInfo operation(L"ALL;ALLOW_UNSIGNED");
+    operation.fromString(*text);
     const std::wstring body = withoutFlag(*text);
     fuzz::require(operation.allowUnsigned() == (body != *text), "the flag is seen where it stands");
-    const bool* table = severityTable(body);
-    fuzz::require((operation.scope() == OperationScope::BySeverity) == (table != nullptr), "severity scope");
-    PatchInfo patch;
-    patch.updateName = L"name";
-    for (patch.severity = 0; patch.severity < 4; ++patch.severity) {
-        const bool applicable = operation.isApplicable(patch);
-        fuzz::require(!table || applicable == table[patch.severity], "severity table");
-    }
-    if (body.rfind(L"ID=", 0) == 0) {
-        const auto expected = idsOf(body);
-        fuzz::require(expected == std::set(operation.ids().begin(), operation.ids().end()), "ids");
+    fuzz::require(operation.scope() == scopeOf(body), "scope");
+    fuzz::require(
+        operation.scope() == OperationScope::BySeverity || operation.severity() == SeverityFilter::None, "severity");
+    switch (operation.scope()) {
+    case OperationScope::BySeverity: checkSeverities(operation, body); break;
+    case OperationScope::ByIds: checkIds(operation, body); break;
+    case OperationScope::ByGuids: checkGuids(operation, body, log.lines().size()); break;
+    case OperationScope::ByRule: checkRule(operation, body); break;
+    case OperationScope::Unknown: fuzz::require(!operation.isApplicable(PatchInfo()), "no scope, no patch"); break;
     }
     return 0;
 }

@@ -10,6 +10,9 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
+
+// What the targets share: the input as text, the check that ends a run, and a plain second reading of lists.
 
 namespace fuzz {
 
@@ -34,6 +37,34 @@ inline void require(bool condition, const char* what)
         std::fprintf(stderr, "violated: %s\n", what);
         std::abort();
     }
+}
+
+inline bool isBlank(wchar_t c)
+{
+    return c == L' ' || c == L'\t' || c == L'\r' || c == L'\n';
+}
+
+/// The pieces between separators, without the blanks at their ends; empty ones are left out.
+inline std::vector<std::wstring> pieces(const std::wstring& text, wchar_t separator)
+{
+    std::vector<std::wstring> all;
+    std::wstring piece;
+    std::wstring blanks;
+    for (const wchar_t c : text + separator) {
+        if (c == separator) {
+            if (!piece.empty())
+                all.push_back(piece);
+            piece.clear();
+            blanks.clear();
+        } else if (isBlank(c)) {
+            blanks += c;
+        } else {
+            piece += piece.empty() ? std::wstring() : blanks;
+            piece += c;
+            blanks.clear();
+        }
+    }
+    return all;
 }
 
 } // namespace fuzz

@@ -1,5 +1,5 @@
-// Any JSON is refused with a type error or a conversion's std::invalid_argument, or is read; a queue that
-// was read is written and read again as the same.
+// Any JSON is read as a second, plainer reading reads it: refused with a type error or a conversion's
+// std::invalid_argument when a member does not fit, and otherwise written back as what was read.
 
 #include "common/patchinfo.h"
 #include "common/patchrecords.h"
@@ -7,6 +7,8 @@
 
 #include <nlohmann/json.hpp>
 
+#include <algorithm>
+#include <set>
 #include <stdexcept>
 
 using namespace vx::tarn::common;
@@ -14,23 +16,178 @@ using nlohmann::json;
 
 namespace {
 
-template <typename Record>
-void readList(const json& value)
+enum class Kind { Text, Number, Texts, State, Result, Specifier, Status };
+using Form = std::vector<std::pair<const char*, Kind>>;
+
+const Form specifier{{"id", Kind::Text}, {"region", Kind::Number}};
+const Form status{{"value", Kind::State}, {"code", Kind::Text}};
+const Form queueItem{{"operation_id", Kind::Text}, {"update_id", Kind::Text}};
+const Form missingUpdate{{"patch_specifier", Kind::Specifier}, {"update_id", Kind::Text}, {"bulletin_id", Kind::Text},
+    {"product_name", Kind::Text}, {"service_pack", Kind::Text}, {"update_name", Kind::Text},
+    {"end_of_life", Kind::Text}, {"severity", Kind::Number}, {"category", Kind::Number}, {"vendor", Kind::Text},
+    {"user_friendly_update_name", Kind::Text}, {"cve_id", Kind::Texts}, {"description_url", Kind::Text}};
+const Form logEntry{{"patch_specifier", Kind::Specifier}, {"update_id", Kind::Text},
+    {"installation_time", Kind::Number}, {"bulletin_id", Kind::Text}, {"product_name", Kind::Text},
+    {"service_pack", Kind::Text}, {"update_name", Kind::Text}, {"installation_result", Kind::Result},
+    {"status", Kind::Status}};
+
+const std::set<std::string> states{"installation_requested", "installation_failed", "installation_executing",
+    "installation_completed_pending_reboot", "installation_canceled", "file_downloading", "file_download_failed",
+    "file_download_completed", "file_manual_download_required", "installation_completed",
+    "installation_will_continue_after_reboot", "file_validation_failed", "file_is_missing", "installation_hung_up",
+    "installation_excluded"};
+const std::set<std::string> results{"installation_not_started", "download_success", "download_curl_error",
+    "download_win_error", "download_com_error", "download_error", "installation_success", "installation_error",
+    "installation_unknown", "installation_hung_up", "signature_verification_error", "no_signature", "excluded"};
+
+std::int64_t integer(const json& value)
 {
+    if (value.is_number_unsigned())
+        return static_cast<std::int64_t>(value.get<std::uint64_t>());
+    if (!value.is_number_float())
+        return value.get<std::int64_t>();
+    const auto number = static_cast<long double>(value.get<double>());
+    return static_cast<std::int64_t>(std::clamp<long double>(number, INT64_MIN, INT64_MAX));
+}
+
+std::optional<json> expected(const json& value, const Form& form);
+
+json defaultOf(Kind kind)
+{
+    switch (kind) {
+    case Kind::Number: return 0;
+    case Kind::Texts: return json::array();
+    case Kind::State: return "installation_requested";
+    case Kind::Specifier: return *expected(json::object(), specifier);
+    case Kind::Status: return *expected(json::object(), status);
+    default: return "";
+    }
+}
+
+bool fits(const json& value, Kind kind)
+{
+    const auto isText = [](const json& one) { return one.is_string(); };
+    switch (kind) {
+    case Kind::Text: return isText(value);
+    case Kind::Number: return value.is_number();
+    case Kind::Texts: return value.is_array() && std::all_of(value.begin(), value.end(), isText);
+    case Kind::State: return isText(value) && states.count(value.get<std::string>()) == 1;
+    case Kind::Result: return isText(value) && results.count(value.get<std::string>()) == 1;
+    default: return true;
+    }
+}
+
+/// The member as it has to be written back; nothing when it has to be refused.
+std::optional<json> expectedMember(const json& value, Kind kind)
+{
+    if (value.is_null())
+        return defaultOf(kind);
+    if (kind == Kind::Specifier || kind == Kind::Status)
+        return expected(value, kind == Kind::Specifier ? specifier : status);
+    if (!fits(value, kind))
+        return std::nullopt;
+    return kind == Kind::Number ? json(integer(value)) : value;
+}
+
+std::optional<json> expected(const json& value, const Form& form)
+{
+    if (!value.is_object())
+        return std::nullopt;
+    json record = json::object();
+    for (const auto& [key, kind] : form) {
+        const auto member = expectedMember(value.contains(key) ? value[key] : json(), kind);
+        if (!member)
+            return std::nullopt;
+        record[key] = *member;
+    }
+    return record;
+}
+
+std::optional<json> expectedList(const json& value, const Form& form)
+{
+    if (!value.is_array())
+        return std::nullopt;
+    json list = json::array();
+    for (const json& element : value) {
+        const auto record = expected(element, form);
+        if (!record)
+            return std::nullopt;
+        list.push_back(*record);
+    }
+    return list;
+}
+
+json written(const DeploymentItem& item)
+{
+    return toJson(item);
+}
+
+json written(const MissingUpdate& update)
+{
+    const PatchInfo patch(update);
+    fuzz::require(patch.severity == (update.severity & 0xFFFF) && patch.category == (update.category & 0xFFFF), "cut");
+    MissingUpdate back = toMissingUpdate(patch, update.updateId);
+    back.severity = update.severity;
+    back.category = update.category;
+    return toJson(back);
+}
+
+/// The log has no writer of its own: a patch to install carries what both have in common.
+json written(const InstallationLogEntry& entry)
+{
+    PatchToInstall patch;
+    patch.patchSpecifier = entry.patchSpecifier;
+    patch.updateId = entry.updateId;
+    patch.severity = entry.installationTime;
+    patch.bulletinId = entry.bulletinId;
+    patch.productName = entry.productName;
+    patch.servicePack = entry.servicePack;
+    patch.updateName = entry.updateName;
+    patch.status = entry.status;
+    json record = toJson(patch);
+    record["installation_time"] = record["severity"];
+    return record;
+}
+
+json written(const LoggedState& state)
+{
+    return {{"update_id", toJson(DeploymentItem{{}, state.updateId})["update_id"]}, {"status", toJson(state.status)}};
+}
+
+template <typename Record>
+std::vector<Record> read(const json& value)
+{
+    return listFromJson<Record>(value);
+}
+
+template <>
+std::vector<LoggedState> read(const json& value)
+{
+    json copy = value;
+    std::vector<LoggedState> log;
+    readEach<LoggedState>(copy, [&](LoggedState& state, json&) { log.push_back(state); });
+    return log;
+}
+
+template <typename Record>
+void check(const json& value, const Form& form)
+{
+    const auto list = expectedList(value, form);
     try {
-        const auto records = listFromJson<Record>(value);
-        fuzz::require(records.size() == value.size(), "one record an element");
-        if constexpr (std::is_same_v<Record, DeploymentItem>)
-            fuzz::require(listToJson(listFromJson<Record>(listToJson(records))) == listToJson(records), "round trip");
-        if constexpr (std::is_same_v<Record, MissingUpdate>)
-            for (const Record& record : records) {
-                const MissingUpdate back = toMissingUpdate(PatchInfo(record), record.updateId);
-                fuzz::require(back.bulletinId == record.bulletinId && back.cveIds == record.cveIds, "patch and back");
-            }
+        const auto records = read<Record>(value);
+        fuzz::require(list && records.size() == list->size(), "a wrong list is refused");
+        for (std::size_t i = 0; i < records.size(); ++i) {
+            const json record = written(records[i]);
+            if constexpr (std::is_same_v<Record, DeploymentItem> || std::is_same_v<Record, MissingUpdate>)
+                fuzz::require(isAsWritten<Record>(value[i]) == (record.dump() == value[i].dump()), "as written");
+            for (const auto& [key, kind] : form)
+                fuzz::require(
+                    kind == Kind::Result || !record.contains(key) || record.at(key) == list->at(i).at(key), key);
+        }
     } catch (const json::type_error& e) {
-        fuzz::require(e.id == 302, "type error 302");
+        fuzz::require(e.id == 302 && !list, "type error 302 of a wrong list alone");
     } catch (const std::invalid_argument& e) {
-        fuzz::require(std::string_view(e.what()).starts_with("Invalid value for "), "the conversion's text");
+        fuzz::require(std::string_view(e.what()).starts_with("Invalid value for ") && !list, "unknown word");
     }
 }
 
@@ -41,8 +198,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const json value = json::parse(fuzz::bytes(data, size), nullptr, false);
     if (value.is_discarded())
         return 0;
-    readList<DeploymentItem>(value);
-    readList<MissingUpdate>(value);
-    readList<InstallationLogEntry>(value);
+    check<DeploymentItem>(value, queueItem);
+    check<MissingUpdate>(value, missingUpdate);
+    check<InstallationLogEntry>(value, logEntry);
+    check<LoggedState>(value, logEntry);
     return 0;
 }
