@@ -1,6 +1,6 @@
 # Sourced by ./run: one function per command.
 
-flavours=(product asan tsan)
+flavours=(product asan tsan fuzz)
 
 command_help() {
     cat <<'END'
@@ -8,10 +8,11 @@ usage: ./run COMMAND [ARGS]
 
   demo               build, then show a remote scan request from the store key to the acknowledgement
   test [-R REGEX]    build and run all tests: under Wine, and natively under the sanitizers
-       [--flavour F]   only product, asan or tsan
+       [--flavour F]   only product, asan, tsan or fuzz
        [--fresh-prefix]  in a new Wine prefix
   build [TARGET...]  build the 32-bit Windows flavour
   bench [ARGS]       build and run the benchmarks, pinned to one core
+  fuzz [SECONDS]     run every fuzz target for that long (60), from its inputs and what it found before
   lint               check the format and run the static checks
   host -- ARGS       run the console host under Wine: ./run host -- --help
   wine PROGRAM ARGS  run any program under the project's Wine
@@ -30,6 +31,7 @@ build_flavour() {
     local flavour=$1
     shift
     install_packages "${build_packages[@]}"
+    [ "$flavour" != fuzz ] || install_packages clang libclang-rt-dev
     mkdir -p "$wine_cache" "$project/build"
     (
         flock 9
@@ -66,7 +68,7 @@ command_test() {
     done
     for flavour in "${selected[@]}"; do build_flavour "$flavour"; done
     # The product flavour comes last: its summary closes the output.
-    for flavour in asan tsan product; do
+    for flavour in fuzz asan tsan product; do
         [[ " ${selected[*]} " == *" $flavour "* ]] || continue
         if [ "$flavour" = product ]; then
             wine_start
@@ -121,6 +123,39 @@ command_bench() {
         done
         exit "${failed:-0}"
     ) || die "a figure is out of reach; see NO above"
+}
+
+# One fuzz target: progress while it runs, then its line of the summary. What it finds that is new is kept in the
+# build folder and is a start for the next run.
+fuzz_target() {
+    local target=$1 seconds=$2 found=$fuzz_folder/found/$1 log=$fuzz_folder/$1.log result new
+    say "fuzz-$target for $seconds s"
+    mkdir -p "$found"
+    "$project/build/fuzz/tests/fuzz/fuzz-$target" -max_total_time="$seconds" -max_len=320 -timeout=5 \
+        -rss_limit_mb=1024 -dict="$project/tests/fuzz/dictionary" -artifact_prefix="$fuzz_folder/finding-$target-" \
+        -print_final_stats=1 "$found" "$project/tests/fuzz/corpus/$target" 2>&1 |
+        tee "$log" | grep --line-buffered -E 'pulse|^violated|ERROR:|runtime error:|Test unit written'
+    result=${PIPESTATUS[0]}
+    new=$(sed -n 's/^stat::new_units_added: *//p' "$log")
+    printf '%-12s %10s inputs %7s new in the corpus   %s\n' "$target" \
+        "$(sed -n 's/^stat::number_of_executed_units: *//p' "$log")" "${new:-?}" \
+        "$([ "$result" -eq 0 ] && echo ok || sed -n 's/.*Test unit written to /FINDING: /p' "$log")" \
+        >>"$fuzz_folder/summary"
+    return "$result"
+}
+
+command_fuzz() {
+    local seconds=${1:-60} failed=0 inputs
+    [[ $seconds =~ ^[1-9][0-9]*$ ]] || die "fuzz takes a number of seconds"
+    fuzz_folder=$project/build/fuzz/fuzzing
+    build_flavour fuzz
+    mkdir -p "$fuzz_folder"
+    : >"$fuzz_folder/summary"
+    for inputs in "$project"/tests/fuzz/corpus/*/; do
+        fuzz_target "$(basename "$inputs")" "$seconds" || failed=1
+    done
+    cat "$fuzz_folder/summary"
+    [ "$failed" -eq 0 ] || die "fuzzing found something; run the target with the input's path to see it again"
 }
 
 command_lint() {
