@@ -119,7 +119,8 @@ bool isValueWritten(const json& value, const std::wstring&)
 
 bool isValueWritten(const json& value, std::int64_t)
 {
-    return value.is_number_integer() && (!value.is_number_unsigned() || value <= INT64_MAX);
+    // One beyond the signed range is read as a negative number.
+    return value.is_number_integer() && (!value.is_number_unsigned() || value.get<std::int64_t>() >= 0);
 }
 
 bool isValueWritten(const json& value, const std::vector<std::wstring>&)
