@@ -45,7 +45,7 @@ add_library(header-libraries INTERFACE)
 target_include_directories(header-libraries SYSTEM INTERFACE ${header_libraries})
 
 # Makes a library's code small, which halves it: nearly all of it runs once per request. The FAST sources are
-# for what runs per log call, settings read or scheduler round.
+# for what runs per log call, settings read, scheduler round or patch.
 function(tarnhd_small name)
     cmake_parse_arguments(arg "" "" "FAST" ${ARGN})
     if(WIN32)
