@@ -2,6 +2,8 @@
 
 #include "settings-api/exceptions.h"
 
+#include <stdexcept>
+
 namespace support {
 
 using nlohmann::json;
@@ -9,7 +11,16 @@ using nlohmann::json;
 void FakeSettings::fail(const std::wstring& name, std::exception_ptr error)
 {
     const std::lock_guard lock(m_mutex);
-    m_errors[name] = std::move(error);
+    if (error)
+        m_errors[name] = [error] { std::rethrow_exception(error); };
+    else
+        m_errors.erase(name);
+}
+
+void FakeSettings::breakDown(const std::wstring& name)
+{
+    const std::lock_guard lock(m_mutex);
+    m_errors[name] = [] { throw std::runtime_error("store is down"); };
 }
 
 void FakeSettings::notify(const std::wstring& name)
@@ -28,8 +39,8 @@ void FakeSettings::notify(const std::wstring& name)
 void FakeSettings::throwIfFailing(const std::wstring& name) const
 {
     for (const std::wstring& key : {std::wstring(), name})
-        if (const auto found = m_errors.find(key); found != m_errors.end() && found->second)
-            std::rethrow_exception(found->second);
+        if (const auto found = m_errors.find(key); found != m_errors.end())
+            found->second();
 }
 
 json FakeSettings::read(const std::wstring& name, bool (json::*fits)() const noexcept) const

@@ -4,11 +4,11 @@
 #include "vxtl/str.h"
 
 #include <exception>
+#include <functional>
 #include <map>
 #include <memory>
 #include <mutex>
 #include <nlohmann/json.hpp>
-#include <stdexcept>
 #include <vector>
 
 namespace support {
@@ -30,7 +30,8 @@ public:
 
     /// Reads and writes of the name throw `error`; null heals. The empty name stands for all names.
     void fail(Name name, std::exception_ptr error);
-    void breakDown(Name name = {}) { fail(name, std::make_exception_ptr(std::runtime_error("store is down"))); }
+    /// The same with an exception of its own for each call, as threads may share none.
+    void breakDown(Name name = {});
     void repair(Name name = {}) { fail(name, nullptr); }
     /// Calls the subscribers of the name.
     void notify(Name name);
@@ -85,7 +86,7 @@ private:
 
     mutable std::mutex m_mutex; ///< never held while a subscriber runs
     std::map<std::wstring, json> m_values;
-    std::map<std::wstring, std::exception_ptr> m_errors;
+    std::map<std::wstring, std::function<void()>> m_errors; ///< each throws
     std::map<vx::settings::SubscriptionId, std::pair<std::wstring, vx::settings::ChangeCallback>> m_subscriptions;
     vx::settings::SubscriptionId m_lastId = 0;
     std::vector<std::wstring> m_writes;
