@@ -20,8 +20,8 @@ std::vector<std::uint8_t> hash(std::span<const std::uint8_t> source)
 std::wstring toBase64String(std::span<const std::uint8_t> bytes)
 {
     std::string text(4 * ((bytes.size() + 2) / 3) + 1, '\0');
-    const int length = EVP_EncodeBlock(
-        reinterpret_cast<unsigned char*>(text.data()), bytes.data(), static_cast<int>(bytes.size()));
+    const int length =
+        EVP_EncodeBlock(reinterpret_cast<unsigned char*>(text.data()), bytes.data(), static_cast<int>(bytes.size()));
     return {text.begin(), text.begin() + length};
 }
 
