@@ -6,7 +6,7 @@ command_help() {
     cat <<'END'
 usage: ./run COMMAND [ARGS]
 
-  demo               build, then show a remote scan request from the store key to the acknowledgement
+  demo               build, then show remote scan and installation requests from the store key to the result
   test [-R REGEX]    build and run all tests: under Wine, and natively under the sanitizers
        [--flavour F]   only product, asan, tsan or fuzz
        [--fresh-prefix]  in a new Wine prefix
