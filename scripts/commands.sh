@@ -111,6 +111,8 @@ command_bench() {
     build_flavour product all
     (
         taskset -cp "$(($(nproc) - 1))" "$BASHPID" >/dev/null
+        # What else runs on that core would stand in the tails, of the floor's as of ours.
+        renice -n -20 -p "$BASHPID" >/dev/null 2>&1 || say "not root: other programs may get in between"
         wine_setup
         wine_stop
         wine_start
