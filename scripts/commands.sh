@@ -121,6 +121,7 @@ command_bench() {
         for name in bench-*.exe; do
             [ $# -eq 0 ] || [[ " $* " == *" ${name%.exe} "* ]] || continue
             say "${name%.exe}"
+            sync # what the one before has written is not to be written under this one
             command_wine "./$name" || failed=1
         done
         exit "${failed:-0}"
