@@ -73,13 +73,18 @@ void DeploymentQueue::pushBack(const std::wstring& updateId)
     try {
         const std::lock_guard lock(*m_mutex);
         nlohmann::json list = m_settings.installation.deploymentQueue();
-        const auto items = listFromJson<DeploymentItem>(list);
+        Items items;
+        bool areAsWritten = true;
+        readEach<DeploymentItem>(list, [&](DeploymentItem& item, nlohmann::json&, bool isAsWritten) {
+            items.push_back(std::move(item));
+            areAsWritten &= isAsWritten;
+        });
         if (find(items, updateId) != items.end()) {
             LogStream(Level::Warning) << "Deployment item \"" << updateId
                                       << "\" already exists in the deployment queue, will be skipped.";
             return;
         }
-        if (!std::all_of(list.begin(), list.end(), isAsWritten<DeploymentItem>))
+        if (!areAsWritten)
             list = listToJson(items);
         list.push_back(toJson(DeploymentItem{operationIdNow(), updateId}));
         m_settings.installation.setDeploymentQueue(list);

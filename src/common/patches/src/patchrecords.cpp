@@ -1,209 +1,14 @@
 #include "common/patchrecords.h"
 
-#include "common/jsonnumber.h"
-#include "vxtl/str.h"
-
-#include <nlohmann/json.hpp>
+#include "recordfields.h"
 
 #include <algorithm>
-#include <span>
-#include <string_view>
 
 namespace vx::tarn::common {
 
 namespace {
 
-using nlohmann::json;
-
-/// One member of a record: its JSON key, and how it is read and written. Records share the code below through
-/// tables of these, which are sorted by key as a JSON object's members are.
-struct Field {
-    std::string_view key;
-    void (*read)(const json& value, void* record);
-    json (*write)(const void* record) = nullptr; ///< null in a record that is only read, as the next
-    bool (*isWritten)(const json& value) = nullptr;
-};
-
-// The value by reference, without the copy that the library's get makes; of another type with the same words as there.
-
-[[noreturn]] void throwTypeError(const char* wanted, const json& value)
-{
-    throw json::type_error::create(
-        302, std::string("type must be ") + wanted + ", but is " + value.type_name(), &value);
-}
-
-const std::string& stringIn(const json& value)
-{
-    if (const auto* text = value.get_ptr<const std::string*>())
-        return *text;
-    throwTypeError("string", value);
-}
-
-const json::array_t& arrayIn(const json& value)
-{
-    if (const auto* array = value.get_ptr<const json::array_t*>())
-        return *array;
-    throwTypeError("array", value);
-}
-
-const json::object_t& objectIn(const json& value)
-{
-    if (const auto* object = value.get_ptr<const json::object_t*>())
-        return *object;
-    throwTypeError("object", value);
-}
-
-std::wstring textOf(const json& value)
-{
-    return str::fromUtf8(stringIn(value));
-}
-
-void read(const json& value, std::wstring& target)
-{
-    target = textOf(value);
-}
-
-void read(const json& value, std::int64_t& target)
-{
-    target = utils::readInt64(value);
-}
-
-void read(const json& value, std::vector<std::wstring>& target)
-{
-    const auto& array = arrayIn(value);
-    target.reserve(array.size());
-    for (const json& element : array)
-        target.push_back(textOf(element));
-}
-
-void read(const json& value, ValueItem& target)
-{
-    target = toValueItem(textOf(value));
-}
-
-void read(const json& value, InstallationResultItem& target)
-{
-    target = toInstallationResultItem(textOf(value));
-}
-
-json write(const std::wstring& text)
-{
-    return str::toUtf8(text);
-}
-
-json write(std::int64_t number)
-{
-    return number;
-}
-
-json write(const std::vector<std::wstring>& texts)
-{
-    json::array_t array;
-    array.reserve(texts.size());
-    for (const std::wstring& text : texts)
-        array.emplace_back(str::toUtf8(text));
-    return array;
-}
-
-json write(ValueItem value)
-{
-    return str::toUtf8(toText(value));
-}
-
-// Whether a value that stands for a default of this type is just as `write` makes it.
-
-bool isValueWritten(const json& value, const std::wstring&)
-{
-    return value.is_string();
-}
-
-bool isValueWritten(const json& value, std::int64_t)
-{
-    // One beyond the signed range is read as a negative number.
-    return value.is_number_integer() && (!value.is_number_unsigned() || value.get<std::int64_t>() >= 0);
-}
-
-bool isValueWritten(const json& value, const std::vector<std::wstring>&)
-{
-    return value.is_array() && std::all_of(value.begin(), value.end(), [](const json& one) { return one.is_string(); });
-}
-
-bool isValueWritten(const json& value, ValueItem)
-{
-    return value.is_string();
-}
-
-/// Both sides are sorted, so one walk meets them all.
-void readMembers(const json& value, std::span<const Field> fields, void* record)
-{
-    const auto& object = objectIn(value);
-    auto member = object.begin();
-    for (const Field& field : fields) {
-        while (member != object.end() && member->first < field.key)
-            ++member;
-        if (member != object.end() && member->first == field.key && !member->second.is_null())
-            field.read(member->second, record);
-    }
-}
-
-json writeMembers(std::span<const Field> fields, const void* record)
-{
-    json::object_t object;
-    for (const Field& field : fields)
-        object.emplace_hint(object.end(), field.key, field.write(record));
-    return object;
-}
-
-bool areMembersWritten(const json& value, std::span<const Field> fields)
-{
-    const auto* object = value.get_ptr<const json::object_t*>();
-    return object && std::equal(object->begin(), object->end(), fields.begin(), fields.end(),
-                         [](const auto& member, const Field& field) {
-                             return member.first == field.key && field.isWritten(member.second);
-                         });
-}
-
-void read(const json& value, PatchSpecifier& target);
-void read(const json& value, PatchStatus& target);
-json write(const PatchSpecifier& specifier);
-json write(const PatchStatus& status);
-bool isValueWritten(const json& value, const PatchSpecifier&);
-
-template <typename Record, typename Value>
-Record recordOf(Value Record::*);
-template <typename Record, typename Value>
-Value valueOf(Value Record::*);
-
-template <auto member>
-constexpr Field readOnly(std::string_view key)
-{
-    using Record = decltype(recordOf(member));
-    return {key, [](const json& value, void* record) { read(value, static_cast<Record*>(record)->*member); }};
-}
-
-/// For a record that does not keep the member: read for what is wrong with it, and a text not even converted.
-template <typename Value>
-constexpr Field dropped(std::string_view key)
-{
-    return {key, [](const json& value, void*) {
-                if constexpr (std::is_same_v<Value, std::wstring>) {
-                    static_cast<void>(stringIn(value));
-                } else {
-                    Value target{};
-                    read(value, target);
-                }
-            }};
-}
-
-template <auto member>
-constexpr Field field(std::string_view key)
-{
-    using Record = decltype(recordOf(member));
-    Field both = readOnly<member>(key);
-    both.write = [](const void* record) { return write(static_cast<const Record*>(record)->*member); };
-    both.isWritten = [](const json& value) { return isValueWritten(value, decltype(valueOf(member)){}); };
-    return both;
-}
+using namespace details;
 
 template <typename Record>
 constexpr Field fields[] = {};
@@ -236,6 +41,23 @@ constexpr Field fields<MissingUpdate>[] = {
 };
 
 template <>
+constexpr Field fields<ListedUpdate>[] = {
+    readOnly<&MissingUpdate::bulletinId>("bulletin_id"),
+    readOnly<&MissingUpdate::category>("category"),
+    dropped<std::vector<std::wstring>>("cve_id"),
+    dropped<std::wstring>("description_url"),
+    dropped<std::wstring>("end_of_life"),
+    readOnly<&MissingUpdate::patchSpecifier>("patch_specifier"),
+    readOnly<&MissingUpdate::productName>("product_name"),
+    readOnly<&MissingUpdate::servicePack>("service_pack"),
+    readOnly<&MissingUpdate::severity>("severity"),
+    dropped<std::wstring>("update_id"),
+    readOnly<&MissingUpdate::updateName>("update_name"),
+    dropped<std::wstring>("user_friendly_update_name"),
+    dropped<std::wstring>("vendor"),
+};
+
+template <>
 constexpr Field fields<InstallationLogEntry>[] = {
     readOnly<&InstallationLogEntry::bulletinId>("bulletin_id"),
     readOnly<&InstallationLogEntry::installationResult>("installation_result"),
@@ -262,10 +84,10 @@ constexpr Field fields<LoggedState>[] = {
 };
 
 template <typename Record>
-void readRecord(const json& value, Record& record)
+bool readRecord(const json& value, Record& record)
 {
     static_assert(std::ranges::is_sorted(fields<Record>, {}, &Field::key));
-    readMembers(value, fields<Record>, &record);
+    return readMembers(value, fields<Record>, &record);
 }
 
 template <typename Record>
@@ -274,32 +96,27 @@ json writeRecord(const Record& record)
     return writeMembers(fields<Record>, &record);
 }
 
-void read(const json& value, PatchSpecifier& target)
+} // namespace
+
+bool details::read(const json& value, PatchSpecifier& target)
 {
-    readRecord(value, target);
+    return readRecord(value, target);
 }
 
-void read(const json& value, PatchStatus& target)
+bool details::read(const json& value, PatchStatus& target)
 {
-    readRecord(value, target);
+    return readRecord(value, target);
 }
 
-json write(const PatchSpecifier& specifier)
+json details::write(const PatchSpecifier& specifier)
 {
     return writeRecord(specifier);
 }
 
-json write(const PatchStatus& status)
+json details::write(const PatchStatus& status)
 {
     return writeRecord(status);
 }
-
-bool isValueWritten(const json& value, const PatchSpecifier&)
-{
-    return areMembersWritten(value, fields<PatchSpecifier>);
-}
-
-} // namespace
 
 json toJson(const DeploymentItem& item)
 {
@@ -324,12 +141,6 @@ json toJson(const PatchToInstall& patch)
 }
 
 template <typename Record>
-bool isAsWritten(const json& value)
-{
-    return areMembersWritten(value, fields<Record>);
-}
-
-template <typename Record>
 Record fromJson(const json& value)
 {
     Record record;
@@ -348,13 +159,13 @@ std::vector<Record> listFromJson(const json& value)
 }
 
 template <typename Record>
-void readEach(json& list, const std::function<void(Record&, json&)>& take)
+void readEach(json& list, const std::function<void(Record&, json&, bool)>& take)
 {
     static_cast<void>(arrayIn(list));
     for (json& element : list) {
         Record record;
-        readRecord(element, record);
-        take(record, element);
+        const bool isAsWritten = readRecord(element, record);
+        take(record, element, isAsWritten);
     }
 }
 
@@ -368,16 +179,15 @@ json listToJson(const std::vector<Record>& records)
     return array;
 }
 
-template bool isAsWritten<DeploymentItem>(const json&);
-template bool isAsWritten<MissingUpdate>(const json&);
 template DeploymentItem fromJson(const json&);
 template MissingUpdate fromJson(const json&);
 template InstallationLogEntry fromJson(const json&);
 template std::vector<DeploymentItem> listFromJson(const json&);
 template std::vector<MissingUpdate> listFromJson(const json&);
 template std::vector<InstallationLogEntry> listFromJson(const json&);
-template void readEach(json&, const std::function<void(MissingUpdate&, json&)>&);
-template void readEach(json&, const std::function<void(LoggedState&, json&)>&);
+template void readEach(json&, const std::function<void(DeploymentItem&, json&, bool)>&);
+template void readEach(json&, const std::function<void(ListedUpdate&, json&, bool)>&);
+template void readEach(json&, const std::function<void(LoggedState&, json&, bool)>&);
 template json listToJson(const std::vector<DeploymentItem>&);
 
 } // namespace vx::tarn::common

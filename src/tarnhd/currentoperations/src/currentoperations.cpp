@@ -71,7 +71,7 @@ std::vector<LoggedState> CurrentOperations::getLog(json entries)
 {
     std::vector<LoggedState> log;
     log.reserve(entries.size());
-    readEach<LoggedState>(entries, [&](LoggedState& state, json& element) {
+    readEach<LoggedState>(entries, [&](LoggedState& state, json& element, bool) {
         log.push_back(std::move(state));
         element = nullptr;
     });
@@ -83,13 +83,13 @@ std::vector<PatchInfo> CurrentOperations::getMissingUpdates(json& missingUpdates
     VX_LOG_SCOPE();
     std::vector<PatchInfo> patches;
     patches.reserve(missingUpdates.size());
-    readEach<MissingUpdate>(missingUpdates, [&](MissingUpdate& update, json& element) {
+    readEach<ListedUpdate>(missingUpdates, [&](ListedUpdate& update, json& element, bool isAsWritten) {
         const bool isCut =
             std::max(update.severity, update.category) > UINT16_MAX || std::min(update.severity, update.category) < 0;
-        const PatchInfo& patch = patches.emplace_back(std::move(update));
         // Most are, and building them anew would cost more than all the rest of a pass.
-        if (isCut || !isAsWritten<MissingUpdate>(element))
-            element = toJson(toMissingUpdate(patch, {}));
+        if (isCut || !isAsWritten)
+            element = toJson(toMissingUpdate(PatchInfo(fromJson<MissingUpdate>(element)), {}));
+        patches.emplace_back(std::move(update));
     });
     return patches;
 }

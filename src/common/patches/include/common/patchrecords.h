@@ -49,6 +49,10 @@ struct MissingUpdate {
     std::wstring descriptionUrl;
 };
 
+/// A MissingUpdate without the members that neither identify a patch nor are matched by filters: they stay empty.
+/// Read with the same checks as the whole.
+struct ListedUpdate : MissingUpdate {};
+
 /// A patch that is about to be installed or being installed, as published.
 struct PatchToInstall : MissingUpdate {
     PatchStatus status;
@@ -77,11 +81,6 @@ nlohmann::json toJson(const MissingUpdate& update);
 nlohmann::json toJson(const PatchStatus& status);
 nlohmann::json toJson(const PatchToInstall& patch);
 
-/// Whether a value that can be read as the record, a DeploymentItem or MissingUpdate, is just as toJson writes that
-/// record, so that it can be used in its place.
-template <typename Record>
-bool isAsWritten(const nlohmann::json& value);
-
 /// Reads one record: DeploymentItem, MissingUpdate or InstallationLogEntry.
 template <typename Record>
 Record fromJson(const nlohmann::json& value);
@@ -89,10 +88,12 @@ Record fromJson(const nlohmann::json& value);
 /// Reads an array of records in order. Anything but an array throws type error 302.
 template <typename Record>
 std::vector<Record> listFromJson(const nlohmann::json& value);
-/// Reads an array one by one, MissingUpdate or LoggedState, and hands each record over together with its element,
-/// while that is still in the processor's cache: a long list is far larger.
+/// Reads an array one by one, DeploymentItem, ListedUpdate or LoggedState, and hands each record over together with
+/// its element, while that is still in the processor's cache: a long list is far larger. isAsWritten tells that the
+/// element is just as the record, a ListedUpdate's the whole MissingUpdate, would be written.
 template <typename Record>
-void readEach(nlohmann::json& list, const std::function<void(Record&, nlohmann::json& element)>& take);
+void readEach(
+    nlohmann::json& list, const std::function<void(Record&, nlohmann::json& element, bool isAsWritten)>& take);
 
 /// Writes an array of records in order.
 template <typename Record>

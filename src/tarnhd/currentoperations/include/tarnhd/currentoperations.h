@@ -39,7 +39,8 @@ private:
 
     static LogIndex indexOf(const std::vector<common::LoggedState>& log);
     static std::vector<common::LoggedState> getLog(nlohmann::json entries);
-    /// Also brings the elements into the form in which their patches are written.
+    /// The patches with what identifies them and what filters look at. Also brings the elements into the form in
+    /// which their patches are written.
     std::vector<common::PatchInfo> getMissingUpdates(nlohmann::json& missingUpdates) const;
     std::vector<common::OperationInfo> getApplicableFilters(
         const std::vector<common::DeploymentItem>& deploymentItems) const;
