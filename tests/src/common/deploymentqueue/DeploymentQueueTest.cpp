@@ -62,6 +62,17 @@ TEST_F(DeploymentQueueTest, answersFromAnEmptyListWithoutWriting)
     EXPECT_TRUE(store->writes().empty());
 }
 
+TEST_F(DeploymentQueueTest, writesForeignItemsInItsOwnFormAtAPush)
+{
+    const json other{{"operation_id", "1"}, {"update_id", "ALL"}};
+    store->setJsonValue(key, {{{"unknown", 1}, {"update_id", "CRITICAL"}}, other});
+    queue.pushBack(L"IMPORTANT");
+    const json list = store->getJsonValue(key);
+    EXPECT_EQ(list[0], json({{"operation_id", ""}, {"update_id", "CRITICAL"}}));
+    EXPECT_EQ(list[1], other);
+    EXPECT_EQ(list[2]["update_id"], "IMPORTANT");
+}
+
 TEST_F(DeploymentQueueTest, reportsAMalformedListAndNeverRepairsIt)
 {
     store->setJsonValue(key, "garbage");

@@ -75,23 +75,26 @@ TEST_F(CurrentOperationsTest, mergesQueueMissingUpdatesAndLog)
 }
 
 // The complete record is taken over as it stands, the others are built from what was read.
-TEST_F(CurrentOperationsTest, publishesTheSameWhetherOrNotTheScanWroteEveryKey)
+TEST_F(CurrentOperationsTest, publishesTheSameWhetherOrNotTheScanWroteEveryKeyAsWeDo)
 {
-    const json complete{{"patch_specifier", {{"id", ""}, {"region", 0}}}, {"update_id", "stale"}, {"bulletin_id", ""},
-        {"product_name", ""}, {"service_pack", ""}, {"update_name", "a"}, {"end_of_life", ""}, {"severity", 65537},
+    const json complete{{"patch_specifier", {{"id", ""}, {"region", -1}}}, {"update_id", "stale"}, {"bulletin_id", ""},
+        {"product_name", ""}, {"service_pack", ""}, {"update_name", "a"}, {"end_of_life", ""}, {"severity", 1},
         {"category", 0}, {"vendor", ""}, {"user_friendly_update_name", ""}, {"cve_id", json::array()},
         {"description_url", ""}};
-    json other = complete;
-    other["unknown"] = 1;
-    const json sparse{{"update_name", "a"}, {"severity", 65537.5}, {"vendor", nullptr}};
-    store->setJsonValue(missingKey, {complete, other, sparse});
+    const std::pair<const char*, json> changes[] = {{"/unknown", 1}, {"/vendor", nullptr}, {"/severity", 1.5},
+        {"/severity", 65537}, {"/category", 65536}, {"/category", -65536}, {"/patch_specifier/region", UINT64_MAX},
+        {"/patch_specifier/unknown", 1}};
+    json list(2, complete);
+    list[0].erase("vendor");
+    for (const auto& [where, value] : changes)
+        list.emplace_back(complete)[json::json_pointer(where)] = value;
+    store->setJsonValue(missingKey, list);
     queue("ALL");
     published();
     json expected = complete;
     expected["update_id"] = id("a");
-    expected["severity"] = 1;
     expected["status"] = {{"value", "installation_requested"}, {"code", ""}};
-    EXPECT_EQ(store->getJsonValue(resultKey), json({expected, expected, expected}));
+    EXPECT_EQ(store->getJsonValue(resultKey).dump(), json(list.size(), expected).dump());
 }
 
 TEST_F(CurrentOperationsTest, warnsOfABadRuleAtEachPatchAlsoALoggedOne)
