@@ -21,33 +21,28 @@ void setNumber(HKEY key, const wchar_t* value, DWORD number)
     RegSetValueExW(key, value, 0, REG_DWORD, reinterpret_cast<const BYTE*>(&number), sizeof number);
 }
 
-} // namespace
-
-Sandbox::Sandbox()
-    : m_root(std::filesystem::temp_directory_path() / ("vx-log-bench-" + std::to_string(GetCurrentProcessId())))
+void forgetConfiguration()
 {
-    clear();
-    std::filesystem::create_directories(m_root);
-    SetEnvironmentVariableW(L"ProgramData", m_root.c_str());
-}
-
-Sandbox::~Sandbox()
-{
-    clear();
-}
-
-void Sandbox::clear() const
-{
-    std::error_code ignored;
-    std::filesystem::remove_all(m_root, ignored);
     const HKEY key = createKey();
     RegDeleteTreeW(key, nullptr);
     RegCloseKey(key);
 }
 
+} // namespace
+
+Sandbox::Sandbox()
+{
+    forgetConfiguration();
+}
+
+Sandbox::~Sandbox()
+{
+    forgetConfiguration();
+}
+
 std::filesystem::path Sandbox::folder(const wchar_t* name1) const
 {
-    return m_root / L"Vantorix" / L"Log" / name1;
+    return m_folder.path() / L"Vantorix" / L"Log" / name1;
 }
 
 void Sandbox::configure(unsigned long maxSizeKb, unsigned long rotateCount)

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <filesystem>
+#include "bench/datafolder.h"
 
 /// A root folder of its own for the log files of this program, and the logger's configuration in the
 /// registry: both empty at the start and gone at the end. Child processes inherit the place.
@@ -17,7 +17,5 @@ public:
     static void configure(unsigned long maxSizeKb, unsigned long rotateCount);
 
 private:
-    void clear() const;
-
-    std::filesystem::path m_root;
+    bench::DataFolder m_folder;
 };

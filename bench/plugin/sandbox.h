@@ -1,6 +1,7 @@
 #pragma once
 
-#include <filesystem>
+#include "bench/datafolder.h"
+
 #include <optional>
 
 /// A folder of its own for log, store and agent, which the registry names as the agent's. There is no agent in
@@ -12,9 +13,9 @@ public:
     Sandbox(const Sandbox&) = delete;
     Sandbox& operator=(const Sandbox&) = delete;
 
-    const std::filesystem::path& root() const { return m_root; }
+    const std::filesystem::path& root() const { return m_folder.path(); }
 
 private:
-    std::filesystem::path m_root;
+    bench::DataFolder m_folder;
     std::optional<std::filesystem::path> m_agentDirectory; ///< what the registry named before
 };
