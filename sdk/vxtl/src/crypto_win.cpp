@@ -28,9 +28,10 @@ std::wstring toBase64String(std::span<const std::uint8_t> bytes)
     std::wstring text(length, L'\0');
     if (!CryptBinaryToStringW(bytes.data(), size, flags, text.data(), &length))
         VX_THROW_WIN32(GetLastError());
-    // The first call counts the terminator, the second does not.
+    // The first call counts the terminator, the second does not; some systems end the text with a line break.
     text.resize(length);
-    return str::trim(text);
+    text.erase(text.find_last_not_of(str::whiteSpace) + 1);
+    return text;
 }
 
 } // namespace vx::crypto
