@@ -50,7 +50,7 @@ TEST_F(GlobalMutexTest, excludesOtherProcessesAndIsTakenOverFromDeadOnes)
     mutex.unlock();
 }
 
-TEST_F(GlobalMutexTest, isMadeOnlyOnceWithoutOpenExisting)
+TEST_F(GlobalMutexTest, refusesWhatExistsAndWhatIsNoMutex)
 {
     support::LogCapture log;
     {

@@ -81,6 +81,7 @@ TEST_F(RegistryTest, refusesValuesOfAnotherTypeOrSize)
 
 TEST_F(RegistryTest, readsTextAsOthersLeaveIt)
 {
+    // No data, no terminator, text behind the NUL, an odd size; variables stay.
     const std::tuple<DWORD, std::string, const wchar_t*> rows[] = {{REG_SZ, "", L""}, {REG_SZ, {"a\0b\0", 4}, L"ab"},
         {REG_SZ, {"a\0\0\0b\0\0\0", 8}, L"a"}, {REG_SZ, {"a\0b", 3}, L"a"},
         {REG_EXPAND_SZ, {"%\0x\0%\0\0\0", 8}, L"%x%"}};
@@ -92,6 +93,7 @@ TEST_F(RegistryTest, readsTextAsOthersLeaveIt)
 
 TEST_F(RegistryTest, readsListsAsOthersLeaveThem)
 {
+    // No data, one byte, one terminator, none, an odd size, more empty ones at the end.
     const std::pair<std::string, std::vector<std::wstring>> rows[] = {{"", {}}, {"a", {}}, {{"a\0\0\0", 4}, {L"a"}},
         {{"a\0b\0", 4}, {L"ab"}}, {{"a\0\0\0b", 5}, {L"a", L"b"}},
         {{"a\0\0\0\0\0\0\0\0\0", 10}, {L"a", std::wstring()}}};
