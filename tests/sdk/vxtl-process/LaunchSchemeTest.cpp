@@ -12,9 +12,11 @@ using namespace vx::process;
 namespace {
 
 const std::wstring none;
+const std::wstring program = L"C:\\windows\\system32\\cmd.exe"; // every Windows has it
 
 struct FakeHolder : priveleges::IPrivelegesHolder {
-    std::wstring right = L"SeAssignPrimaryTokenPrivilege";
+    explicit FakeHolder(std::wstring only = L"SeAssignPrimaryTokenPrivilege") : right(std::move(only)) {}
+    const std::wstring right;
     std::vector<std::wstring> getPrivileges() override { return {right}; }
     bool hasPrivilege(const std::wstring& name) override { return name == right; }
     bool addPrivilege(const std::wstring&) override { return false; }
@@ -34,15 +36,12 @@ struct LaunchScheme : testing::Test, LaunchDriver {
     bool administrator = true;
     bool launchFails = false;
     support::LogCapture log;
-    std::wstring program = std::wstring(MAX_PATH, L'\0');
 
     std::string how;
     LaunchRequest request;
     bool impersonated = false;
     std::weak_ptr<KernelHandle> token;
     std::weak_ptr<void> environment;
-
-    LaunchScheme() { program.resize(GetModuleFileNameW(nullptr, program.data(), MAX_PATH)); }
 
     LaunchedProcess create(const LaunchRequest& given) override { return record("create", given); }
     LaunchedProcess createAsUser(void*, const LaunchRequest& given) override { return record("asUser", given); }
@@ -92,34 +91,26 @@ struct LaunchScheme : testing::Test, LaunchDriver {
 
 TEST_F(LaunchScheme, elevatesOnlyAnAdministratorWhoMayAssignTokens)
 {
-    struct {
-        const char* trace;
-        const wchar_t* right;
-        bool administrator;
-        const char* how;
-        const char* line;
-    } rows[] = {
-        {"both", L"SeAssignPrimaryTokenPrivilege", true, "asUser", "Using elevated run scheme"},
-        {"no administrator", L"SeAssignPrimaryTokenPrivilege", false, "withLogon", "Using non-elevated run scheme"},
-        {"no privilege", L"SeAssignPrimaryToken", true, "withLogon", "Using non-elevated run scheme"},
-        {"privileges unreadable", nullptr, true, "withLogon", "Using non-elevated run scheme"},
+    const std::tuple<std::shared_ptr<FakeHolder>, bool, const char*> rows[] = {
+        {holder, true, "asUser"},
+        {holder, false, "withLogon"},
+        {std::make_shared<FakeHolder>(L"SeAssignPrimaryToken"), true, "withLogon"},
+        {nullptr, true, "withLogon"},
     };
-    for (const auto& row : rows) {
-        SCOPED_TRACE(row.trace);
-        if (row.right)
-            holder->right = row.right;
-        else
-            holder = nullptr;
-        administrator = row.administrator;
+    for (const auto& [privileges, isAdministrator, expected] : rows) {
+        holder = privileges;
+        administrator = isAdministrator;
         launch();
-        EXPECT_EQ(how, row.how);
-        EXPECT_TRUE(log.has(4, row.line)) << log.text();
+        EXPECT_EQ(how, expected);
         EXPECT_EQ(impersonated, how == "asUser");
         EXPECT_FALSE(isImpersonating());
         EXPECT_TRUE(token.expired());
         EXPECT_EQ(request.flags, 0x04000010u);
         EXPECT_EQ(request.showWindow, 11);
     }
+    EXPECT_EQ(log.count("Using elevated run scheme"), 1u) << log.text();
+    EXPECT_EQ(log.count("Using non-elevated run scheme"), 3u) << log.text();
+    EXPECT_TRUE(log.has(4, "Using elevated run scheme") && log.has(4, "Using non-elevated run scheme"));
     EXPECT_TRUE(log.has(2, "Exception occurred. unreadable")) << log.text();
     EXPECT_EQ(log.count("s3cret"), 0u) << log.text();
     EXPECT_EQ(log.count("HERE\\joe:<password>'"), 4u) << log.text();
@@ -132,28 +123,23 @@ TEST_F(LaunchScheme, leavesNothingBehindWhenTheLaunchFails)
     EXPECT_TRUE(impersonated);
     EXPECT_FALSE(isImpersonating());
     EXPECT_TRUE(token.expired());
-    const SharedHandle own = ownToken();
-    EXPECT_THROW(Process(L"x", 0, Redirect::None, own->get(), *this), Win32Exception);
+    EXPECT_THROW(Process(L"x", 0, Redirect::None, ownToken()->get(), *this), Win32Exception);
     EXPECT_FALSE(isImpersonating());
     EXPECT_TRUE(environment.expired());
 }
 
 TEST_F(LaunchScheme, launchesInSpiteOfWhatStandsAgainstTheAccount)
 {
-    struct {
-        unsigned long flags;
-        unsigned long status;
-        const char* line;
-    } rows[] = {{0x800012, 0, "Account is disabled"}, {0x800010, 0, "Account is locked out"},
-        {0x800000, 0, "Account has expired password"}, {0, 2453, "NetUserGetInfo fail at level 1"}};
-    for (const auto& row : rows) {
-        SCOPED_TRACE(row.line);
+    const std::tuple<unsigned long, unsigned long, const char*> rows[] = {{0x800012, 0, "Account is disabled"},
+        {0x800010, 0, "Account is locked out"}, {0x800000, 0, "Account has expired password"},
+        {0, 2453, "NetUserGetInfo fail at level 1"}};
+    for (const auto& [flags, status, line] : rows) {
         how.clear();
-        accounts.flags = row.flags;
-        accounts.userStatus = row.status;
+        accounts.flags = flags;
+        accounts.userStatus = status;
         launch();
         EXPECT_EQ(how, "asUser");
-        EXPECT_EQ(log.count(row.line), 1u) << log.text();
+        EXPECT_EQ(log.count(line), 1u) << log.text();
     }
 }
 
@@ -172,16 +158,15 @@ TEST_F(LaunchScheme, startsAsTheCallerWithoutAUser)
 
 TEST_F(LaunchScheme, givesATokensChildItsDesktopOrHidesIt)
 {
-    const SharedHandle own = ownToken();
-    Process(L"x", 0x430, Redirect::None, own->get(), *this);
+    Process(L"x", 0x430, Redirect::None, ownToken()->get(), *this);
     EXPECT_EQ(request.desktop, L"winsta0\\default");
-    EXPECT_FALSE(request.showWindow);
-    EXPECT_FALSE(request.standardHandles);
+    EXPECT_FALSE(request.showWindow || request.standardHandles);
     EXPECT_EQ(request.flags, 0x430u);
     EXPECT_TRUE(request.environment);
     EXPECT_TRUE(impersonated);
+    EXPECT_EQ(log.count("Launching process 'x' with credentials: '"), 1u) << log.text();
 
-    Process(L"x", 0x08000400, Redirect::StandardOutput, own->get(), *this);
+    Process(L"x", 0x08000400, Redirect::StandardOutput, ownToken()->get(), *this);
     EXPECT_EQ(request.desktop, L"");
     EXPECT_EQ(request.showWindow, 11);
     EXPECT_EQ(request.flags, 0x410u);

@@ -1,9 +1,7 @@
 #include "vxtl/process/process.h"
 #include "ownaccount.h"
 #include "support/childtest.h"
-#include "support/logcapture.h"
 #include "support/thrown.h"
-#include "vxtl/users/useraccount.h"
 #include "vxtl/win32exception.h"
 
 #include <winternl.h>
@@ -17,7 +15,6 @@
 using namespace vx;
 using namespace vx::process;
 using support::thrown;
-using testing::HasSubstr;
 namespace fs = std::filesystem;
 
 namespace {
@@ -43,24 +40,18 @@ std::uint32_t exitCode(const Process& process)
     return process.getReturnCode();
 }
 
-struct SystemHandle {
-    ULONG owner;
-    BYTE type;
-    BYTE flags;
-    USHORT value;
-    void* object;
-    ULONG access;
-};
-
 /// Counted in the system's own list: GetProcessHandleCount isn't everywhere more than a stub.
 std::ptrdiff_t openHandles()
 {
+    struct Entry {
+        ULONG owner, others[3];
+    };
     constexpr auto systemHandleInformation = static_cast<SYSTEM_INFORMATION_CLASS>(16);
     std::vector<ULONG> list(1 << 18);
     ULONG size = 0;
     EXPECT_EQ(NtQuerySystemInformation(systemHandleInformation, list.data(), list.size() * sizeof(ULONG), &size), 0);
-    const std::span handles(reinterpret_cast<const SystemHandle*>(list.data() + 1), list[0]);
-    return std::ranges::count(handles, GetCurrentProcessId(), &SystemHandle::owner);
+    const std::span handles(reinterpret_cast<const Entry*>(list.data() + 1), list[0]);
+    return std::ranges::count(handles, GetCurrentProcessId(), &Entry::owner);
 }
 
 int echo()
@@ -84,23 +75,11 @@ int cwd()
 
 } // namespace
 
-TEST(Process, failsOnWhatIsNotThere)
+TEST(Process, asksNotTheSystemForAMissingProgram)
 {
     const auto missing =
         thrown<BaseException>([] { Process(L"no such folder\\no such program.exe", none, none, Credentials()); });
-    EXPECT_EQ(missing.reason(), L"Executable file does not exists") << "the system was asked";
-    EXPECT_THAT(missing.what(), HasSubstr("Function: vx::process::Process::Process,"));
-    for (const auto& [token, reason] : {std::pair<SharedHandle, const wchar_t*>(nullptr, L"Can't create process"),
-             {ownToken(), L"CreateProcessAsUser failed"}}) {
-        void* const user = token ? token->get() : nullptr;
-        const auto failure =
-            thrown<Win32Exception>([&] { Process(L"nosuchprogram.exe", tokenFlags, Redirect::StandardOutput, user); });
-        EXPECT_EQ(failure.reason(), reason);
-        EXPECT_EQ(failure.code(), ERROR_FILE_NOT_FOUND);
-        EXPECT_THAT(failure.what(), HasSubstr("Function: vx::process::Process::createProcess,"));
-        HANDLE thread = nullptr;
-        EXPECT_FALSE(OpenThreadToken(GetCurrentThread(), TOKEN_QUERY, TRUE, &thread)) << "still impersonated";
-    }
+    EXPECT_EQ(missing.reason(), L"Executable file does not exists");
 }
 
 TEST(Process, talksThroughTheRedirectedStreamsOnly)
@@ -132,10 +111,8 @@ TEST(Process, letsTheChildSeeTheEndOfItsInputWhenDestroyed)
         EXPECT_EQ(process.getReturnCode(), STILL_ACTIVE);
         *process.stdinStream() << "1234567";
     }
-    if (!sync::details::waitForSingleObject(handle->get(), deadlineMs)) {
-        TerminateProcess(handle->get(), 1);
-        FAIL() << "the child still waits for input";
-    }
+    sync::details::waitForSingleObject(handle->get(), deadlineMs);
+    TerminateProcess(handle->get(), 1); // only a child that still waits for input
     DWORD code = 0;
     EXPECT_TRUE(GetExitCodeProcess(handle->get(), &code));
     EXPECT_EQ(code, 7u);
@@ -154,24 +131,17 @@ TEST(Process, startsAnExecutableWhosePathHasBlanksInItsOwnFolder)
     fs::remove_all(folder, busy);
 }
 
-TEST(Process, runsUnderTheCallersOwnToken)
-{
-    support::LogCapture log;
-    const SharedHandle token = ownToken();
-    Process process(selfAsChild(L"exit42"), tokenFlags, Redirect::None, token->get());
-    EXPECT_EQ(exitCode(process), 42u);
-    EXPECT_EQ(log.count(" with credentials: '"), 1u);
-    EXPECT_GT(users::UserAccount(token->get()).user().size(), 0u);
-}
-
 TEST(Process, leavesNoHandleOpenWhateverHappens)
 {
     const SharedHandle token = ownToken();
     const auto all = Redirect::StandardInput | Redirect::StandardOutput | Redirect::StandardError;
+    const auto failure = [&](void* user) {
+        return thrown<Win32Exception>([&] { Process(L"nosuchprogram.exe", tokenFlags, all, user); });
+    };
     const auto round = [&] {
-        exitCode(Process(selfAsChild(L"exit1"), tokenFlags, all, token->get()));
-        EXPECT_THROW(Process(L"nosuchprogram.exe", tokenFlags, all, token->get()), Win32Exception);
-        EXPECT_THROW(Process(L"nosuchprogram.exe", 0, all, nullptr), Win32Exception);
+        EXPECT_EQ(exitCode(Process(selfAsChild(L"exit1"), tokenFlags, all, token->get())), 1u);
+        EXPECT_EQ(failure(nullptr).reason(), L"Can't create process");
+        EXPECT_EQ(failure(token->get()).code(), ERROR_FILE_NOT_FOUND);
         return openHandles();
     };
     round(); // the system loads libraries of its own
@@ -180,14 +150,8 @@ TEST(Process, leavesNoHandleOpenWhateverHappens)
     EXPECT_EQ(round(), before);
 }
 
-TEST(Process, tellsWhyWhenTheTokenMayNotBeDuplicated)
-{
-    const SharedHandle token = ownToken(TOKEN_QUERY);
-    EXPECT_THROW(Process(selfAsChild(L"exit1"), tokenFlags, Redirect::None, token->get()), Win32Exception);
-}
-
 int main(int argc, char** argv)
 {
-    return support::mainWithChildren(argc, argv,
-        {{"echo", echo}, {"drain", drain}, {"cwd", cwd}, {"exit1", [] { return 1; }}, {"exit42", [] { return 42; }}});
+    return support::mainWithChildren(
+        argc, argv, {{"echo", echo}, {"drain", drain}, {"cwd", cwd}, {"exit1", [] { return 1; }}});
 }

@@ -4,18 +4,10 @@
 
 #include <windows.h>
 
-/// The test's own token, and its user's name.
-inline vx::SharedHandle ownToken(unsigned long access = TOKEN_ALL_ACCESS)
+/// The test's own token.
+inline vx::SharedHandle ownToken()
 {
     HANDLE token = nullptr;
-    EXPECT_TRUE(OpenProcessToken(GetCurrentProcess(), access, &token));
+    EXPECT_TRUE(OpenProcessToken(GetCurrentProcess(), TOKEN_ALL_ACCESS, &token));
     return std::make_shared<vx::KernelHandle>(token);
-}
-
-inline std::wstring ownName()
-{
-    wchar_t name[256];
-    DWORD size = 256;
-    EXPECT_TRUE(GetUserNameW(name, &size));
-    return name;
 }

@@ -33,59 +33,40 @@ std::shared_ptr<Waitable> makeAbandonedMutex()
 
 } // namespace
 
-TEST(Sync, singleWaitTellsFiringFromTimeout)
+TEST(Sync, singleWaitTellsFiringFromTimeoutAndFailure)
 {
     EXPECT_TRUE(sync::waitForSingleObject(*makeEvent(true), 0));
     EXPECT_FALSE(sync::waitForSingleObject(*makeEvent(false), 0));
     EXPECT_TRUE(sync::waitForSingleObject(*makeAbandonedMutex(), 0));
+    const auto failure = support::thrown<Win32Exception>([] { sync::waitForSingleObject(Waitable(nullptr), 0); });
+    EXPECT_EQ(failure.code(), static_cast<unsigned long>(ERROR_INVALID_HANDLE));
+    EXPECT_THAT(failure.what(),
+        HasSubstr("Type: Win32Exception, Reason: wait failed, Function: vx::sync::details::waitForSingleObject,"));
 }
 
 TEST(Sync, multipleWaitGivesTheFirstThatFired)
 {
     const auto clear = makeEvent(false);
     const auto set = makeEvent(true);
-    struct {
-        const char* trace;
-        std::vector<std::shared_ptr<Waitable>> list;
-        std::ptrdiff_t expected;
-    } const rows[] = {
-        {"empty", {}, 0},
-        {"one", {set}, 0},
-        {"the second", {clear, set}, 1},
-        {"both", {set, makeEvent(true)}, 0},
-        {"abandoned alone", {makeAbandonedMutex()}, 0},
-        {"abandoned behind", {clear, clear, makeAbandonedMutex()}, 2},
-    };
-    for (const auto& row : rows)
-        EXPECT_EQ(sync::waitForMultipleObjects(row.list) - row.list.begin(), row.expected) << row.trace;
-}
-
-TEST(Sync, failedWaitNamesItsFunction)
-{
-    const Waitable nothing(nullptr);
-    const std::vector<const IWaitable*> list = {&nothing, &nothing};
-    const auto single = support::thrown<Win32Exception>([&] { sync::waitForSingleObject(nothing, 0); });
-    const auto multiple = support::thrown<Win32Exception>([&] { sync::waitForMultipleObjects(list); });
-    const std::string report = "Type: Win32Exception, Reason: wait failed, Function: vx::sync::details::";
-    EXPECT_THAT(single.what(), HasSubstr(report + "waitForSingleObject,"));
-    EXPECT_THAT(multiple.what(), HasSubstr(report + "waitForMultipleObjects,"));
-    for (const auto& failure : {single, multiple})
-        EXPECT_EQ(failure.code(), static_cast<unsigned long>(ERROR_INVALID_HANDLE));
+    const std::pair<std::vector<std::shared_ptr<Waitable>>, std::ptrdiff_t> rows[] = {{{}, 0}, {{set}, 0},
+        {{clear, set}, 1}, {{set, makeEvent(true)}, 0}, {{makeAbandonedMutex()}, 0},
+        {{clear, clear, makeAbandonedMutex()}, 2}};
+    for (const auto& [list, expected] : rows)
+        EXPECT_EQ(sync::waitForMultipleObjects(list) - list.begin(), expected) << "of " << list.size();
+    const std::vector invalid(2, std::make_shared<Waitable>(nullptr));
+    EXPECT_THROW(sync::waitForMultipleObjects(invalid), Win32Exception);
 }
 
 TEST(AutomaticHandle, closesWhatIsAHandleAndLogsItsFailure)
 {
     support::LogCapture log;
     HANDLE event = CreateEventW(nullptr, TRUE, FALSE, nullptr);
-    {
-        const KernelHandle owner(event), null(nullptr), invalid(INVALID_HANDLE_VALUE);
-    }
+    for (HANDLE handle : {event, HANDLE(nullptr), INVALID_HANDLE_VALUE})
+        KernelHandle{handle};
     EXPECT_EQ(log.text(), "");
     DWORD flags;
     EXPECT_FALSE(GetHandleInformation(event, &flags));
-    {
-        const KernelHandle stale(reinterpret_cast<void*>(0xABCD0));
-    }
+    KernelHandle{reinterpret_cast<void*>(0xABCD0)};
     EXPECT_TRUE(log.has(2, "Failed to close winapi handle 0xABCD0 Error: 6")) << log.text();
 }
 
