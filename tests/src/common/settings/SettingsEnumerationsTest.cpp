@@ -9,11 +9,9 @@ TEST(SettingsEnumerationsTest, textsHaveTheirNumbers)
 {
     EXPECT_EQ(ModeItem(3), toModeItem(L"install_critical_and_important"));
     EXPECT_EQ(FrequencyItem(7), toFrequencyItem(L"every_sunday"));
-    EXPECT_EQ(UseHttpProxyItem(2), toUseHttpProxyItem(L"user_defined"));
     EXPECT_EQ(ValueItem(13), toValueItem(L"installation_hung_up"));
     EXPECT_EQ(InstallationResultItem(9), toInstallationResultItem(L"installation_hung_up"));
     EXPECT_EQ(InstallationResultItem(12), toInstallationResultItem(L"excluded"));
-    EXPECT_EQ(L"partial_failed", toText(ResultItem::PartialFailed));
     EXPECT_EQ(L"reboot_needed", toText(ResultItem::RebootNeeded));
     for (int number = 0; number <= 14; ++number)
         EXPECT_EQ(number, static_cast<int>(toValueItem(toText(static_cast<ValueItem>(number)))));

@@ -20,9 +20,9 @@ struct TarnpatchSettingsTest : testing::Test {
     template <typename Getter>
     void check(const std::wstring& key, const json& defaultValue, const json& other, Getter get)
     {
-        SCOPED_TRACE(testing::PrintToString(prefix + key));
+        SCOPED_TRACE(testing::PrintToString(key));
         EXPECT_EQ(get(), defaultValue);
-        store->setJsonValue(prefix + key, other);
+        store->setJsonValue(key, other);
         EXPECT_EQ(get(), other);
     }
 
@@ -30,40 +30,44 @@ struct TarnpatchSettingsTest : testing::Test {
     const TarnpatchSettings settings{FakeSettings::handle(store)};
     const TarnpatchStatus status{FakeSettings::handle(store)};
     const HostSettings host{FakeSettings::handle(store)};
-    std::wstring prefix = L"windows.tarnpatch.";
+    const std::wstring prefix = L"windows.tarnpatch.";
 };
 
 } // namespace
 
-// The other keys are held by the tests of those who act on them.
 TEST_F(TarnpatchSettingsTest, gettersKnowTheirKeysAndDefaults)
 {
     const auto& scan = settings.scanning.automatic;
     const auto& startup = scan.scanningOnSystemStartup;
     const auto& installation = settings.installation;
     const auto& reboot = installation.reboot;
+    const auto& completion = installation.completion;
     const auto& proxy = settings.communication;
-    check(L"enabled", true, false, [&] { return settings.enabled(); });
-    check(L"scanning.automatic.polling_interval", 10, 7, [&] { return scan.pollingInterval().count(); });
-    check(L"installation.automatic.hour", 12, 7, [&] { return installation.automatic.hour(); });
-    check(L"installation.reboot.ask_user", true, false, [&] { return reboot.askUser(); });
-    check(L"installation.reboot.force_in_seconds", -1, 7, [&] { return reboot.forceInSeconds().count(); });
-    check(L"installation.reboot.force_in", 24, 7, [&] { return reboot.forceIn().count(); });
-    check(L"installation.reboot.postpone_for", 30, 7, [&] { return reboot.postponeFor().count(); });
-    check(L"installation.completion.timeout", 15, 7, [&] { return installation.completion.timeout().count(); });
-    check(L"communication.user_defined_proxy", "", "a", [&] { return toUtf8(proxy.userDefinedProxy()); });
-    check(L"communication.hq_proxy_url", "", "a", [&] { return toUtf8(proxy.hqProxyUrl()); });
-    check(L"communication.ignore_revocation_server_offline_error", false, true,
+    const auto& remoteScan = settings.remoteOperations.scanForUpdates;
+    const auto& remote = settings.remoteOperations.installUpdates;
+    // The keys of these are held by the tests of those who act on them.
+    EXPECT_EQ(json({startup.enabled(), startup.delay().count(), startup.randomizationInterval().count()}),
+        json({true, 1, 5}));
+    EXPECT_EQ(json({scan.maximumRescanningPeriod().count(), scan.pollingInterval().count()}), json({24, 10}));
+    EXPECT_EQ(
+        json({completion.wait(), completion.timeout().count(), completion.timestamp().count()}), json({false, 15, 0}));
+    EXPECT_EQ(json({remoteScan.start(), remoteScan.ack(), remote.start(), remote.ack()}), json({0, 0, 0, 0}));
+    EXPECT_EQ(status.scanning.lastScanning.timestamp(), -1);
+    EXPECT_EQ(toUtf8(remote.updatesToInstall()), "");
+    EXPECT_FALSE(installation.inProgress() || status.installation.lastInstallation.restartComputerNeeded());
+    check(L"windows.tarnpatch.enabled", true, false, [&] { return settings.enabled(); });
+    check(L"status.windows.tarnpatch.enabled", true, false, [&] { return status.enabled(); });
+    check(prefix + L"installation.automatic.hour", 12, 7, [&] { return installation.automatic.hour(); });
+    check(prefix + L"installation.reboot.ask_user", true, false, [&] { return reboot.askUser(); });
+    check(prefix + L"installation.reboot.force_in_seconds", -1, 7, [&] { return reboot.forceInSeconds().count(); });
+    check(prefix + L"installation.reboot.force_in", 24, 7, [&] { return reboot.forceIn().count(); });
+    check(prefix + L"installation.reboot.postpone_for", 30, 7, [&] { return reboot.postponeFor().count(); });
+    check(prefix + L"communication.user_defined_proxy", "", "a", [&] { return toUtf8(proxy.userDefinedProxy()); });
+    check(prefix + L"communication.hq_proxy_url", "", "a", [&] { return toUtf8(proxy.hqProxyUrl()); });
+    check(prefix + L"communication.ignore_revocation_server_offline_error", false, true,
         [&] { return proxy.ignoreRevocationServerOfflineError(); });
-    check(L"certificates.already_in_storage", false, true, [&] { return settings.certificates.alreadyInStorage(); });
-    prefix = L"windows.tarnpatch.scanning.automatic.scanning_on_system_startup.";
-    check(L"enabled", true, false, [&] { return startup.enabled(); });
-    check(L"delay", 1, 7, [&] { return startup.delay().count(); });
-    check(L"randomization_interval", 5, 7, [&] { return startup.randomizationInterval().count(); });
-    prefix = L"status.windows.tarnpatch.";
-    check(L"enabled", true, false, [&] { return status.enabled(); });
-    check(L"scanning.last_scanning.timestamp", -1, 7, [&] { return status.scanning.lastScanning.timestamp(); });
-    prefix.clear();
+    check(prefix + L"certificates.already_in_storage", false, true,
+        [&] { return settings.certificates.alreadyInStorage(); });
     check(L"status.windows.meridia.last_successful_update_timestamp", 0, 7,
         [&] { return host.lastSuccessfulUpdateTimestamp(); });
     check(L"windows.gorse2.current_proxy", "", "a", [&] { return toUtf8(host.currentProxy()); });

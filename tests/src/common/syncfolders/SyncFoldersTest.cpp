@@ -34,8 +34,7 @@ TEST_F(SyncFoldersTest, makesFoldersOnDemandAndNamesFiles)
     EXPECT_TRUE(fs::is_directory(root / L"working\\deployer\\Patches"));
     EXPECT_EQ(folders.getWorkingFolder(), root / L"working");
     EXPECT_EQ(folders.getDeploymentFolder(), root / L"working");
-    const fs::path logs = fs::path(getCommonAppDataFolder()) / L"Vantorix\\Log\\tarn";
-    EXPECT_EQ(folders.getLogFolder(), logs);
+    EXPECT_EQ(folders.getLogFolder(), getCommonAppDataFolder() + L"\\Vantorix\\Log\\tarn");
     EXPECT_EQ(SyncFolders().getPackageFile(), getCommonAppDataFolder() + L"\\Vantorix\\tarn2\\working\\package.zip");
 }
 
