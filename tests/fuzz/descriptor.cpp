@@ -1,7 +1,6 @@
 // Any text parses without an exception into what a second, plainer reading finds, and covers the patches that
 // this reading names.
 
-#include "common/guid.h"
 #include "common/operationinfo.h"
 #include "common/patchinfo.h"
 #include "common/updateid.h"
@@ -15,38 +14,27 @@ using namespace vx::tarn::common;
 
 namespace {
 
-bool begins(const std::wstring& text, const wchar_t* word)
-{
-    return text.rfind(word, 0) == 0;
-}
-
-std::wstring withoutFlag(const std::wstring& text)
-{
-    const auto at = text.find(L";ALLOW_UNSIGNED");
-    return at == std::wstring::npos ? text : text.substr(0, at) + text.substr(at + 15);
-}
+using enum OperationScope;
 
 OperationScope scopeOf(const std::wstring& body)
 {
-    static const std::pair<const wchar_t*, OperationScope> words[] = {{L"CRITICAL", OperationScope::BySeverity},
-        {L"IMPORTANT", OperationScope::BySeverity}, {L"ALL", OperationScope::BySeverity},
-        {L"ID=", OperationScope::ByIds}, {L"GUID=", OperationScope::ByGuids}, {L"PRODUCT", OperationScope::ByRule},
-        {L"BULLETIN", OperationScope::ByRule}, {L"SP", OperationScope::ByRule}, {L"PATCH", OperationScope::ByRule},
-        {L"SEVERITY", OperationScope::ByRule}};
+    static const std::pair<const wchar_t*, OperationScope> words[] = {{L"CRITICAL", BySeverity},
+        {L"IMPORTANT", BySeverity}, {L"ALL", BySeverity}, {L"ID=", ByIds}, {L"GUID=", ByGuids}, {L"PRODUCT", ByRule},
+        {L"BULLETIN", ByRule}, {L"SP", ByRule}, {L"PATCH", ByRule}, {L"SEVERITY", ByRule}};
     for (const auto& [word, scope] : words)
-        if (begins(body, word))
+        if (body.starts_with(word))
             return scope;
-    return OperationScope::Unknown;
+    return Unknown;
 }
 
 void checkSeverities(const OperationInfo& operation, const std::wstring& body)
 {
     // What the low byte of the severity has to be below.
-    const unsigned end = begins(body, L"CRITICAL") ? 2 : 3;
+    const unsigned end = body.starts_with(L"CRITICAL") ? 2 : 3;
     PatchInfo patch;
     for (const unsigned severity : {0u, 1u, 2u, 3u, 255u, 256u, 257u, 258u, 65535u}) {
         patch.severity = static_cast<std::uint16_t>(severity);
-        const bool covered = begins(body, L"ALL") || (severity % 256 > 0 && severity % 256 < end);
+        const bool covered = body.starts_with(L"ALL") || (severity % 256 > 0 && severity % 256 < end);
         fuzz::require(operation.isApplicable(patch) == covered, "severity table");
     }
 }
@@ -75,11 +63,10 @@ void checkGuids(const OperationInfo& operation, const std::wstring& body, std::s
     std::set<std::wstring> guids;
     std::size_t bad = 0;
     for (const std::wstring& piece : listIn(body, 5)) {
-        try {
-            guids.insert(utils::guidToString(utils::guidFromString(piece)));
-        } catch (const std::runtime_error&) {
+        if (const auto guid = fuzz::guid(piece))
+            guids.insert(utils::guidToString(*guid));
+        else
             ++bad;
-        }
     }
     guids.erase(L"00000000-0000-0000-0000-000000000000");
     fuzz::require(guids == std::set(operation.guids().begin(), operation.guids().end()), "guids");
@@ -116,17 +103,18 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const support::LogCapture log(3);
     OperationInfo operation(L"ALL;ALLOW_UNSIGNED");
     operation.fromString(*text);
-    const std::wstring body = withoutFlag(*text);
+    std::wstring body = *text;
+    if (const auto flag = body.find(L";ALLOW_UNSIGNED"); flag != std::wstring::npos)
+        body.erase(flag, 15);
     fuzz::require(operation.allowUnsigned() == (body != *text), "the flag is seen where it stands");
     fuzz::require(operation.scope() == scopeOf(body), "scope");
-    fuzz::require(
-        operation.scope() == OperationScope::BySeverity || operation.severity() == SeverityFilter::None, "severity");
+    fuzz::require(operation.scope() == BySeverity || operation.severity() == SeverityFilter::None, "severity");
     switch (operation.scope()) {
-    case OperationScope::BySeverity: checkSeverities(operation, body); break;
-    case OperationScope::ByIds: checkIds(operation, body); break;
-    case OperationScope::ByGuids: checkGuids(operation, body, log.lines().size()); break;
-    case OperationScope::ByRule: checkRule(operation, body); break;
-    case OperationScope::Unknown: fuzz::require(!operation.isApplicable(PatchInfo()), "no scope, no patch"); break;
+    case BySeverity: checkSeverities(operation, body); break;
+    case ByIds: checkIds(operation, body); break;
+    case ByGuids: checkGuids(operation, body, log.lines().size()); break;
+    case ByRule: checkRule(operation, body); break;
+    case Unknown: fuzz::require(!operation.isApplicable(PatchInfo()), "no scope, no patch"); break;
     }
     return 0;
 }

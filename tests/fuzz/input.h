@@ -1,5 +1,6 @@
 #pragma once
 
+#include "common/guid.h"
 #include "vxtl/str.h"
 #include "vxtl/win32exception.h"
 
@@ -8,11 +9,13 @@
 #include <cstdio>
 #include <cstdlib>
 #include <optional>
+#include <sstream>
+#include <stdexcept>
 #include <string>
 #include <string_view>
 #include <vector>
 
-// What the targets share: the input as text, the check that ends a run, and a plain second reading of lists.
+// What the targets share: the input as text, the check that ends a run, a plain second reading of lists, and GUIDs.
 
 namespace fuzz {
 
@@ -39,31 +42,27 @@ inline void require(bool condition, const char* what)
     }
 }
 
-inline bool isBlank(wchar_t c)
+/// Nothing for what is refused, and that with the one error.
+inline std::optional<vx::tarn::common::utils::Guid> guid(const std::wstring& text)
 {
-    return c == L' ' || c == L'\t' || c == L'\r' || c == L'\n';
+    try {
+        return vx::tarn::common::utils::guidFromString(text);
+    } catch (const std::runtime_error& e) {
+        require(std::string_view(e.what()) == "Bad GUID format", "the error's text");
+        return std::nullopt;
+    }
 }
+
+inline constexpr const wchar_t* blanks = L" \t\r\n";
 
 /// The pieces between separators, without the blanks at their ends; empty ones are left out.
 inline std::vector<std::wstring> pieces(const std::wstring& text, wchar_t separator)
 {
     std::vector<std::wstring> all;
-    std::wstring piece;
-    std::wstring blanks;
-    for (const wchar_t c : text + separator) {
-        if (c == separator) {
-            if (!piece.empty())
-                all.push_back(piece);
-            piece.clear();
-            blanks.clear();
-        } else if (isBlank(c)) {
-            blanks += c;
-        } else {
-            piece += piece.empty() ? std::wstring() : blanks;
-            piece += c;
-            blanks.clear();
-        }
-    }
+    std::wistringstream rest(text);
+    for (std::wstring piece; std::getline(rest, piece, separator);)
+        if (const auto first = piece.find_first_not_of(blanks); first != std::wstring::npos)
+            all.push_back(piece.substr(first, piece.find_last_not_of(blanks) + 1 - first));
     return all;
 }
 

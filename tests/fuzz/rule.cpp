@@ -12,10 +12,15 @@ using namespace vx::tarn::common;
 namespace {
 
 constexpr const wchar_t* names[] = {L"PRODUCT", L"BULLETIN", L"SP", L"PATCH", L"SEVERITY"};
+constexpr int severityName = 4;
+constexpr std::wstring PatchInfo::*attributes[] = {
+    &PatchInfo::productName, &PatchInfo::bulletinId, &PatchInfo::servicePack, &PatchInfo::updateName};
 
 struct Reading {
     std::vector<std::pair<int, std::wstring>> parameters; ///< index of the name, value
     std::size_t warnings = 0;
+
+    bool operator==(const Reading&) const = default;
 };
 
 Reading readPlainly(const std::wstring& rule)
@@ -37,9 +42,7 @@ Reading readPlainly(const std::wstring& rule)
 /// The decimal number at the beginning; nothing without digits or beyond 32 bits.
 std::optional<long long> number(const std::wstring& text)
 {
-    std::size_t i = 0;
-    while (i < text.size() && (fuzz::isBlank(text[i]) || text[i] == L'\v' || text[i] == L'\f'))
-        ++i;
+    std::size_t i = std::min(text.find_first_not_of(L" \t\r\n\v\f"), text.size());
     const bool negative = i < text.size() && text[i] == L'-';
     if (i < text.size() && (text[i] == L'-' || text[i] == L'+'))
         ++i;
@@ -53,28 +56,18 @@ std::optional<long long> number(const std::wstring& text)
     return value;
 }
 
-struct Verdict {
-    bool matches = false;
-    std::size_t warnings = 0;
-};
-
-Verdict judgePlainly(const Reading& reading, const PatchInfo& patch)
+/// Nothing when a bad severity ends the search.
+std::optional<bool> judgePlainly(const Reading& reading, const PatchInfo& patch)
 {
-    const std::wstring* attributes[] = {
-        &patch.productName, &patch.bulletinId, &patch.servicePack, &patch.updateName, nullptr};
     for (const auto& [name, value] : reading.parameters) {
-        if (attributes[name]) {
-            if (*attributes[name] == value)
-                return {true, 0};
-            continue;
+        if (name != severityName) {
+            if (patch.*attributes[name] == value)
+                return true;
+        } else if (const auto severity = number(value); !severity || *severity == patch.severity) {
+            return severity ? std::optional(true) : std::nullopt;
         }
-        const auto severity = number(value);
-        if (!severity)
-            return {false, 1};
-        if (*severity == patch.severity)
-            return {true, 0};
     }
-    return {};
+    return false;
 }
 
 /// Patches that each have one attribute as the parameter wants it.
@@ -83,9 +76,8 @@ std::vector<PatchInfo> patchesFor(const Reading& reading)
     std::vector<PatchInfo> patches(1);
     for (const auto& [name, value] : reading.parameters) {
         PatchInfo& patch = patches.emplace_back();
-        std::wstring* attributes[] = {&patch.productName, &patch.bulletinId, &patch.servicePack, &patch.updateName};
-        if (name < 4)
-            *attributes[name] = value;
+        if (name != severityName)
+            patch.*attributes[name] = value;
         else
             patch.severity = static_cast<std::uint16_t>(number(value).value_or(1));
     }
@@ -99,24 +91,18 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const auto text = fuzz::text(data, size);
     if (!text)
         return 0;
-    const Reading reading = readPlainly(*text);
-    std::vector<RuleParameter> parameters;
-    {
-        const support::LogCapture log(3);
-        parameters = parseParametricRule(*text);
-        fuzz::require(log.lines().size() == reading.warnings, "one warning for each bad parameter");
-    }
-    const auto equal = [](const RuleParameter& a, const auto& b) {
-        return static_cast<int>(a.type) == b.first + 1 && a.value == b.second;
-    };
-    fuzz::require(
-        std::equal(parameters.begin(), parameters.end(), reading.parameters.begin(), reading.parameters.end(), equal),
-        "parameters");
-    for (const PatchInfo& patch : patchesFor(reading)) {
-        const support::LogCapture log(3);
-        const Verdict expected = judgePlainly(reading, patch);
-        fuzz::require(matchesParametricRule(parameters, patch) == expected.matches, "verdict");
-        fuzz::require(log.lines().size() == expected.warnings, "a warning for a bad severity alone");
+    const Reading expected = readPlainly(*text);
+    const support::LogCapture log(3);
+    const auto parameters = parseParametricRule(*text);
+    Reading reading{{}, log.lines().size()};
+    for (const auto& [type, value] : parameters)
+        reading.parameters.emplace_back(static_cast<int>(type) - 1, value);
+    fuzz::require(reading == expected, "the parameters, and one warning for each bad one");
+    for (const PatchInfo& patch : patchesFor(expected)) {
+        const std::size_t before = log.lines().size();
+        const auto verdict = judgePlainly(expected, patch);
+        fuzz::require(matchesParametricRule(parameters, patch) == verdict.value_or(false), "verdict");
+        fuzz::require(log.lines().size() == before + !verdict, "a warning for a bad severity alone");
     }
     return 0;
 }

@@ -1,5 +1,6 @@
 #include "common/patchrecords.h"
 #include "common/patchinfo.h"
+#include "support/thrown.h"
 
 #include <gmock/gmock.h>
 #include <nlohmann/json.hpp>
@@ -8,6 +9,7 @@ namespace vx::tarn::common {
 namespace {
 
 using nlohmann::json;
+using support::thrown;
 
 json fullUpdate()
 {
@@ -55,13 +57,10 @@ TEST(PatchRecords, refuseWrongTypesWithTheLibrarysError)
         {R"([{},{"patch_specifier":[]}])", "type must be object, but is array"},
     };
     for (const auto& [text, message] : rows) {
-        try {
-            listFromJson<MissingUpdate>(json::parse(text));
-            FAIL() << text;
-        } catch (const json::type_error& e) {
-            EXPECT_EQ(e.id, 302) << text;
-            EXPECT_THAT(e.what(), testing::HasSubstr(message)) << text;
-        }
+        SCOPED_TRACE(text);
+        const auto error = thrown<json::type_error>([&] { listFromJson<MissingUpdate>(json::parse(text)); });
+        EXPECT_EQ(error.id, 302);
+        EXPECT_THAT(error.what(), testing::HasSubstr(message));
     }
 }
 
@@ -72,12 +71,8 @@ TEST(PatchRecords, refuseUnknownStates)
         {R"([{"installation_result":"done"}])", "Invalid value for InstallationResultItem"},
     };
     for (const auto& [text, message] : rows) {
-        try {
-            listFromJson<InstallationLogEntry>(json::parse(text));
-            FAIL() << text;
-        } catch (const std::invalid_argument& e) {
-            EXPECT_STREQ(e.what(), message);
-        }
+        const auto read = [&] { listFromJson<InstallationLogEntry>(json::parse(text)); };
+        EXPECT_STREQ(thrown<std::invalid_argument>(read).what(), message);
     }
 }
 

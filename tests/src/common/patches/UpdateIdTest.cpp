@@ -1,5 +1,6 @@
 #include "common/updateid.h"
 #include "common/patchinfo.h"
+#include "support/thrown.h"
 #include "vxtl/exception.h"
 #include "vxtl/str.h"
 
@@ -25,12 +26,8 @@ TEST(UpdateId, dependsOnTheJoinedTextOnly)
 
 TEST(UpdateId, cantBeDerivedFromNothing)
 {
-    try {
-        toMissingUpdate(PatchInfo());
-        FAIL();
-    } catch (const BaseException& e) {
-        EXPECT_EQ(e.reason(), L"Bad argument: source is empty");
-    }
+    const auto derive = [] { toMissingUpdate(PatchInfo()); };
+    EXPECT_EQ(support::thrown<BaseException>(derive).reason(), L"Bad argument: source is empty");
 }
 
 } // namespace

@@ -1,63 +1,39 @@
 #include "common/registrykeynotifier.h"
 #include "common/event.h"
-#include "support/logcapture.h"
+#include "support/thrown.h"
 #include "vxtl/registry.h"
 #include "vxtl/win32exception.h"
 
-#include <gmock/gmock.h>
 #include <windows.h>
 
-namespace vx::tarn::common {
-namespace {
+using namespace vx;
+using tarn::common::Event;
 
-class RegistryKeyNotifierTest : public testing::Test {
-protected:
-    RegistryKeyNotifierTest()
-    {
-        if (m_software->doesKeyExist(name))
-            m_software->deleteTree(name);
-        m_key = m_software->createKey(name);
-    }
-    ~RegistryKeyNotifierTest() override { m_software->deleteTree(name); }
-
-    static constexpr const wchar_t* name = L"TarnhdNotifierTest";
-    static constexpr const wchar_t* path = L"Software\\TarnhdNotifierTest";
-    std::shared_ptr<registry::RegistryKey> m_software =
-        registry::createWin32Registry()->openKey(L"HKEY_CURRENT_USER\\Software", registry::allAccess);
-    std::shared_ptr<registry::RegistryKey> m_key;
-    std::shared_ptr<Event> m_event = Event::createAutoResetEvent({}, false);
-    RegistryKeyNotifier m_notifier;
-};
-
-TEST_F(RegistryKeyNotifierTest, tellsOncePerRequest)
+TEST(RegistryKeyNotifier, tellsOncePerRequestOfAnOpenKey)
 {
-    EXPECT_TRUE(m_notifier.initialize(HKEY_CURRENT_USER, path, KEY_NOTIFY));
-    EXPECT_FALSE(m_notifier.initialize(HKEY_CURRENT_USER, path, KEY_NOTIFY));
-    m_notifier.notifyChangeKeyValue(REG_NOTIFY_CHANGE_NAME, *m_event);
-    EXPECT_FALSE(sync::waitForSingleObject(*m_event, 0));
-    m_key->createKey(L"one");
-    EXPECT_TRUE(sync::waitForSingleObject(*m_event, 30'000));
-    m_key->createKey(L"two");
-    EXPECT_FALSE(sync::waitForSingleObject(*m_event, 0));
-    m_notifier.notifyChangeKeyValue(REG_NOTIFY_CHANGE_NAME, *m_event);
-    m_key->deleteKey(L"two");
-    EXPECT_TRUE(sync::waitForSingleObject(*m_event, 30'000));
-}
-
-TEST_F(RegistryKeyNotifierTest, throwsWhereNothingIsOpen)
-{
-    using namespace testing;
-    const auto fails = [](unsigned long code, const std::string& function) {
-        return Throws<Win32Exception>(AllOf(Property(&Win32Exception::code, code),
-            Property(&std::exception::what,
-                HasSubstr("Function: vx::tarn::common::RegistryKeyNotifier::" + function + ", File"))));
+    const std::shared_ptr<Event> event = Event::createAutoResetEvent({}, false);
+    tarn::common::RegistryKeyNotifier notifier;
+    const auto request = [&] { notifier.notifyChangeKeyValue(REG_NOTIFY_CHANGE_NAME, *event); };
+    const auto open = [&] {
+        return notifier.initialize(HKEY_CURRENT_USER, L"Software\\TarnhdNotifierTest", KEY_NOTIFY);
     };
-    EXPECT_THAT([&] { m_notifier.initialize(HKEY_CURRENT_USER, L"Software\\No such key", KEY_NOTIFY); },
-        fails(ERROR_FILE_NOT_FOUND, "initialize"));
-    EXPECT_THAT([&] { m_notifier.notifyChangeKeyValue(REG_NOTIFY_CHANGE_NAME, *m_event); },
-        fails(ERROR_INVALID_HANDLE, "notifyChangeKeyValue"));
-    EXPECT_TRUE(m_notifier.initialize(HKEY_CURRENT_USER, path, KEY_NOTIFY)) << "a failure leaves it closed";
-}
+    const auto software = registry::createWin32Registry()->openKey(L"HKEY_CURRENT_USER\\Software", registry::allAccess);
+    if (software->doesKeyExist(L"TarnhdNotifierTest"))
+        software->deleteTree(L"TarnhdNotifierTest");
+    EXPECT_EQ(support::thrown<Win32Exception>(request).code(), ERROR_INVALID_HANDLE);
+    EXPECT_EQ(support::thrown<Win32Exception>(open).code(), ERROR_FILE_NOT_FOUND);
+    const auto key = software->createKey(L"TarnhdNotifierTest");
+    EXPECT_TRUE(open()) << "the failure left it closed";
+    EXPECT_FALSE(open());
 
-} // namespace
-} // namespace vx::tarn::common
+    request();
+    EXPECT_FALSE(sync::waitForSingleObject(*event, 0));
+    key->createKey(L"one");
+    EXPECT_TRUE(sync::waitForSingleObject(*event, 30'000));
+    key->createKey(L"two");
+    EXPECT_FALSE(sync::waitForSingleObject(*event, 0));
+    request();
+    key->deleteKey(L"two");
+    EXPECT_TRUE(sync::waitForSingleObject(*event, 30'000));
+    software->deleteTree(L"TarnhdNotifierTest");
+}

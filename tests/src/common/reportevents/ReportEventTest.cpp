@@ -3,96 +3,56 @@
 #include <gmock/gmock.h>
 #include <nlohmann/json.hpp>
 
-namespace vx::tarn::common {
-namespace {
-
+using namespace vx::tarn::common;
 using nlohmann::json;
-using Type = ReportEventType;
 
-const auto guid = utils::guidFromString(L"00112233-4455-6677-8899-aabbccddeeff");
+const json machineRecord{{"deploymentId", "00112233-4455-6677-8899-AABBCCDDEEFF"}, {"machineId", 1},
+    {"status", "MachineStateTarget::Rebooted"}, {"failure", true}, {"terminal", false}, {"timestamp", 5}};
+const json patchRecord{{"deploymentId", "00112233-4455-6677-8899-AABBCCDDEEFF"}, {"machineId", 1}, {"patchId", 2},
+    {"status", "PatchStateTarget::PendingPostBootActions"}, {"failure", false}, {"terminal", true}, {"timestamp", 5}};
 
-ReportEvent event(Type type, bool machine)
+TEST(ReportEvent, writesWhatItsTypeCarriesAndReadsAllOfItBack)
 {
-    ReportEvent result;
-    result.type = type;
-    if (machine)
-        result.record = MachineStateReport{guid, 1, MachineStateTarget::Rebooted, true, false, 5};
-    else
-        result.record = PatchStateReport{guid, 1, 2, PatchStateTarget::PendingPostBootActions, false, true, 5};
-    return result;
+    const auto guid = utils::guidFromString(L"00112233-4455-6677-8899-aabbccddeeff");
+    // The types go offline and online by fours, patch and machine by twos, without and with a code.
+    for (int number = 0; number < 8; ++number) {
+        const bool online = number & 4, machine = number & 2, code = number & 1;
+        ReportEvent event{static_cast<ReportEventType>(number), {}, -7, L"http://a/\u00fc"};
+        if (machine)
+            event.record = MachineStateReport{guid, 1, MachineStateTarget::Rebooted, true, false, 5};
+        else
+            event.record = PatchStateReport{guid, 1, 2, PatchStateTarget::PendingPostBootActions, false, true, 5};
+        json text{{"type", std::string(online ? "Type::Online" : "Type::Offline") +
+                               (machine ? "MachineStatus" : "PatchStatus") + (code ? "ReturnCode" : "")},
+            {"status", machine ? machineRecord : patchRecord}};
+        if (online)
+            text["trackingUri"] = "http://a/\u00fc";
+        if (code)
+            text["retCode"] = -7;
+        EXPECT_EQ(toJson(event), text);
+        const ReportEvent read{event.type, event.record, code ? -7 : 0, online ? event.trackingUri : L""};
+        EXPECT_TRUE(reportEventFromJson(text) == read) << text;
+        for (const auto& object : {json::json_pointer(""), json::json_pointer("/status")})
+            for (const auto& member : text[object].items()) {
+                json bad = text;
+                bad[object].erase(member.key());
+                EXPECT_THROW(reportEventFromJson(bad), json::out_of_range) << bad;
+            }
+    }
+    EXPECT_EQ(
+        toJson({ReportEventType::ExternalRebootRequest, {}, 3, L"x"}), json({{"type", "Type::ExternalRebootRequest"}}));
 }
 
-TEST(ReportEvent, writesWhatItsTypeCarriesAndReadsItBack)
+TEST(ReportEvent, requiresTheRightTypesButPassesUnknownStatesOver)
 {
-    const struct {
-        Type type;
-        bool machine, online, code;
-        const char* text;
-    } rows[] = {
-        {Type::OfflinePatchStatus, false, false, false, "Type::OfflinePatchStatus"},
-        {Type::OfflinePatchStatusReturnCode, false, false, true, "Type::OfflinePatchStatusReturnCode"},
-        {Type::OfflineMachineStatus, true, false, false, "Type::OfflineMachineStatus"},
-        {Type::OfflineMachineStatusReturnCode, true, false, true, "Type::OfflineMachineStatusReturnCode"},
-        {Type::OnlinePatchStatus, false, true, false, "Type::OnlinePatchStatus"},
-        {Type::OnlinePatchStatusReturnCode, false, true, true, "Type::OnlinePatchStatusReturnCode"},
-        {Type::OnlineMachineStatus, true, true, false, "Type::OnlineMachineStatus"},
-        {Type::OnlineMachineStatusReturnCode, true, true, true, "Type::OnlineMachineStatusReturnCode"},
+    const auto with = [](const char* path, const json& value) {
+        json event{{"type", "Type::OfflineMachineStatusReturnCode"}, {"status", machineRecord}, {"retCode", 1}};
+        event[json::json_pointer(path)] = value;
+        return reportEventFromJson(event);
     };
-    for (const auto& row : rows) {
-        ReportEvent written = event(row.type, row.machine);
-        written.trackingUri = L"http://a/\u00fc";
-        written.retCode = -7;
-        const json object = toJson(written);
-        EXPECT_EQ(object["type"], row.text);
-        EXPECT_EQ(object.contains("trackingUri"), row.online) << row.text;
-        EXPECT_EQ(object.contains("retCode"), row.code) << row.text;
-        EXPECT_EQ(object["status"].contains("patchId"), !row.machine) << row.text;
-        EXPECT_EQ(object["status"]["deploymentId"], "00112233-4455-6677-8899-AABBCCDDEEFF");
-        if (!row.online)
-            written.trackingUri.clear();
-        if (!row.code)
-            written.retCode = 0;
-        EXPECT_TRUE(reportEventFromJson(object) == written) << object;
-    }
+    EXPECT_EQ(with("/retCode", true).retCode, 1);
+    EXPECT_THROW(with("/retCode", "1"), json::type_error);
+    EXPECT_THROW(with("/status/failure", 1), json::type_error);
+    EXPECT_THROW(with("/status/deploymentId", "zz"), std::runtime_error);
+    EXPECT_TRUE(toJson(with("/status/status", "MachineStateTarget::Dancing"))["status"]["status"].is_null());
 }
-
-TEST(ReportEvent, writesARebootRequestAsItsTypeAlone)
-{
-    const ReportEvent request{Type::ExternalRebootRequest, {}, 3, L"x"};
-    EXPECT_EQ(toJson(request), json({{"type", "Type::ExternalRebootRequest"}}));
-}
-
-TEST(ReportEvent, requiresEveryKeyAndTheRightTypes)
-{
-    json good = toJson(event(Type::OfflinePatchStatusReturnCode, false));
-    for (const char* key : {"deploymentId", "machineId", "patchId", "status", "failure", "terminal", "timestamp"}) {
-        json bad = good;
-        bad["status"].erase(key);
-        EXPECT_THROW(reportEventFromJson(bad), json::out_of_range) << key;
-    }
-    json bad = good;
-    bad["status"]["failure"] = 1;
-    EXPECT_THROW(reportEventFromJson(bad), json::type_error);
-    bad = good;
-    bad["status"]["deploymentId"] = "zz";
-    EXPECT_THROW(reportEventFromJson(bad), std::runtime_error);
-    bad = good;
-    bad["retCode"] = "1";
-    EXPECT_THROW(reportEventFromJson(bad), json::type_error);
-    bad["retCode"] = true;
-    EXPECT_EQ(reportEventFromJson(bad).retCode, 1);
-}
-
-TEST(ReportEvent, passesUnknownStatesOver)
-{
-    EXPECT_TRUE(toJson(static_cast<PatchStateTarget>(7)).is_null());
-    auto state = MachineStateTarget::Installing;
-    fromJson("MachineStateTarget::Dancing", state);
-    EXPECT_EQ(state, MachineStateTarget::Installing);
-    // The same number stands for different words in the two vocabularies.
-    EXPECT_EQ(toJson(MachineStateTarget::Canceled), "MachineStateTarget::Canceled");
-    EXPECT_EQ(toJson(PatchStateTarget::Canceled), "PatchStateTarget::Canceled");
-}
-
-} // namespace
-} // namespace vx::tarn::common

@@ -1,38 +1,24 @@
 #include "common/serviceoperation.h"
+#include "support/thrown.h"
 
-#include <gmock/gmock.h>
+#include <gtest/gtest.h>
 
-#include <stdexcept>
+using vx::tarn::common::ServiceOperation;
 
-namespace vx::tarn::common {
-namespace {
-
-void expectNothingToWaitOn(ServiceOperation& operation)
+TEST(ServiceOperation, waitsOnceOnlyAndLeavesNothingBehindWhenMoved)
 {
-    EXPECT_THAT(
-        [&] { operation.wait(); }, testing::ThrowsMessage<std::logic_error>(testing::StrEq("Subsequent call to wait")));
-}
-
-TEST(ServiceOperation, waitsOnceOnly)
-{
+    const auto failure = [](ServiceOperation& operation) -> std::string {
+        return support::thrown<std::logic_error>([&] { operation.wait(); }).what();
+    };
     ServiceOperation empty;
-    expectNothingToWaitOn(empty);
+    EXPECT_EQ(failure(empty), "Subsequent call to wait");
     for (const bool answer : {true, false}) {
-        ServiceOperation operation([=](const IWaitable*) { return answer; });
-        EXPECT_EQ(operation.wait(), answer);
-        expectNothingToWaitOn(operation);
+        ServiceOperation source([=](const vx::IWaitable*) { return answer; });
+        ServiceOperation target(std::move(source));
+        EXPECT_EQ(failure(source), "Subsequent call to wait");
+        source = std::move(target);
+        EXPECT_EQ(failure(target), "Subsequent call to wait");
+        EXPECT_EQ(source.wait(), answer);
+        EXPECT_EQ(failure(source), "Subsequent call to wait");
     }
 }
-
-TEST(ServiceOperation, leavesNothingBehindWhenMoved)
-{
-    ServiceOperation source([](const IWaitable*) { return true; });
-    ServiceOperation target(std::move(source));
-    expectNothingToWaitOn(source);
-    source = std::move(target);
-    expectNothingToWaitOn(target);
-    EXPECT_TRUE(source.wait());
-}
-
-} // namespace
-} // namespace vx::tarn::common

@@ -2,33 +2,31 @@
 #include "common/directories.h"
 #include "support/logcapture.h"
 
-#include <gtest/gtest.h>
-#include <windows.h>
-
 #include <filesystem>
 #include <fstream>
 
-namespace vx::tarn::common {
-namespace {
-
+using namespace vx::tarn::common;
 namespace fs = std::filesystem;
 
-class SyncFoldersTest : public testing::Test {
-protected:
-    SyncFoldersTest() { fs::remove_all(m_root); }
-    ~SyncFoldersTest() override { fs::remove_all(m_root); }
+namespace {
 
-    const fs::path m_root = fs::temp_directory_path() / "SyncFoldersTest";
+struct SyncFoldersTest : testing::Test {
+    SyncFoldersTest() { fs::remove_all(data); }
+    ~SyncFoldersTest() override { fs::remove_all(data); }
+
+    const fs::path data = fs::temp_directory_path() / "SyncFoldersTest";
+    const fs::path root = data / L"Vantorix\\tarn2";
+    SyncFolders folders{data.wstring()};
 };
+
+} // namespace
 
 TEST_F(SyncFoldersTest, makesFoldersOnDemandAndNamesFiles)
 {
-    SyncFolders folders(m_root.wstring());
-    const fs::path root = m_root / L"Vantorix\\tarn2";
     EXPECT_EQ(folders.getPackageFile(), root / L"working\\package.zip");
     EXPECT_EQ(folders.getWindowsPatchDataFile(), root / L"working\\WindowsPatchData.zip");
     EXPECT_EQ(folders.getDeployerExecutable(), root / L"working\\stDeploy.exe");
-    EXPECT_FALSE(fs::exists(m_root));
+    EXPECT_FALSE(fs::exists(data));
     EXPECT_EQ(folders.getTempFolder(), root / L"temp");
     EXPECT_TRUE(fs::is_directory(root / L"temp"));
     EXPECT_FALSE(fs::exists(root / L"working"));
@@ -36,26 +34,15 @@ TEST_F(SyncFoldersTest, makesFoldersOnDemandAndNamesFiles)
     EXPECT_TRUE(fs::is_directory(root / L"working\\deployer\\Patches"));
     EXPECT_EQ(folders.getWorkingFolder(), root / L"working");
     EXPECT_EQ(folders.getDeploymentFolder(), root / L"working");
-    EXPECT_EQ(folders.getTempFolder(), root / L"temp");
-}
-
-TEST_F(SyncFoldersTest, keepsLogsInTheSystemsFolder)
-{
-    const fs::path logs = fs::path(getCommonAppDataFolder()) / L"Vantorix\\Log\\tarn";
-    EXPECT_EQ(SyncFolders(m_root.wstring()).getLogFolder(), logs);
-    EXPECT_TRUE(fs::is_directory(logs));
-    const std::wstring data = SyncFolders().getWindowsPatchDataFile();
-    EXPECT_EQ(data, getCommonAppDataFolder() + L"\\Vantorix\\tarn2\\working\\WindowsPatchData.zip");
+    EXPECT_EQ(folders.getLogFolder(), getCommonAppDataFolder() + L"\\Vantorix\\Log\\tarn");
+    EXPECT_EQ(SyncFolders().getPackageFile(), getCommonAppDataFolder() + L"\\Vantorix\\tarn2\\working\\package.zip");
 }
 
 TEST_F(SyncFoldersTest, givesThePathOfAFolderThatCannotBeMade)
 {
     support::LogCapture log;
-    std::ofstream(m_root).put('x');
-    EXPECT_EQ(SyncFolders(m_root.wstring()).getTempFolder(), m_root / L"Vantorix\\tarn2\\temp");
+    std::ofstream(data).put('x');
+    EXPECT_EQ(folders.getTempFolder(), root / L"temp");
     EXPECT_EQ(log.count("Failed to create directories: "), 1u) << log.text();
     EXPECT_EQ(log.count("\\Vantorix\\tarn2\\temp. Error code: "), 1u) << log.text();
 }
-
-} // namespace
-} // namespace vx::tarn::common
