@@ -10,21 +10,19 @@ class BadInputTest : public SystemTest {};
 TEST_F(BadInputTest, valuesOfTheWrongTypeCountAsMissing)
 {
     startStoreAlone();
-    for (const char* key : {"enabled", "scanning.automatic.maximum_rescanning_period",
-             "scanning.automatic.scanning_on_system_startup.enabled",
-             "scanning.automatic.scanning_on_system_startup.delay",
-             "scanning.automatic.scanning_on_system_startup.randomization_interval",
-             "scanning.automatic.polling_interval", "installation.in_progress", "installation.deployment_queue",
-             "installation.completion.wait", "installation.completion.timeout", "installation.completion.timestamp"})
-        client.set(settings + key, Value::fromString("garbage"));
-    client.set(status + "enabled", Value::fromString("garbage"));
-    client.set(lastScan, Value::fromString("garbage"));
-    client.set(status + "installation.last_installation.restart_computer_needed", Value::fromString("garbage"));
+    const std::string startup = settings + "scanning.automatic.scanning_on_system_startup.";
+    const std::string installation = settings + "installation.";
+    for (const std::string& key :
+        {enabled, settings + "scanning.automatic.maximum_rescanning_period", startup + "enabled", startup + "delay",
+            startup + "randomization_interval", settings + "scanning.automatic.polling_interval",
+            installation + "in_progress", installation + "deployment_queue", installation + "completion.wait",
+            installation + "completion.timeout", installation + "completion.timestamp", status + "enabled", lastScan,
+            status + "installation.last_installation.restart_computer_needed"})
+        client.set(key, Value::fromString("garbage"));
     startHost();
     EXPECT_GE(logCount("Failed to read a bool value: windows.tarnpatch.enabled"), 1u);
     EXPECT_GE(logCount("Setting 'windows.tarnpatch.enabled' not found - fallback to default value"), 1u);
     scan(1);
-    EXPECT_EQ(stopHost(), 0u);
 }
 
 TEST_F(BadInputTest, countersOfTheWrongTypeAreSurvivedAndHealed)
@@ -38,7 +36,6 @@ TEST_F(BadInputTest, countersOfTheWrongTypeAreSurvivedAndHealed)
     client.remove(scanStart);
     client.remove(scanAck);
     scan(4);
-    EXPECT_EQ(stopHost(), 0u);
 }
 
 TEST_F(BadInputTest, aPollingIntervalOfNothingDoesNotSpin)
@@ -49,7 +46,6 @@ TEST_F(BadInputTest, aPollingIntervalOfNothingDoesNotSpin)
     EXPECT_EQ(logCount("Polling interval of 0 minute(s) is too short"), 1u);
     scan(1);
     EXPECT_EQ(logCount("Tarnpatch maximum rescanning period is "), 1u) << "one tick in this short while";
-    EXPECT_EQ(stopHost(), 0u);
 }
 
 TEST_F(BadInputTest, anInstallationFolderThatIsMissingOrHasBlanksIsSurvived)
@@ -58,15 +54,12 @@ TEST_F(BadInputTest, anInstallationFolderThatIsMissingOrHasBlanksIsSurvived)
     devhost::host::writeAgentDirectory(folder.path() / "no such folder");
     setNumber(scanStart, 1);
     waitForLog("Failed to start tarnag.exe process.");
-    std::filesystem::create_directories(folder.path() / "with blanks");
-    for (const char* file : {"tarnag.exe", "vx_qrl_meridia_32.dll"})
-        std::filesystem::copy_file(folder.path() / "agent" / file, folder.path() / "with blanks" / file);
+    installAgent(folder.path() / "with blanks");
     devhost::host::writeAgentDirectory(folder.path() / "with blanks");
     // The path stands in the command line without quotes: the agent comes up, takes the rest of its own path for
     // arguments and complains. It ran, so the request is answered.
     scan(2);
-    EXPECT_EQ(lastLog("Process finished with return code: "), "Process finished with return code: 2");
-    EXPECT_EQ(stopHost(), 0u);
+    EXPECT_EQ(lastLog(agentEnd), agentEnd + "2");
 }
 
 } // namespace

@@ -16,7 +16,6 @@ namespace {
 using nlohmann::json;
 using testing::ElementsAre;
 using testing::IsEmpty;
-using vx::registry::RegistryKey;
 using Texts = std::vector<std::string>;
 
 const std::string install = settings + "remote_operations.install_updates.";
@@ -27,20 +26,16 @@ const std::string logKey = status + "installation.log.entries";
 const std::string publishedKey = settings + "current_status.patches_to_install";
 const std::string restartNeededKey = status + "installation.last_installation.restart_computer_needed";
 
-/// An update named after its number, of product p0 to p2, severity 1 to 3.
-json update(int number)
-{
-    const std::string digit = std::to_string(number);
-    return {{"update_name", "KB" + digit}, {"product_name", "p" + std::to_string(number % 3)},
-        {"severity", 1 + number % 3},
-        {"patch_specifier", {{"id", "00000000-0000-0000-0000-00000000000" + digit}, {"region", 1}}}};
-}
-
+/// Updates named after their numbers, of product p0 to p2, severity 1 to 3.
 json updates(int count)
 {
     json list = json::array();
-    for (int i = 0; i < count; ++i)
-        list.push_back(update(i));
+    for (int i = 0; i < count; ++i) {
+        const std::string digit = std::to_string(i);
+        list.push_back(
+            {{"update_name", "KB" + digit}, {"product_name", "p" + std::to_string(i % 3)}, {"severity", 1 + i % 3},
+                {"patch_specifier", {{"id", "00000000-0000-0000-0000-00000000000" + digit}, {"region", 1}}}});
+    }
     return list;
 }
 
@@ -50,17 +45,21 @@ std::string idOf(int number)
         vx::tarn::common::deriveUpdateId({}, L"p" + std::to_wstring(number % 3), {}, L"KB" + std::to_wstring(number)));
 }
 
+/// As `published` gives them.
+Texts patches(const std::vector<int>& numbers, const std::string& state)
+{
+    Texts texts;
+    for (const int number : numbers)
+        texts.push_back("KB" + std::to_string(number) + ' ' + state);
+    return texts;
+}
+
 class DeploymentTest : public SystemTest {
 protected:
     DeploymentTest() { clearStorage(); }
     ~DeploymentTest() override { clearStorage(); }
 
     static void clearStorage() { vx::tarn::common::CommonFactory().createPatchStorage()->clear(); }
-    static std::shared_ptr<RegistryKey> storageKey()
-    {
-        return vx::registry::createWin32Registry()->openKey(
-            L"HKEY_LOCAL_MACHINE\\Software\\Vantorix\\tarn\\PatchStorage", vx::registry::allAccess);
-    }
 
     void setList(const std::string& key, const json& list) { client.set(key, Value::fromObject(list.dump())); }
     json list(const std::string& key)
@@ -84,22 +83,31 @@ protected:
                 patch.at("update_name").get<std::string>() + ' ' + patch.at("status").at("value").get<std::string>());
         return texts;
     }
-    /// The same JSON in another text, as a value that stays the same is no change.
-    void touch(const std::string& key) { client.set(key, Value::fromObject(client.get(key)->asObject() + ' ')); }
-    /// A change that comes while the plug-in publishes shows with the next change: one is made if need be.
-    void waitForPublished(const Texts& expected)
+    /// A change that comes while the plug-in publishes shows with the next change: one is made if need be, by the same
+    /// JSON in another text, as a value that stays the same is no change.
+    void waitForPass(const std::string& key, const std::string& what, const std::function<bool()>& condition)
     {
         unsigned looks = 0;
-        waitFor(folder.path(), "published " + testing::PrintToString(expected), [&] {
+        waitFor(folder.path(), what, [&] {
             if (++looks % 8 == 0)
-                touch(missingUpdates);
-            return published() == expected;
+                client.set(key, Value::fromObject(client.get(key)->asObject() + ' '));
+            return condition();
         });
     }
-    void requestInstallation(std::int64_t start, const std::string& task)
+    void waitForPublished(const Texts& expected)
+    {
+        waitForPass(
+            missingUpdates, "published " + testing::PrintToString(expected), [&] { return published() == expected; });
+    }
+    void request(std::int64_t start, const std::string& task)
     {
         client.set(install + "updates_to_install", Value::fromString(task));
         setNumber(install + "start", start);
+    }
+    void requestAndWait(std::int64_t start, const std::string& task)
+    {
+        request(start, task);
+        waitForValue(install + "ack", Value::fromInt64(start));
     }
 };
 
@@ -114,18 +122,14 @@ TEST_F(DeploymentTest, leadsFromTheRequestOverEachStateToTheResult)
     const auto order = std::make_shared<support::Record>();
     for (const char* key : {"result", "ack"})
         client.subscribe(install + key, [order, key](const devhost::store::Change&) { order->add(key); });
-    requestInstallation(1, "ALL");
+    request(1, "ALL");
     ASSERT_TRUE(start.waitUntilStarted());
     EXPECT_THAT(queue(), ElementsAre("ALL"));
-    Texts requested, installing;
-    for (int i = 0; i < 10; ++i) {
-        requested.push_back("KB" + std::to_string(i) + " installation_requested");
-        installing.push_back("KB" + std::to_string(i) + " installation_executing");
-    }
-    waitForPublished(requested);
+    const std::vector<int> all{0, 1, 2, 3, 4, 5, 6, 7, 8, 9};
+    waitForPublished(patches(all, "installation_requested"));
     start.release();
     ASSERT_TRUE(executing.waitUntilStarted());
-    waitForPublished(installing);
+    waitForPublished(patches(all, "installation_executing"));
     executing.release();
     waitForPublished({});
     waitForValue(install + "ack", Value::fromInt64(1));
@@ -134,17 +138,12 @@ TEST_F(DeploymentTest, leadsFromTheRequestOverEachStateToTheResult)
     EXPECT_THAT(queue(), IsEmpty());
     EXPECT_EQ(logCount("Update a deployment remote operation status: 1"), 1u);
     EXPECT_EQ(command("patches"), 0u);
-    EXPECT_EQ(stopHost(), 0u);
 }
 
 TEST_F(DeploymentTest, publishesExactlyTheMatchingPatches)
 {
-    struct Row {
-        std::string task;
-        std::vector<int> numbers;
-    };
     const std::string guid = "00000000-0000-0000-0000-00000000000";
-    const Row rows[] = {
+    const std::pair<std::string, std::vector<int>> rows[] = {
         {"ALL", {0, 1, 2, 3, 4, 5}},
         {"CRITICAL", {0, 3}},
         {"IMPORTANT", {0, 1, 3, 4}},
@@ -157,23 +156,18 @@ TEST_F(DeploymentTest, publishesExactlyTheMatchingPatches)
     script({{{"missingUpdates", updates(6)}}, json::object()});
     startHost();
     std::int64_t start = 0;
-    for (const Row& row : rows)
+    for (const auto& [task, numbers] : rows)
         for (const std::string& flag : {std::string(), std::string(";ALLOW_UNSIGNED")}) {
-            SCOPED_TRACE(row.task + flag);
+            SCOPED_TRACE(task + flag);
             // Another list before each, so that the expected one was really made anew.
             setList(queueKey, {{{"update_id", "PATCH=KB1"}}});
             waitForPublished({"KB1 installation_requested"});
             setList(queueKey, json::array());
             waitForPublished({});
-            requestInstallation(++start, row.task + flag);
-            waitForValue(install + "ack", Value::fromInt64(start));
-            EXPECT_THAT(queue(), ElementsAre(row.task + flag));
-            Texts expected;
-            for (const int number : row.numbers)
-                expected.push_back("KB" + std::to_string(number) + " installation_requested");
-            waitForPublished(expected);
+            requestAndWait(++start, task + flag);
+            EXPECT_THAT(queue(), ElementsAre(task + flag));
+            waitForPublished(patches(numbers, "installation_requested"));
         }
-    EXPECT_EQ(stopHost(), 0u);
 }
 
 TEST_F(DeploymentTest, takesAnEmptyTaskFromTheModeAndClosesWhatItCantServe)
@@ -200,37 +194,30 @@ TEST_F(DeploymentTest, takesAnEmptyTaskFromTheModeAndClosesWhatItCantServe)
         EXPECT_EQ(client.get(install + "result")->asString(), row.result);
         EXPECT_EQ(queue(), row.queued);
     }
-    EXPECT_EQ(stopHost(), 0u);
 }
 
 TEST_F(DeploymentTest, queuesOneTextOnceAndOutlivesAStoreThatFails)
 {
     startHost();
-    for (const std::int64_t start : {1, 2}) {
-        requestInstallation(start, "ALL");
-        waitForValue(install + "ack", Value::fromInt64(start));
-    }
+    for (const std::int64_t start : {1, 2})
+        requestAndWait(start, "ALL");
     EXPECT_THAT(queue(), ElementsAre("ALL"));
     EXPECT_EQ(logCount("Deployment item \"ALL\" already exists in the deployment queue, will be skipped."), 1u);
     // What can't be written now is written with the next change.
     EXPECT_EQ(command("fault set 3 --count 1 --key " + queueKey), 0u);
-    requestInstallation(3, "CRITICAL");
-    waitForValue(install + "ack", Value::fromInt64(3));
-    requestInstallation(4, "IMPORTANT");
-    waitForValue(install + "ack", Value::fromInt64(4));
+    requestAndWait(3, "CRITICAL");
+    requestAndWait(4, "IMPORTANT");
     EXPECT_THAT(queue(), ElementsAre("ALL", "CRITICAL", "IMPORTANT"));
-    EXPECT_EQ(stopHost(), 0u);
 }
 
 TEST_F(DeploymentTest, goesOnAfterARebootAndIsCompletedOnce)
 {
     script({{{"missingUpdates", updates(2)}}, {{"deploy", {{"reboot", true}, {"stepMs", 0}}}}, json::object()});
     startHost();
-    requestInstallation(1, "ALL");
-    waitForValue(install + "ack", Value::fromInt64(1));
+    requestAndWait(1, "ALL");
     EXPECT_EQ(client.get(install + "result")->asString(), "reboot_needed");
     waitForValue(completionKey + "wait", Value::fromBool(true));
-    waitForPublished({"KB0 installation_will_continue_after_reboot", "KB1 installation_will_continue_after_reboot"});
+    waitForPublished(patches({0, 1}, "installation_will_continue_after_reboot"));
     EXPECT_TRUE(client.get(restartNeededKey)->asBool());
     EXPECT_EQ(command("reboot"), 0u);
     waitForLog("waitPostRebootDeployCompleted: Found that installation has been finished.");
@@ -242,7 +229,6 @@ TEST_F(DeploymentTest, goesOnAfterARebootAndIsCompletedOnce)
     EXPECT_FALSE(vx::tarn::common::CommonFactory().createPatchStorage()->hasPatchStates());
     scan(1);
     EXPECT_EQ(logCount("Arguments: -c complete"), 1u) << "the next start is an ordinary one";
-    EXPECT_EQ(stopHost(), 0u);
 }
 
 TEST_F(DeploymentTest, waitsForTheAgentBeforeItCompletes)
@@ -254,7 +240,8 @@ TEST_F(DeploymentTest, waitsForTheAgentBeforeItCompletes)
     ASSERT_TRUE(gate.waitUntilStarted());
     client.set(inProgressKey, Value::fromBool(true));
     // Garbage first: neither the host nor a later good value suffers from it.
-    const auto key = storageKey();
+    const auto key = vx::registry::createWin32Registry()->openKey(
+        L"HKEY_LOCAL_MACHINE\\Software\\Vantorix\\tarn\\PatchStorage", vx::registry::allAccess);
     for (const wchar_t* name : {L"finished", L"statuses", L"patches"})
         key->setStringValue(name, L"\x1 garbage");
     waitForLog("Failed to check if installation finished. Caught exception: ");
@@ -265,7 +252,6 @@ TEST_F(DeploymentTest, waitsForTheAgentBeforeItCompletes)
     gate.release();
     waitForValue(inProgressKey, Value::fromBool(false));
     waitForLog("tarnag.exe. Arguments: -c complete");
-    EXPECT_EQ(stopHost(), 0u);
 }
 
 TEST_F(DeploymentTest, givesUpADeploymentThatDoesNotFinish)
@@ -281,11 +267,11 @@ TEST_F(DeploymentTest, givesUpADeploymentThatDoesNotFinish)
     waitForLog("Start wait for deploy complete with timeout of '0 minutes' and wait for deploy timestamp is '5");
     waitForLog("Reset wait for deploy complete settings");
     scan(1);
-    EXPECT_EQ(stopHost(), 0u);
 }
 
 TEST_F(DeploymentTest, saysWhatIsWrongWithAListAndGoesOnWithTheNext)
 {
+    const std::string failure = "Failed to publish the current operations: ";
     const json malformed[] = {"text", 5, nullptr, json::object(), {5}, {nullptr}, {{{"update_id", 5}}},
         {{{"severity", "x"}, {"status", {{"value", "dancing"}}}, {"operation_id", json::array()}}}};
     script({{{"missingUpdates", updates(1)}}, json::object()});
@@ -296,21 +282,15 @@ TEST_F(DeploymentTest, saysWhatIsWrongWithAListAndGoesOnWithTheNext)
         const json good = list(key);
         for (const json& bad : malformed) {
             SCOPED_TRACE(key + " = " + bad.dump());
-            const auto failures = logCount("Failed to publish the current operations: ");
+            const auto failures = logCount(failure);
             setList(key, bad);
-            unsigned looks = 0;
-            waitFor(folder.path(), "a failure", [&] {
-                if (++looks % 8 == 0)
-                    touch(key);
-                return logCount("Failed to publish the current operations: ") > failures;
-            });
+            waitForPass(key, "a failure", [&] { return logCount(failure) > failures; });
         }
         setList(key, good);
         setList(publishedKey, json::array());
         waitForPublished({"KB0 installation_requested"});
     }
     scan(1);
-    EXPECT_EQ(stopHost(), 0u);
 }
 
 } // namespace

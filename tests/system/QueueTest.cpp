@@ -25,8 +25,8 @@ const std::wstring instance = support::uniqueName(L"queue");
 
 /// One change of the queue, as a worker plans it and notes it.
 struct Step {
-    std::string kind;
-    std::string text;
+    std::string kind, text;
+    std::string outcome; ///< empty when the worker did not come back from it
 };
 
 /// Three items are pushed, one of them is removed again and the oldest one popped.
@@ -34,9 +34,9 @@ Step stepOf(const std::string& worker, unsigned number)
 {
     const auto text = [&](unsigned n) { return worker + '-' + std::to_string(n); };
     switch (number % 5) {
-    case 2: return {"remove", text(number - 1)};
-    case 4: return {"pop", "-"};
-    default: return {"push", text(number)};
+    case 2: return {"remove", text(number - 1), {}};
+    case 4: return {"pop", "-", {}};
+    default: return {"push", text(number), {}};
     }
 }
 
@@ -65,23 +65,14 @@ int work()
     return 0;
 }
 
-/// What a worker noted, in order; the outcome of a step that it did not come back from is empty.
-struct Note {
-    Step step;
-    std::string outcome;
-};
-
-std::vector<Note> notesOf(const ChildProcess& worker)
+/// What a worker noted, in order.
+std::vector<Step> notesOf(const ChildProcess& worker)
 {
-    std::vector<Note> notes;
+    std::vector<Step> notes;
     std::istringstream output(worker.output());
-    for (std::string line; std::getline(output, line);) {
-        std::istringstream words(line);
-        Note note;
-        if (words >> note.step.kind >> note.step.text) {
-            words >> note.outcome;
-            notes.push_back(note);
-        }
+    for (Step note; output >> note.kind >> note.text; note = {}) {
+        output >> note.outcome;
+        notes.push_back(note);
     }
     return notes;
 }
@@ -106,9 +97,9 @@ protected:
         EXPECT_TRUE(client.waitForServer(std::chrono::seconds(30)));
     }
 
-    ChildProcess startWorker(const std::string& name, unsigned steps)
+    ChildProcess startWorker(const std::string& nameAndSteps)
     {
-        SetEnvironmentVariableW(L"TARNHD_TEST_ARGUMENT", vx::str::fromUtf8(name + ' ' + std::to_string(steps)).c_str());
+        SetEnvironmentVariableW(L"TARNHD_TEST_ARGUMENT", vx::str::fromUtf8(nameAndSteps).c_str());
         return {"queue-tests.exe", L"--child work", folder.path()};
     }
 
@@ -128,65 +119,56 @@ protected:
 
 TEST_F(QueueTest, losesAndDoublesNothingBetweenTwoProcesses)
 {
-    constexpr unsigned steps = 1000;
-    const ChildProcess workers[] = {startWorker("a", steps), startWorker("b", steps)};
-    std::ptrdiff_t expected = 0;
-    Texts pushed;
-    for (const ChildProcess& worker : workers) {
+    const ChildProcess workers[] = {startWorker("a 1000"), startWorker("b 1000")};
+    for (const ChildProcess& worker : workers)
         ASSERT_EQ(worker.wait(), 0u) << worker.errors();
-        const auto notes = notesOf(worker);
-        ASSERT_EQ(notes.size(), steps);
-        for (const Note& note : notes) {
-            ASSERT_FALSE(note.outcome.empty());
-            expected += note.outcome == "nothing" ? 0 : note.step.kind == "push" ? 1 : -1;
-            if (note.step.kind == "push")
-                pushed.push_back(note.step.text);
-        }
-    }
     const Texts left = queue();
-    EXPECT_EQ(static_cast<std::ptrdiff_t>(left.size()), expected);
-    // Of each worker's items those that are left stand in the order in which they were pushed, each once.
-    for (const char worker : {'a', 'b'}) {
-        Texts own, ownPushed;
-        const auto isOwn = [&](const std::string& text) { return text[0] == worker; };
-        std::copy_if(left.begin(), left.end(), std::back_inserter(own), isOwn);
-        std::copy_if(pushed.begin(), pushed.end(), std::back_inserter(ownPushed), isOwn);
-        EXPECT_TRUE(std::ranges::adjacent_find(own) == own.end());
-        auto place = ownPushed.begin();
-        for (const std::string& text : own) {
-            place = std::find(place, ownPushed.end(), text);
-            ASSERT_TRUE(place != ownPushed.end()) << text;
+    std::size_t expected = 0;
+    for (const ChildProcess& worker : workers) {
+        const auto notes = notesOf(worker);
+        ASSERT_EQ(notes.size(), 1000u);
+        // Of its items those that are left stand in the order in which they were pushed, each once.
+        Texts pushed, own;
+        for (const Step& note : notes) {
+            ASSERT_FALSE(note.outcome.empty());
+            const bool isPush = note.kind == "push";
+            if (note.outcome == "done")
+                expected += isPush ? 1u : -1u;
+            if (isPush && std::ranges::find(left, note.text) != left.end())
+                pushed.push_back(note.text);
         }
+        std::ranges::copy_if(left, std::back_inserter(own), [&](const auto& t) { return t[0] == notes[0].text[0]; });
+        EXPECT_EQ(own, pushed);
     }
-    std::printf("%zu of %zu items are left\n", left.size(), pushed.size());
+    EXPECT_EQ(left.size(), expected);
+    std::printf("%zu items are left\n", left.size());
 }
 
 TEST_F(QueueTest, holdsWhatWasDoneWhenProcessesAreKilled)
 {
     constexpr unsigned kills = 200;
     std::mt19937 random(20);
-    unsigned steps = 0, inFlight = 0;
+    unsigned inFlight = 0;
     // The server may carry out a dead process's last request a little later, so there may be two.
     std::set<Texts> possible{{}};
     for (unsigned round = 0; round < kills; ++round) {
-        auto worker = startWorker("r" + std::to_string(round), 1'000'000);
+        auto worker = startWorker("r" + std::to_string(round) + " 1000000");
         // It is killed somewhere in its first steps.
         const std::size_t enough = random() % 6;
         while (notesOf(worker).size() <= enough)
             ASSERT_FALSE(worker.wait(std::chrono::milliseconds(random() % 4))) << worker.errors();
         worker.kill();
         const auto notes = notesOf(worker);
-        steps += static_cast<unsigned>(notes.size());
         const bool cut = notes.back().outcome.empty();
         inFlight += cut;
         std::set<Texts> acknowledged, late;
         for (Texts state : possible) {
-            for (const Note& note : notes)
+            for (const Step& note : notes)
                 if (note.outcome == "done")
-                    apply(note.step, state);
+                    apply(note, state);
             acknowledged.insert(state);
             if (cut) {
-                apply(notes.back().step, state);
+                apply(notes.back(), state);
                 late.insert(state);
             }
         }
@@ -197,11 +179,10 @@ TEST_F(QueueTest, holdsWhatWasDoneWhenProcessesAreKilled)
         possible = {left};
         if (cut && acknowledged.contains(left)) {
             Texts state = left;
-            apply(notes.back().step, state);
+            apply(notes.back(), state);
             possible.insert(state);
         }
     }
-    std::printf("%u kills, %u steps, %u of them not acknowledged\n", kills, steps, inFlight);
     EXPECT_GT(inFlight, 0u) << "no process was killed within a step";
 }
 

@@ -19,10 +19,8 @@ TEST_F(ScanRoadTest, leadsFromTheStoreKeyToTheAcknowledgement)
     waitForLog("Tarnag agent finished successfully.", 2);
     const std::string start = lastLog("tarnag.exe start timestamp: ");
     waitForValue(lastScan, Value::fromInt64(std::stoll(start.substr(start.find(": ") + 2))));
-    EXPECT_NE(lastLog("Start reason is: "), "");
     EXPECT_EQ(lastLog("Start reason is: "), "Start reason is: 1");
-    EXPECT_NE(lastLog("Starting process ").find("tarnag.exe. Arguments: "), std::string::npos);
-    EXPECT_TRUE(lastLog("Starting process ").ends_with("Arguments: ")) << lastLog("Starting process ");
+    EXPECT_TRUE(lastLog("Starting process ").ends_with("tarnag.exe. Arguments: ")) << lastLog("Starting process ");
     EXPECT_EQ(logCount("Update a scanning remote operation status: 1"), 1u);
     EXPECT_EQ(stopHost(), 0u);
     EXPECT_NE(host->output().find("started"), std::string::npos) << host->output();
@@ -42,7 +40,6 @@ TEST_F(ScanRoadTest, triesABusyAgentAgainAfterAPause)
     EXPECT_EQ(logCount("Update a scanning remote operation status: 1"), 4u);
     EXPECT_EQ(lastLog("Scheduling next try"), "Scheduling next try to run tarnag.exe (4/3600)");
     EXPECT_EQ(logCount("Tarnag agent finished successfully."), 2u);
-    EXPECT_EQ(stopHost(), 0u);
 }
 
 TEST_F(ScanRoadTest, outlivesAnAgentThatIsMissingCrashesOrFails)
@@ -58,11 +55,10 @@ TEST_F(ScanRoadTest, outlivesAnAgentThatIsMissingCrashesOrFails)
     for (std::int64_t request = 2; request <= 4; ++request)
         scan(request);
     waitForLog("Failed to start tarnpatch agent (tarnag.exe)", 4);
-    EXPECT_EQ(lastLog("Process finished with return code: "), "Process finished with return code: 22");
+    EXPECT_EQ(lastLog(agentEnd), agentEnd + "22");
     EXPECT_EQ(number(lastScan), scanned) << "a failed run is no scan";
     scan(5);
     EXPECT_EQ(agentStarts(), 5u);
-    EXPECT_EQ(stopHost(), 0u);
 }
 
 TEST_F(ScanRoadTest, acknowledgesWithoutAnAgentWhileTheFeatureIsOff)
@@ -78,7 +74,6 @@ TEST_F(ScanRoadTest, acknowledgesWithoutAnAgentWhileTheFeatureIsOff)
     EXPECT_EQ(lastLog("Start reason is: "), "Start reason is: 0");
     scan(3);
     EXPECT_EQ(agentStarts(), starts + 2) << "any new value is a request, a smaller one too";
-    EXPECT_EQ(stopHost(), 0u);
 }
 
 TEST_F(ScanRoadTest, runsOnceMoreForAnyNumberOfStartsDuringARun)
@@ -97,7 +92,6 @@ TEST_F(ScanRoadTest, runsOnceMoreForAnyNumberOfStartsDuringARun)
     // A third run would come before this one and make it the fifth.
     scan(2);
     EXPECT_EQ(agentStarts(), 4u);
-    EXPECT_EQ(stopHost(), 0u);
 }
 
 } // namespace

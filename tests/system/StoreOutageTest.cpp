@@ -5,6 +5,7 @@
 namespace rig {
 namespace {
 
+using namespace devhost::store;
 using namespace std::chrono_literals;
 using nlohmann::json;
 
@@ -22,7 +23,6 @@ TEST_F(StoreOutageTest, aPlugInThatStartsDuringAnOutageWaitsForItsEnd)
     waitForLog("Run processing");
     waitForAgentEnds(1);
     scan(1);
-    EXPECT_EQ(stopHost(), 0u);
 }
 
 TEST_F(StoreOutageTest, aStopEndsTheWaitForTheStore)
@@ -51,7 +51,6 @@ TEST_F(StoreOutageTest, writesMadeMeanwhileArriveWhenTheStoreIsBack)
     client.set(settings + "scanning.automatic.polling_interval", Value::fromInt32(11));
     waitForValue(scanAck, Value::fromInt64(1));
     scan(2);
-    EXPECT_EQ(stopHost(), 0u);
 }
 
 TEST_F(StoreOutageTest, lateNotificationsFindNothingAfterAStopDuringAnOutage)
@@ -73,7 +72,6 @@ TEST_F(StoreOutageTest, lateNotificationsFindNothingAfterAStopDuringAnOutage)
 
 TEST_F(StoreOutageTest, survivesEveryErrorCodeOnEveryKindOfCall)
 {
-    using namespace devhost::store;
     startHost();
     std::int64_t request = 0;
     for (int code = 1; code <= 25; ++code) {
@@ -87,18 +85,15 @@ TEST_F(StoreOutageTest, survivesEveryErrorCodeOnEveryKindOfCall)
             ASSERT_FALSE(host->wait(0ms));
         }
     }
-    EXPECT_EQ(stopHost(), 0u);
 }
 
 TEST_F(StoreOutageTest, goesOnWithoutTheKeysItCannotSubscribeTo)
 {
-    using namespace devhost::store;
     startStoreAlone();
     client.addFault({Operation::Subscribe, ErrorCode::AccessDenied, 2, enabled});
     startHost();
     EXPECT_EQ(logCount("Failed to subscribe to a property windows.tarnpatch.enabled. Reason: "), 1u);
     scan(1);
-    EXPECT_EQ(stopHost(), 0u);
 }
 
 } // namespace

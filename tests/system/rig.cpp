@@ -5,72 +5,39 @@
 #include "host/directorywatch.h"
 #include "host/loglocation.h"
 #include "store/errorcode.h"
-#include "vxtl/str.h"
 
-#include <windows.h>
-
-#include <atomic>
+#include <algorithm>
 
 namespace rig {
 
 using namespace std::chrono_literals;
 
-namespace {
-
 constexpr auto deadline = 30s;
 
-std::string uniqueInstance()
-{
-    static std::atomic<unsigned> number = 0;
-    return "system-" + std::to_string(GetCurrentProcessId()) + "-" + std::to_string(number++);
-}
-
-} // namespace
-
-Gate::Gate(const std::string& name)
-    : m_name(name + "-" + std::to_string(GetCurrentProcessId())),
-      m_started(CreateEventA(nullptr, TRUE, FALSE, (m_name + "-started").c_str())),
-      m_release(CreateEventA(nullptr, TRUE, FALSE, (m_name + "-release").c_str()))
-{}
-
-nlohmann::json Gate::run() const
-{
-    return {{"startedEvent", m_name + "-started"}, {"waitForEvent", m_name + "-release"}};
-}
-
-bool Gate::waitUntilStarted() const
-{
-    return WaitForSingleObject(m_started.get(), 30'000) == WAIT_OBJECT_0;
-}
-
-void Gate::release() const
-{
-    SetEvent(m_release.get());
-}
-
-SystemTest::SystemTest() : instance(uniqueInstance()), client(vx::str::fromUtf8(instance))
+SystemTest::SystemTest()
 {
     // The children inherit both: the log then lies in this test's folder.
     SetEnvironmentVariableW(L"ProgramData", (folder.path() / "ProgramData").c_str());
     SetEnvironmentVariableW(L"TARNHD_INSTANCE", vx::str::fromUtf8(instance).c_str());
     m_log.emplace(devhost::host::logLocation()).rewind();
-    std::filesystem::create_directories(folder.path() / "agent");
     installAgent();
     script({nlohmann::json::object()});
-    devhost::host::writeAgentDirectory(folder.path() / "agent");
+    devhost::host::writeAgentDirectory(agentFolder);
     devhost::host::forgetBoot();
 }
 
-SystemTest::~SystemTest()
+void SystemTest::TearDown()
 {
-    if (HasFailure()) {
-        std::string text;
-        for (const std::string& line : log())
-            text += line + '\n';
-        std::printf("the plug-in's log:\n%s\n", text.c_str());
-        if (host)
-            std::printf("the host said:\n%s%s\n", host->output().c_str(), host->errors().c_str());
+    if (host && !m_hostStopped) {
+        EXPECT_EQ(stopHost(), 0u);
     }
+    if (!HasFailure())
+        return;
+    std::puts("the plug-in's log:");
+    for (const std::string& line : log())
+        std::puts(line.c_str());
+    if (host)
+        std::printf("the host said:\n%s%s\n", host->output().c_str(), host->errors().c_str());
 }
 
 support::ChildProcess SystemTest::start(const std::string& arguments, const std::string& outputName)
@@ -84,13 +51,13 @@ void SystemTest::startHost(Wait wait, const std::string& options)
 {
     const std::string storeOption = store ? "--no-store" : "--store \"" + (folder.path() / "store.json").string() + '"';
     const std::size_t started = logCount("Run processing");
-    const std::size_t ends = logCount("Process finished with return code: ");
+    const std::size_t ends = logCount(agentEnd);
     host.emplace(start("run " + storeOption + " " + options, "host"));
-    if (wait == Wait::No)
-        return;
-    waitForLog("Run processing", started + 1);
+    m_hostStopped = false;
+    if (wait != Wait::No)
+        waitForLog("Run processing", started + 1);
     if (wait == Wait::ForFirstScan)
-        waitForLog("Process finished with return code: ", ends + 1);
+        waitForAgentEnds(ends + 1);
 }
 
 void SystemTest::startStoreAlone()
@@ -99,13 +66,9 @@ void SystemTest::startStoreAlone()
     ASSERT_TRUE(client.waitForServer(deadline));
 }
 
-void SystemTest::killStore()
-{
-    store.reset();
-}
-
 unsigned long SystemTest::stopHost()
 {
+    m_hostStopped = true;
     command("stop");
     return host->wait().value_or(999);
 }
@@ -120,30 +83,21 @@ unsigned long SystemTest::command(const std::string& arguments)
 
 void SystemTest::script(const std::vector<nlohmann::json>& runs)
 {
-    support::writeFile(folder.path() / "agent" / "tarnag.script.json", nlohmann::json{{"runs", runs}}.dump());
+    support::writeFile(agentFolder / "tarnag.script.json", nlohmann::json{{"runs", runs}}.dump());
 }
 
-void SystemTest::installAgent()
+void SystemTest::installAgent(const std::filesystem::path& where)
 {
+    std::filesystem::create_directories(where);
     // The agent finds the store's client library beside itself, as it would where it is installed.
     for (const char* file : {"tarnag.exe", "vx_qrl_meridia_32.dll"})
-        std::filesystem::copy_file(support::programFolder() / file, folder.path() / "agent" / file,
-            std::filesystem::copy_options::overwrite_existing);
-}
-
-void SystemTest::removeAgent()
-{
-    std::filesystem::remove(folder.path() / "agent" / "tarnag.exe");
+        std::filesystem::copy_file(
+            support::programFolder() / file, where / file, std::filesystem::copy_options::overwrite_existing);
 }
 
 std::size_t SystemTest::agentStarts() const
 {
-    return devhost::host::readAgentStarts(folder.path() / "agent").size();
-}
-
-void SystemTest::waitForAgentEnds(std::size_t count)
-{
-    waitForLog("Process finished with return code: ", count);
+    return devhost::host::readAgentStarts(agentFolder).size();
 }
 
 std::int64_t SystemTest::number(const std::string& key)
@@ -192,10 +146,8 @@ void SystemTest::waitForLog(const std::string& text, std::size_t count)
 
 std::size_t SystemTest::logCount(const std::string& text)
 {
-    std::size_t count = 0;
-    for (const std::string& line : log())
-        count += line.find(text) != std::string::npos;
-    return count;
+    const auto holds = [&](const std::string& line) { return line.find(text) != std::string::npos; };
+    return static_cast<std::size_t>(std::ranges::count_if(log(), holds));
 }
 
 std::string SystemTest::lastLog(const std::string& text)

@@ -4,9 +4,11 @@
 #include "host/logreader.h"
 #include "store/client.h"
 #include "vxtl/handle.h"
+#include "vxtl/str.h"
 
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
+#include <windows.h>
 
 #include <cstdint>
 #include <functional>
@@ -25,37 +27,43 @@ inline const std::string scanStart = settings + "remote_operations.scan_for_upda
 inline const std::string scanAck = settings + "remote_operations.scan_for_updates.ack";
 inline const std::string missingUpdates = status + "scanning.last_scanning.missing_updates";
 inline const std::string lastScan = status + "scanning.last_scanning.timestamp";
+/// A line of the log; the code follows.
+inline const std::string agentEnd = "Process finished with return code: ";
 
 /// Two named events by which a test holds a scripted agent run: the agent sets `started` and goes on
 /// once `release` is set.
 class Gate {
 public:
-    explicit Gate(const std::string& name);
+    explicit Gate(const std::string& name) : m_name(name + "-" + std::to_string(GetCurrentProcessId())) {}
     ~Gate() { release(); }
 
     /// The script's members for a run that is held.
-    nlohmann::json run() const;
-    bool waitUntilStarted() const;
-    void release() const;
+    nlohmann::json run() const
+    {
+        return {{"startedEvent", m_name + "-started"}, {"waitForEvent", m_name + "-release"}};
+    }
+    bool waitUntilStarted() const { return WaitForSingleObject(m_started.get(), 30'000) == WAIT_OBJECT_0; }
+    void release() const { SetEvent(m_release.get()); }
 
 private:
     const std::string m_name;
-    const vx::KernelHandle m_started;
-    const vx::KernelHandle m_release;
+    const vx::KernelHandle m_started{CreateEventA(nullptr, TRUE, FALSE, (m_name + "-started").c_str())};
+    const vx::KernelHandle m_release{CreateEventA(nullptr, TRUE, FALSE, (m_name + "-release").c_str())};
 };
 
 /// One system in a folder and an instance of its own: store, host with the plug-in, agent folder and log. Every
-/// wait ends with what is waited for or fails the test after half a minute.
+/// wait ends with what is waited for or fails the test after half a minute. A host that still runs at the end of
+/// the test is stopped and must end well.
 class SystemTest : public testing::Test {
 protected:
     SystemTest();
-    ~SystemTest() override;
+    void TearDown() override;
 
     /// Starts "tarnhost run"; with waiting, until the plug-in processes and the scan it begins with is done.
     enum class Wait { ForFirstScan, ForProcessing, No };
     void startHost(Wait wait = Wait::ForFirstScan, const std::string& options = {});
     void startStoreAlone();
-    void killStore();
+    void killStore() { store.reset(); }
     /// "tarnhost stop"; the host's exit code.
     unsigned long stopHost();
     /// Runs a tarnhost command of this instance to its end; gives its exit code.
@@ -63,10 +71,11 @@ protected:
 
     /// The agent's runs in order; the last one repeats. The first one answers the scan at the plug-in's start.
     void script(const std::vector<nlohmann::json>& runs);
-    void installAgent();
-    void removeAgent();
+    void installAgent(const std::filesystem::path& where);
+    void installAgent() { installAgent(agentFolder); }
+    void removeAgent() { std::filesystem::remove(agentFolder / "tarnag.exe"); }
     std::size_t agentStarts() const;
-    void waitForAgentEnds(std::size_t count);
+    void waitForAgentEnds(std::size_t count) { waitForLog(agentEnd, count); }
 
     void setNumber(const std::string& key, std::int64_t value) { client.set(key, Value::fromInt64(value)); }
     /// 0 for a missing one.
@@ -83,9 +92,10 @@ protected:
     /// The last line that holds the text, from the text on; empty when there is none.
     std::string lastLog(const std::string& text);
 
-    support::TemporaryFolder folder;
-    const std::string instance;
-    devhost::store::Client client;
+    const support::TemporaryFolder folder;
+    const std::filesystem::path agentFolder = folder.path() / "agent";
+    const std::string instance = folder.path().filename().string();
+    devhost::store::Client client{vx::str::fromUtf8(instance)};
     std::optional<support::ChildProcess> host;
     std::optional<support::ChildProcess> store;
 
@@ -95,6 +105,7 @@ private:
 
     std::optional<devhost::host::LogReader> m_log;
     std::vector<std::string> m_lines;
+    bool m_hostStopped = false;
     unsigned m_commands = 0;
 };
 

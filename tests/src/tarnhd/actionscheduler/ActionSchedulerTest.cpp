@@ -6,12 +6,12 @@
 
 #include <gmock/gmock.h>
 
-#include <future>
+#include <thread>
 
 namespace vx::tarn {
 namespace {
 
-using std::chrono::milliseconds;
+using namespace std::chrono_literals;
 using testing::ElementsAre;
 
 struct FuncAction : ActionBase {
@@ -26,30 +26,29 @@ struct FuncAction : ActionBase {
 
 class ActionSchedulerTest : public testing::Test {
 protected:
-    ~ActionSchedulerTest() override { stop(); }
+    ~ActionSchedulerTest() override { scheduler.stop(); }
 
     void start()
     {
-        running = std::async(std::launch::async, [this] { scheduler.start(period, true); });
+        running = std::jthread([this] { scheduler.start(period, true); });
     }
-    void stop()
+    std::shared_ptr<ActionBase> action(
+        const std::string& name, const std::function<void()>& what = [] {})
     {
-        scheduler.stop();
-        if (running.valid())
-            running.get();
+        return std::make_shared<FuncAction>([this, name, what] {
+            record.add(name);
+            what();
+        });
     }
-    std::shared_ptr<ActionBase> action(const std::string& name)
+    /// Starts, and waits for the end of the first tick by an action behind it: a tick renews itself at its end.
+    void startAndSettle()
     {
-        return std::make_shared<FuncAction>([this, name] { record.add(name); });
+        start();
+        record.waitFor(1);
+        scheduler.runOnce(action("settled"), 0ms);
+        record.waitFor(2);
     }
-    /// Waits for the end of the task that is running, by one behind it: a tick renews itself at its end.
-    void settle()
-    {
-        std::promise<void> settled;
-        scheduler.runOnce(std::make_shared<FuncAction>([&] { settled.set_value(); }), milliseconds(0));
-        ASSERT_EQ(settled.get_future().wait_for(support::deadline), std::future_status::ready);
-    }
-    void wake(milliseconds after)
+    void wake(std::chrono::milliseconds after)
     {
         clock.advance(after);
         scheduler.onResume();
@@ -58,95 +57,73 @@ protected:
     support::LogCapture log;
     support::FakeClock clock;
     support::Record record;
-    milliseconds period{600'000};
+    std::chrono::milliseconds period = 10min;
     ActionScheduler scheduler{clock.function()};
-    std::future<void> running;
+    std::jthread running;
 };
 
-TEST_F(ActionSchedulerTest, countsThePeriodFromTheEndOfARound)
+TEST_F(ActionSchedulerTest, countsThePeriodFromTheEndOfARoundAndCancelsOneShotActionsOnly)
 {
-    scheduler.addTask(std::make_shared<FuncAction>([this] {
-        record.add("first");
-        clock.advance(period);
-    }));
-    scheduler.addTask(action("second"));
-    start();
-    record.waitFor(2);
-    settle();
+    scheduler.addTask(action("tick", [this] { clock.advance(period); }));
+    startAndSettle();
+    const auto dropped = action("dropped");
+    scheduler.runOnce(dropped, 1s);
+    scheduler.runOnce(dropped, 2s);
+    EXPECT_EQ(scheduler.cancelOneTimeTasks(), 2u);
+    EXPECT_EQ(dropped.use_count(), 1);
     // Due times order the queue: the probe runs before the tick only if that is due later.
-    scheduler.runOnce(action("probe"), period - milliseconds(1));
+    scheduler.runOnce(action("probe"), period - 1ms);
     wake(period);
-    EXPECT_THAT(record.waitFor(5), ElementsAre("first", "second", "probe", "first", "second"));
-    EXPECT_TRUE(log.has(5, "Period = 600000 milliseconds")) << log.text();
+    EXPECT_THAT(record.waitFor(4), ElementsAre("tick", "settled", "probe", "tick"));
 }
 
 TEST_F(ActionSchedulerTest, renewsTheTickAfterAnActionThatThrows)
 {
-    scheduler.addTask(std::make_shared<FuncAction>([] { throw std::runtime_error("broken action"); }));
+    const auto fail = [] { throw std::runtime_error("broken action"); };
+    scheduler.addTask(action("broken", fail));
     scheduler.addTask(action("after"));
     start();
-    record.waitFor(1);
-    scheduler.runOnce(std::make_shared<FuncAction>([] { throw std::runtime_error("broken once"); }), milliseconds(0));
-    scheduler.runOnce(action("once"), milliseconds(0));
-    record.waitFor(2);
+    scheduler.runOnce(action("once", fail), 0ms);
+    record.waitFor(3);
+    scheduler.runOnce(action("settled"), 0ms);
+    record.waitFor(4);
     wake(period);
-    EXPECT_THAT(record.waitFor(3), ElementsAre("after", "once", "after"));
-    EXPECT_EQ(log.count("Exception caught: broken action"), 2u) << log.text();
-    EXPECT_TRUE(log.has(2, "Exception caught: broken once")) << log.text();
+    EXPECT_EQ(record.waitFor(6).back(), "after");
+    EXPECT_TRUE(log.has(2, "Exception caught: broken action")) << log.text();
 }
 
 TEST_F(ActionSchedulerTest, refusesAndSkipsWhileNotEnabledButRunsWhatIsQueued)
 {
     scheduler.addTask(nullptr);
-    scheduler.runOnce(nullptr, milliseconds(0));
-    EXPECT_EQ(log.count("You can't add empty action."), 2u) << log.text();
+    scheduler.runOnce(nullptr, 0ms);
     scheduler.addTask(action("periodic"));
-    scheduler.runOnce(action("queued"), milliseconds(0));
-    scheduler.runOnce(action("behind the tick"), milliseconds(1));
+    scheduler.runOnce(action("queued"), 0ms);
+    scheduler.runOnce(action("behind the tick"), 1ms);
     scheduler.setEnabled(false);
-    scheduler.runOnce(action("refused"), milliseconds(0));
+    scheduler.runOnce(action("refused"), 0ms);
     EXPECT_TRUE(log.has(4, "Failed to run once a task because action scheduler isn't enabled.")) << log.text();
     start();
     record.waitFor(1);
-    wake(milliseconds(1));
-    EXPECT_THAT(record.waitFor(2), ElementsAre("queued", "behind the tick"));
+    wake(1ms);
+    record.waitFor(2);
     scheduler.setEnabled(true);
     wake(period);
     EXPECT_THAT(record.waitFor(3), ElementsAre("queued", "behind the tick", "periodic"));
 }
 
-TEST_F(ActionSchedulerTest, cancelsOneShotActionsButNotTheTick)
-{
-    EXPECT_EQ(scheduler.cancelOneTimeTasks(), 0u);
-    EXPECT_TRUE(log.has(5, "Canceled 0 task(s)")) << log.text();
-    scheduler.addTask(action("periodic"));
-    start();
-    record.waitFor(1);
-    settle();
-    const auto dropped = action("dropped");
-    scheduler.runOnce(dropped, milliseconds(1000));
-    scheduler.runOnce(dropped, milliseconds(2000));
-    EXPECT_EQ(scheduler.cancelOneTimeTasks(), 2u);
-    EXPECT_EQ(dropped.use_count(), 1);
-    wake(period);
-    EXPECT_THAT(record.waitFor(2), ElementsAre("periodic", "periodic"));
-}
-
 TEST_F(ActionSchedulerTest, startsOnce)
 {
     scheduler.addTask(action("periodic"));
-    EXPECT_FALSE(scheduler.isStarted());
-    start();
-    record.waitFor(1);
+    startAndSettle();
     EXPECT_TRUE(scheduler.isStarted());
-    const milliseconds other{1};
-    scheduler.start(other, true);
-    scheduler.runOnce(action("probe"), milliseconds(0));
-    EXPECT_THAT(record.waitFor(2), ElementsAre("periodic", "probe"));
-    stop();
+    scheduler.start(period, true);
+    scheduler.runOnce(action("probe"), 0ms);
+    EXPECT_THAT(record.waitFor(3), ElementsAre("periodic", "settled", "probe"));
+    scheduler.stop();
+    running.join();
     EXPECT_FALSE(scheduler.isStarted());
     scheduler.start(period, true);
-    EXPECT_EQ(record.waitFor(2).size(), 2u);
+    EXPECT_EQ(record.size(), 3u);
 }
 
 } // namespace
