@@ -5,7 +5,9 @@
 
 #include <gmock/gmock.h>
 
+#include <algorithm>
 #include <limits>
+#include <set>
 #include <thread>
 
 namespace Vx {
@@ -14,19 +16,24 @@ namespace {
 using std::chrono::milliseconds;
 using testing::ElementsAre;
 using vx::tarn::Ticks;
+using vx::tarn::ticksPerMillisecond;
 
 class TaskSchedulerTest : public testing::Test {
 protected:
-    ~TaskSchedulerTest() override { scheduler.stop(); }
-
-    Ticks schedule(const std::string& name, std::int64_t delay)
+    ~TaskSchedulerTest() override
     {
-        return scheduler.schedule(std::make_unique<FuncTask>(name, false, [this, name] { record.add(name); }),
-            milliseconds(delay), milliseconds(0));
+        scheduler.stop();
+        if (loop.joinable())
+            loop.join();
+    }
+    Ticks schedule(const std::string& name, std::int64_t delay, bool unique = false, std::int64_t range = 0)
+    {
+        return scheduler.schedule(std::make_unique<FuncTask>(name, unique, [this, name] { record.add(name); }),
+            milliseconds(delay), milliseconds(range));
     }
     void startLoop()
     {
-        loop = std::jthread([this] { scheduler.run(); });
+        loop = std::thread([this] { scheduler.run(); });
     }
     /// Takes what is due by then.
     std::vector<std::string> take(std::size_t count, std::int64_t after)
@@ -41,15 +48,50 @@ protected:
     support::FakeClock clock;
     support::Record record;
     TaskScheduler scheduler{clock.function()};
-    std::jthread loop;
+    std::thread loop;
 };
 
 TEST_F(TaskSchedulerTest, keepsTheOrderOfAStableSort)
 {
-    char name = 'a';
-    for (const int delay : {3000, 1000, 2000, 1000, 3000, 2000})
-        schedule(std::string(1, name++), delay);
-    EXPECT_THAT(take(6, 3000), ElementsAre("b", "d", "c", "f", "a", "e"));
+    std::mt19937 random(7);
+    std::vector<std::pair<int, std::string>> expected;
+    for (int i = 0; i < 300; ++i) {
+        const int delay = static_cast<int>(random() % 20) * 1000;
+        expected.emplace_back(delay, std::to_string(i));
+        schedule(expected.back().second, delay);
+    }
+    std::stable_sort(expected.begin(), expected.end(), [](const auto& a, const auto& b) { return a.first < b.first; });
+    const auto taken = take(300, 20'000);
+    for (std::size_t i = 0; i < taken.size(); ++i)
+        ASSERT_EQ(taken[i], expected[i].second) << i;
+}
+
+TEST_F(TaskSchedulerTest, keepsOneUniqueTaskPerNameTheEarlierOne)
+{
+    const Ticks start = clock.now;
+    schedule("a", 2000);
+    EXPECT_EQ(schedule("u", 5000, true), start + 5000 * ticksPerMillisecond);
+    EXPECT_EQ(schedule("u", 7000, true), start + 5000 * ticksPerMillisecond);
+    EXPECT_EQ(schedule("u", 2000, true), start + 2000 * ticksPerMillisecond);
+    schedule("b", 2000);
+    EXPECT_EQ(schedule("u", 1500, true), start + 1500 * ticksPerMillisecond);
+    schedule("u", 1000); // not unique itself, so it is no replacement
+    EXPECT_THAT(take(4, 2000), ElementsAre("u", "u", "a", "b"));
+    EXPECT_EQ(scheduler.cancel("u", 0), 0u);
+}
+
+TEST_F(TaskSchedulerTest, cancelsTheEarliestOfANameUpToALimit)
+{
+    for (const int delay : {3000, 1000, 2000}) {
+        schedule("x", delay);
+        schedule("y" + std::to_string(delay), delay);
+    }
+    EXPECT_EQ(scheduler.cancel("x", 2), 2u);
+    EXPECT_EQ(scheduler.cancel("none", 0), 0u);
+    EXPECT_THAT(take(4, 3000), ElementsAre("y1000", "y2000", "x", "y3000"));
+    schedule("x", 1);
+    schedule("x", 2);
+    EXPECT_EQ(scheduler.cancel("x", 0), 2u);
 }
 
 TEST_F(TaskSchedulerTest, defersWhatIsDueSooner)
@@ -57,6 +99,7 @@ TEST_F(TaskSchedulerTest, defersWhatIsDueSooner)
     schedule("late", 9000);
     schedule("soon", 1000);
     schedule("sooner", 500);
+    clock.advance(milliseconds(700));
     scheduler.deferAtLeast(milliseconds(4000));
     schedule("between", 3999);
     EXPECT_THAT(take(3, 4000), ElementsAre("between", "sooner", "soon"));
@@ -64,10 +107,20 @@ TEST_F(TaskSchedulerTest, defersWhatIsDueSooner)
     EXPECT_THAT(take(2, 5000), ElementsAre("before late", "late"));
 }
 
+TEST_F(TaskSchedulerTest, addsARandomTimeWithBothEnds)
+{
+    const Ticks start = clock.now;
+    std::set<Ticks> seen;
+    for (int i = 0; i < 400; ++i)
+        seen.insert((schedule("r", 1000, false, 3) - start) / ticksPerMillisecond);
+    EXPECT_THAT(seen, ElementsAre(1000, 1001, 1002, 1003));
+}
+
 TEST_F(TaskSchedulerTest, saturatesWhatDoesNotFit)
 {
     constexpr auto most = std::numeric_limits<std::int64_t>::max();
     EXPECT_EQ(schedule("a", most), most);
+    EXPECT_EQ(schedule("b", most, false, most), most);
     EXPECT_EQ(schedule("c", std::numeric_limits<std::int64_t>::min()), std::numeric_limits<Ticks>::min() + clock.now);
     startLoop();
     EXPECT_THAT(record.waitFor(1), ElementsAre("c"));
@@ -77,18 +130,32 @@ TEST_F(TaskSchedulerTest, saturatesWhatDoesNotFit)
     EXPECT_THAT(record.waitFor(2), ElementsAre("c", "d"));
 }
 
-TEST_F(TaskSchedulerTest, stopsBehindTheRunningTask)
+TEST_F(TaskSchedulerTest, stopsBehindTheRunningTaskAndRestartsEmpty)
 {
-    scheduler.schedule(std::make_unique<FuncTask>("call", false, [this] { scheduler.stop(); }), {}, {});
+    const auto stopFromWithin = [this] {
+        schedule("from within", 0);
+        scheduler.stop();
+        record.add("stopping");
+    };
+    scheduler.schedule(std::make_unique<FuncTask>("call", false, stopFromWithin), milliseconds(0), milliseconds(0));
     schedule("left", 0);
-    scheduler.run();
-    EXPECT_EQ(record.size(), 0u);
+    startLoop();
+    loop.join();
+    EXPECT_THAT(record.waitFor(1), ElementsAre("stopping"));
+    EXPECT_TRUE(scheduler.isStopped());
+
+    scheduler.restart();
+    EXPECT_FALSE(scheduler.isStopped());
+    EXPECT_EQ(scheduler.cancel("left", 0), 0u);
+    startLoop();
+    schedule("fresh", 0);
+    EXPECT_THAT(record.waitFor(2), ElementsAre("stopping", "fresh"));
 }
 
 TEST_F(TaskSchedulerTest, takesTasksOfManyThreads)
 {
     startLoop();
-    std::vector<std::jthread> threads;
+    std::vector<std::thread> threads;
     for (int t = 0; t < 4; ++t)
         threads.emplace_back([this] {
             for (int i = 0; i < 50; ++i) {
@@ -98,6 +165,8 @@ TEST_F(TaskSchedulerTest, takesTasksOfManyThreads)
                 scheduler.cancel("dropped", 0);
             }
         });
+    for (std::thread& thread : threads)
+        thread.join();
     EXPECT_EQ(record.waitFor(200).size(), 200u);
 }
 
