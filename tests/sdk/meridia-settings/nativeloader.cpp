@@ -2,13 +2,4 @@
 
 #include "meridia-settings/qrlmeridiaapi.h"
 
-namespace vx::meridia {
-
-delayload::LoadStatus loadQrlMeridiaApi(QrlMeridiaApi&)
-{
-    return delayload::LoadStatus::ModuleNotFound;
-}
-
-void keepModuleLoaded() noexcept {}
-
-} // namespace vx::meridia
+void vx::meridia::keepModuleLoaded() noexcept {}

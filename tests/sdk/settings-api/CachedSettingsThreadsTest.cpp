@@ -4,55 +4,50 @@
 #include <atomic>
 #include <functional>
 #include <future>
+#include <thread>
 
 using namespace vx::settings;
 using support::FakeSettings;
 
 namespace {
 
-/// Once armed, stops in the first write of the value 1 or read of "slow" until it is let go.
-class GatedStore : public FakeSettings {
-public:
-    void setInt32Value(const std::wstring& name, std::int32_t value) override
+/// Once armed, stops in the next int32 write or int64 read until it is let go.
+struct GatedStore : FakeSettings {
+    void setInt32Value(Name name, std::int32_t value) override
     {
-        if (value == 1)
-            passGate();
+        passGate();
         FakeSettings::setInt32Value(name, value);
     }
-    std::int64_t getInt64Value(const std::wstring& name) override
+    std::int64_t getInt64Value(Name name) override
     {
         const std::int64_t value = FakeSettings::getInt64Value(name);
-        if (name == L"slow")
-            passGate();
+        passGate();
         return value;
+    }
+    void passGate()
+    {
+        if (!isArmed.exchange(false))
+            return;
+        arrived.set_value();
+        open.get_future().wait();
     }
 
     /// Starts the call in a thread of its own and returns when it stands at the gate.
     void hold(std::function<void()> call)
     {
-        m_isArmed = true;
-        m_call = std::async(std::launch::async, std::move(call));
-        m_arrived.get_future().wait();
+        isArmed = true;
+        held = std::async(std::launch::async, std::move(call));
+        arrived.get_future().wait();
     }
     void letGo()
     {
-        m_open.set_value();
-        m_call.get();
+        open.set_value();
+        held.get();
     }
 
-private:
-    void passGate()
-    {
-        if (!m_isArmed.exchange(false))
-            return;
-        m_arrived.set_value();
-        m_open.get_future().wait();
-    }
-
-    std::atomic<bool> m_isArmed{false};
-    std::promise<void> m_arrived;
-    std::promise<void> m_open;
-    std::future<void> m_call;
+    std::atomic<bool> isArmed{false};
+    std::promise<void> arrived, open;
+    std::future<void> held;
 };
 
 struct CachedSettingsThreadsTest : testing::Test {
@@ -126,25 +121,22 @@ TEST_F(CachedSettingsThreadsTest, noWriteIsLostUnderAFlappingStore)
     constexpr int rounds = 300;
     store->setBoolValue(L"read", true);
     cached.getBoolValue(L"read");
-    std::atomic<bool> done{false};
-    std::vector<std::future<void>> writers;
+    std::vector<std::jthread> writers;
     for (const std::wstring name : {L"a", L"b", L"c"})
-        writers.push_back(std::async(std::launch::async, [&, name] {
+        writers.emplace_back([&, name] {
             for (int i = 1; i <= rounds; ++i) {
                 cached.setInt32Value(name, i);
                 cached.setInt32Value(L"shared", i);
             }
-        }));
-    const auto reader = std::async(std::launch::async, [&] {
-        while (!done)
+        });
+    std::jthread reader([&](std::stop_token stop) {
+        while (!stop.stop_requested())
             cached.getBoolValue(L"read");
     });
     for (int i = 0; i < rounds; ++i)
         i % 2 ? store->repair() : store->breakDown();
-    for (auto& writer : writers)
-        writer.get();
-    done = true;
-    reader.wait();
+    writers.clear();
+    reader = {};
     store->repair();
     cached.getBoolValue(L"read");
     for (const wchar_t* name : {L"a", L"b", L"c"})
