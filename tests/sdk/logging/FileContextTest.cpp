@@ -4,6 +4,7 @@
 #include "logging/logger.h"
 
 #include <thread>
+#include <windows.h>
 
 #include <sddl.h>
 
@@ -12,69 +13,113 @@ using testing::ElementsAre;
 
 namespace {
 
-struct OpenContext : FileContext {
-    explicit OpenContext(unsigned long mutexWaitMs = 10000)
-        : FileContext(LogFolder::name1, LogFolder::name2, 0, std::make_unique<FileSystem::Path>(), mutexWaitMs)
-    {
-        EXPECT_TRUE(open());
-    }
-    void writeLine(int number) { write(L"line " + std::to_wstring(number) + L"\r\n"); }
-};
+std::string accessText(PSECURITY_DESCRIPTOR descriptor)
+{
+    char* text = nullptr;
+    EXPECT_TRUE(ConvertSecurityDescriptorToStringSecurityDescriptorA(
+        descriptor, SDDL_REVISION_1, DACL_SECURITY_INFORMATION, &text, nullptr));
+    const std::string result = text;
+    LocalFree(text);
+    return result;
+}
 
-/// Makes no directory and notes which ones are asked for, and with which access.
-struct NotingPath : FileSystem::Path {
-    bool createDirectories(const std::wstring& path, FileSystem::SecurityAttributes* attributes) override
-    {
-        char* access = nullptr;
-        if (attributes)
-            ConvertSecurityDescriptorToStringSecurityDescriptorA(
-                attributes->lpSecurityDescriptor, SDDL_REVISION_1, DACL_SECURITY_INFORMATION, &access, nullptr);
-        calls.push_back(std::filesystem::path(path).filename().string() + " " + (access ? access : "default"));
-        LocalFree(access);
-        return true;
-    }
-    static inline std::vector<std::string> calls;
-};
+// Systems differ in the order in which they spell rights.
+std::string spelledBySystem(const char* text)
+{
+    PSECURITY_DESCRIPTOR descriptor = nullptr;
+    EXPECT_TRUE(ConvertStringSecurityDescriptorToSecurityDescriptorA(text, SDDL_REVISION_1, &descriptor, nullptr));
+    const std::string result = accessText(descriptor);
+    LocalFree(descriptor);
+    return result;
+}
+
+std::wstring line(int number)
+{
+    return L"line " + std::to_wstring(number) + L"\r\n";
+}
+
+std::unique_ptr<FileContext> makeContext(unsigned flags = 0, unsigned long mutexWaitMs = 10000)
+{
+    auto context = std::make_unique<FileContext>(
+        LogFolder::name1, LogFolder::name2, flags, std::make_unique<FileSystem::Path>(), mutexWaitMs);
+    EXPECT_TRUE(context->open());
+    EXPECT_FALSE(context->open());
+    return context;
+}
 
 struct FileContextTest : testing::Test {
     LogFolder folder;
+    std::vector<std::string> calls; ///< directories asked for, and with which access
+    std::size_t failingCall = 99;
+
+    /// A context that makes no directory and notes the calls.
+    FileContext recordingContext(unsigned flags)
+    {
+        struct Path : FileSystem::Path {
+            explicit Path(FileContextTest& owner) : test(owner) {}
+            bool createDirectories(const std::wstring& path, FileSystem::SecurityAttributes* attributes) override
+            {
+                const std::string access = attributes ? accessText(attributes->lpSecurityDescriptor) : "default";
+                test.calls.push_back(std::filesystem::path(path).filename().string() + " " + access);
+                return test.calls.size() < test.failingCall;
+            }
+            FileContextTest& test;
+        };
+        return {LogFolder::name1, LogFolder::name2, flags, std::make_unique<Path>(*this)};
+    }
 };
 
 } // namespace
 
 TEST_F(FileContextTest, keepsAsManyRotatedFilesAsConfigured)
 {
-    LogFolder::configure(L"LogMaxSizeKB", 0);
+    LogFolder::configure(L"", L"LogMaxSizeKB", 0);
     for (const int kept : {0, 1, 2}) {
-        LogFolder::configure(L"LogRotateCount", static_cast<unsigned long>(kept));
-        OpenContext context;
+        SCOPED_TRACE(kept);
+        LogFolder::configure(L"", L"LogRotateCount", static_cast<unsigned long>(kept));
+        const auto context = makeContext();
         for (int i = 0; i <= 5; ++i)
-            context.writeLine(i);
+            context->write(line(i));
         EXPECT_EQ(folder.files().size(), static_cast<std::size_t>(kept) + 1);
         // The smallest limit holds one record per file; the youngest rotated file is the first.
         for (int i = 0; i <= kept; ++i)
-            EXPECT_THAT(folder.lines(i), ElementsAre("line " + std::to_string(5 - i))) << kept;
+            EXPECT_THAT(folder.lines(i), ElementsAre("line " + std::to_string(5 - i)));
     }
+}
+
+TEST_F(FileContextTest, rotatesUpToNinetyNineWhateverIsConfigured)
+{
+    LogFolder::configure(L"", L"LogRotateCount", 500);
+    LogFolder::configure(L"", L"LogMaxSizeKB", 0);
+    const auto context = makeContext();
+    context->write(line(1));
+    std::filesystem::copy_file(folder.file(), folder.file(98));
+    std::filesystem::copy_file(folder.file(), folder.file(99));
+    context->write(line(2));
+    EXPECT_THAT(folder.files(), ElementsAre("part.1.log", "part.99.log", "part.log"));
+    context->write(line(3));
+    EXPECT_THAT(folder.files(), ElementsAre("part.1.log", "part.2.log", "part.log"));
 }
 
 TEST_F(FileContextTest, goesOverItsLimitByOneRecordAtMost)
 {
-    LogFolder::configure(L"LogMaxSizeKB", 1);
-    OpenContext context;
-    context.write(std::wstring(510, L'x') + L"\r"); // with the mark, one byte pair short of the limit is not full
-    context.write(L"\r\n");
+    LogFolder::configure(L"", L"LogMaxSizeKB", 1);
+    const auto context = makeContext();
+    context->write(std::wstring(510, L'x') + L"\r"); // with the mark, one byte pair short of the limit is not full
+    context->write(L"\r\n");
     EXPECT_THAT(folder.files(), ElementsAre("part.1.log", "part.log"));
     EXPECT_EQ(std::filesystem::file_size(folder.file(1)), 1024u);
 }
 
 TEST_F(FileContextTest, appendsToTheFileThatAnotherProcessRotated)
 {
-    LogFolder::configure(L"LogMaxSizeKB", 0);
-    OpenContext first, second;
-    first.writeLine(1);
-    second.writeLine(2); // rotates
+    LogFolder::configure(L"", L"LogMaxSizeKB", 0);
+    const auto first = makeContext();
+    const auto second = makeContext();
+    first->write(line(1));
+    second->write(line(2)); // rotates
     std::filesystem::resize_file(folder.file(), 2);
-    first.writeLine(3); // finds its file full, and the new one not
+    first->write(line(3)); // finds its file full, and the new one not
     EXPECT_THAT(folder.lines(0), ElementsAre("line 3"));
     EXPECT_THAT(folder.lines(1), ElementsAre("line 1"));
     EXPECT_THAT(folder.files(), ElementsAre("part.1.log", "part.log"));
@@ -82,28 +127,27 @@ TEST_F(FileContextTest, appendsToTheFileThatAnotherProcessRotated)
 
 TEST_F(FileContextTest, losesJustTheRecordThatWaitedTooLongAndTakesOverAnAbandonedMutex)
 {
-    OpenContext context(1);
-    const HANDLE mutex = OpenMutexW(SYNCHRONIZE, FALSE, context.mutexName(false).c_str());
-    context.writeLine(1);
+    const auto context = makeContext(0, 1);
+    const HANDLE mutex = OpenMutexW(SYNCHRONIZE, FALSE, context->mutexName(false).c_str());
+    context->write(line(1));
     ASSERT_EQ(WaitForSingleObject(mutex, 0), WAIT_OBJECT_0);
     std::thread([&] {
-        context.writeLine(2);
-        context.flush();
+        context->write(line(2));
+        context->flush();
     }).join();
     ReleaseMutex(mutex);
-    context.writeLine(3);
+    context->write(line(3));
     std::thread([&] { WaitForSingleObject(mutex, INFINITE); }).join();
-    context.writeLine(4);
+    context->write(line(4));
     CloseHandle(mutex);
     EXPECT_THAT(folder.lines(), ElementsAre("line 1", "line 3", "line 4"));
 }
 
-TEST_F(FileContextTest, findsItsRootThroughTheEnvironmentOnlyAndNamesItsMutexAfterTheFile)
+TEST_F(FileContextTest, namesItsMutexAfterTheFileWithoutBackslashes)
 {
-    LogFolder::configure(L"", L"RootPath", REG_SZ, L"C:\\no", 12);
     FileContext context(L"outer\\inner", L"part", 0, std::make_unique<FileSystem::Path>());
     context.open();
-    context.write(L"\r\n");
+    context.write(line(1));
     EXPECT_TRUE(std::filesystem::exists(folder.root / "Vantorix/Log/outer/inner/part.log"));
     std::wstring path = folder.root.wstring() + L"\\Vantorix\\Log\\outer\\inner\\part";
     std::ranges::replace(path, L'\\', L'_');
@@ -111,13 +155,67 @@ TEST_F(FileContextTest, findsItsRootThroughTheEnvironmentOnlyAndNamesItsMutexAft
     EXPECT_EQ(context.mutexName(true), L"Local\\VxQrlLogging_" + path);
 }
 
+TEST_F(FileContextTest, putsTheUserIntoTheFileNameAndRemovesItThroughAnother)
+{
+    const auto context = makeContext(LOG_FLAG_USER_SUFFIX);
+    context->write(line(1));
+    ASSERT_EQ(folder.files().size(), 1u);
+    EXPECT_THAT(folder.files()[0], testing::AllOf(testing::StartsWith("part.S-1-"), testing::EndsWith(".log")));
+    context->deleteFile(context->fileName(0));
+    EXPECT_FALSE(std::filesystem::exists(context->fileName(0)));
+}
+
 TEST_F(FileContextTest, asksForTheAccessOfItsFlags)
 {
-    for (const unsigned flags : {0u, LOG_FLAG_STRICT_ACL})
-        FileContext(LogFolder::name1, LogFolder::name2, flags, std::make_unique<NotingPath>()).open();
-    // Systems differ in the order in which they spell rights.
-    const auto open = testing::AnyOf("prog D:(A;OICI;GA;;;SY)(A;OICI;GA;;;BA)(A;OICI;GXGR;;;AU)",
-        "prog D:(A;OICI;GA;;;SY)(A;OICI;GA;;;BA)(A;OICI;GRGX;;;AU)");
-    EXPECT_THAT(NotingPath::calls,
-        ElementsAre("Vantorix default", open, "Vantorix default", "prog D:(A;;GA;;;SY)(A;;GA;;;BA)"));
+    const std::string open = "prog " + spelledBySystem("D:(A;OICI;GA;;;SY)(A;OICI;GA;;;BA)(A;OICI;GRGX;;;AU)");
+    const std::string strict = "prog " + spelledBySystem("D:(A;;GA;;;SY)(A;;GA;;;BA)");
+    recordingContext(0).open();
+    recordingContext(LOG_FLAG_STRICT_ACL).open();
+    EXPECT_THAT(calls, ElementsAre("Vantorix default", open, "Vantorix default", strict));
+}
+
+TEST_F(FileContextTest, dropsOutWithoutADirectory)
+{
+    for (const std::size_t failing : {1u, 2u}) {
+        calls.clear();
+        failingCall = failing;
+        FileContext context = recordingContext(0);
+        EXPECT_TRUE(context.open());
+        context.write(line(1));
+        context.flush();
+        EXPECT_EQ(calls.size(), failing);
+        EXPECT_EQ(context.fileName(0), L"");
+        EXPECT_FALSE(context.prepareFile());
+    }
+}
+
+TEST_F(FileContextTest, findsItsRootThroughTheEnvironmentOnly)
+{
+    const std::wstring other = folder.root.wstring() + L"-other";
+    LogFolder::configure(L"", L"RootPath", REG_SZ, other.c_str(), (other.size() + 1) * sizeof(wchar_t));
+    makeContext()->write(line(1));
+    EXPECT_THAT(folder.lines(), ElementsAre("line 1"));
+    EXPECT_FALSE(std::filesystem::exists(other));
+}
+
+TEST_F(FileContextTest, writesToTheUsersFolderWithoutAdministratorRights)
+{
+    HANDLE token = nullptr;
+    HANDLE restricted = nullptr;
+    unsigned char sid[SECURITY_MAX_SID_SIZE];
+    DWORD size = sizeof sid;
+    SID_AND_ATTRIBUTES administrators{sid, 0};
+    ASSERT_TRUE(CreateWellKnownSid(WinBuiltinAdministratorsSid, nullptr, sid, &size));
+    ASSERT_TRUE(OpenProcessToken(GetCurrentProcess(), TOKEN_ALL_ACCESS, &token));
+    ASSERT_TRUE(CreateRestrictedToken(token, 0, 1, &administrators, 0, nullptr, 0, nullptr, &restricted));
+    ASSERT_TRUE(ImpersonateLoggedOnUser(restricted));
+    SetEnvironmentVariableW(L"LOCALAPPDATA", folder.root.c_str());
+    SetEnvironmentVariableW(L"ProgramData", L"");
+    FileContext context = recordingContext(LOG_FLAG_STRICT_ACL | LOG_FLAG_USER_SUFFIX);
+    context.open();
+    RevertToSelf();
+    EXPECT_THAT(calls, ElementsAre("Vantorix default", "prog default"));
+    EXPECT_EQ(context.fileName(0), folder.file().wstring());
+    CloseHandle(restricted);
+    CloseHandle(token);
 }

@@ -4,12 +4,14 @@
 #include "logging/logstream.h"
 #include "logging/processlogger.h"
 
+#include <fstream>
 #include <optional>
 #include <regex>
-#include <thread>
+#include <windows.h>
 
 using namespace VxQrlLogging;
 using testing::ElementsAre;
+using testing::IsEmpty;
 
 namespace {
 
@@ -25,33 +27,42 @@ struct LoggerWinTest : testing::Test {
 TEST_F(LoggerWinTest, framesItsRecordsWithBanners)
 {
     logger->log(1, "before open");
-    open(6);
+    open();
     logger->log(4, "narrow %s %S", "\xc3\xa9\xff", L"wide");
     logger->log(2, L"wide %s %S", L"text", "narrow");
-    for (const int level : {-1, 1, 3, 5, 6, 7})
-        logger->log(level, "%d", level);
+    logger->log(5, "filtered");
     logger->close();
     logger->log(1, "after close");
     const auto lines = folder.lines();
-    ASSERT_EQ(lines.size(), 10u);
+    ASSERT_EQ(lines.size(), 5u);
     EXPECT_EQ(lines[0], "");
     EXPECT_TRUE(std::regex_match(
         lines[1], std::regex(R"(\d{4}-\d\d-\d\d \d\d:\d\d:\d\d\.\d{3} \[[0-9a-f]{4}\.[0-9a-f]{4}\]  I: )"
                              R"(\*\*\*  LOGGING STARTED  \*\*\* \(UTC[+-]\d+:-?\d\d, session: 0x[0-9a-f]+\))")));
-    std::vector<std::string> marked;
-    for (std::size_t i = 2; i < lines.size(); ++i)
-        marked.push_back(lines[i].substr(34));
-    EXPECT_THAT(marked, ElementsAre("]  I: narrow \u00e9\ufffd wide", "] *E: wide text narrow", "]   : -1", "] *F: 1",
-                            "] .W: 3", "]  D: 5", "]  V: 6", "]  I: ***  LOGGING ENDED  ***"));
+    EXPECT_EQ(lines[2].substr(34), "]  I: narrow \u00e9\ufffd wide") << "UTF-8 that is broken stays readable";
+    EXPECT_EQ(lines[3].substr(36), "*E: wide text narrow");
+    EXPECT_EQ(lines[4].substr(37), "I: ***  LOGGING ENDED  ***");
+}
+
+TEST_F(LoggerWinTest, marksEachLevel)
+{
+    open(9);
+    for (const int level : {-1, 1, 2, 3, 4, 5, 6, 7})
+        logger->log(level, "at %d", level);
+    std::vector<std::string> marks;
+    for (const std::string& line : folder.lines())
+        if (line.find(": at ") != std::string::npos)
+            marks.push_back(line.substr(36));
+    EXPECT_THAT(marks,
+        ElementsAre("  : at -1", "*F: at 1", "*E: at 2", ".W: at 3", " I: at 4", " D: at 5", " V: at 6", "  : at 7"));
 }
 
 TEST_F(LoggerWinTest, writesMessagesUpToTheLargeBuffer)
 {
-    LogFolder::configure(L"LogMaxSizeKB", 1000);
+    LogFolder::configure(L"", L"LogMaxSizeKB", 1000);
     open();
     const std::string failure = "VX_QRL_LOG failure: too large message. Format: %s";
-    std::vector<std::string> expected = {"(null)text"};
-    logger->log(4, "%s%s", nullptr, "text");
+    std::vector<std::string> expected;
     for (const std::size_t size : {0, 1, 2006, 2007, 65494, 65495}) {
         logger->log(4, L"%s", std::wstring(size, L'w').c_str());
         expected.push_back(size <= 65494 ? std::string(size, 'w') : failure);
@@ -59,11 +70,29 @@ TEST_F(LoggerWinTest, writesMessagesUpToTheLargeBuffer)
     for (const std::size_t size : {0, 1, 2046, 2047, 65534, 65535}) {
         const std::string a(size / 2, 'a'), b(size - size / 2, 'b');
         logger->log(4, "%s", (a + b).c_str());
+        expected.push_back(size <= 65534 ? a + b : failure);
         logger->log(4, "%s%s", a.c_str(), b.c_str());
-        for (const char* secondOfFormat : {"", "%s"})
-            expected.push_back(size <= 65534 ? a + b : failure + secondOfFormat);
+        expected.push_back(size <= 65534 ? a + b : failure + "%s");
     }
-    EXPECT_TRUE(folder.messages() == expected) << "too long to be shown";
+    logger->log(4, "%s%s", nullptr, "text");
+    expected.push_back("(null)text");
+    const auto seen = folder.messages();
+    ASSERT_EQ(seen.size(), expected.size());
+    for (std::size_t i = 0; i < seen.size(); ++i)
+        EXPECT_TRUE(seen[i] == expected[i]) << i << ": " << seen[i].size() << " instead of " << expected[i].size();
+}
+
+TEST_F(LoggerWinTest, putsOffEverythingWhenDeferred)
+{
+    LogFolder::configure(L"", L"LogLevel", 4);
+    open(1, LOG_FLAG_DEFERRED);
+    EXPECT_TRUE(logger->isEnabled(6));
+    EXPECT_THAT(folder.files(), IsEmpty());
+    logger->log(5, "above the level");
+    EXPECT_FALSE(logger->isEnabled(5));
+    logger->log(4, "at the level");
+    EXPECT_EQ(folder.lines().size(), 3u) << "empty line, banner, one record";
+    EXPECT_THAT(folder.messages(), ElementsAre("at the level"));
 }
 
 TEST_F(LoggerWinTest, ignoresASecondOpenButOpensAgainAfterClose)
@@ -74,7 +103,7 @@ TEST_F(LoggerWinTest, ignoresASecondOpenButOpensAgainAfterClose)
     logger->log(4, "first");
     logger->close();
     EXPECT_FALSE(logger->isEnabled(1));
-    open(6);
+    logger->open("prog", "part", 6, 0);
     logger->log(6, "second");
     logger.reset();
     EXPECT_THAT(folder.messages(), ElementsAre("first", "second"));
@@ -82,20 +111,73 @@ TEST_F(LoggerWinTest, ignoresASecondOpenButOpensAgainAfterClose)
     EXPECT_FALSE(std::filesystem::exists(folder.root / "Vantorix" / "Log" / "other"));
 }
 
+TEST_F(LoggerWinTest, reflectsTheFlagsInItsBanner)
+{
+    open(4, LOG_FLAG_BANNER_DEBUG);
+    logger->close();
+    EXPECT_THAT(folder.files(), IsEmpty()) << "the banner is filtered and nothing else was written";
+    open(5, LOG_FLAG_BANNER_DEBUG | LOG_FLAG_UTC);
+    EXPECT_THAT(folder.lines()[1], testing::HasSubstr("]  D: ***  LOGGING STARTED  *** (UTC+00:00, local:"));
+}
+
 TEST_F(LoggerWinTest, readsItsLevelFromTheNearestValidValue)
 {
-    const wchar_t* const part = L"\\prog\\part";
-    const std::tuple<const wchar_t*, DWORD, std::uint64_t, DWORD, int> rows[] = {{L"", REG_DWORD, 5, 4, 5},
-        {L"\\prog", REG_DWORD, 6, 4, 6}, {part, REG_DWORD, 7, 4, 7},
-        // Of another type, too long, too short, marked as absent.
-        {part, REG_SZ, '1', 4, 6}, {part, REG_BINARY, 1, 4, 6}, {part, REG_QWORD, 1, 8, 6}, {part, REG_DWORD, 1, 8, 6},
-        {part, REG_DWORD, 1, 2, 6}, {part, REG_DWORD, 0xFFFFFFFF, 4, 6}};
-    for (const auto& [key, type, data, size, level] : rows) {
-        LogFolder::configure(key, L"LogLevel", type, &data, size);
+    const auto opensAt = [this](int level) {
         open();
-        EXPECT_TRUE(logger->isEnabled(level) && !logger->isEnabled(level + 1)) << key << ' ' << type << ' ' << size;
+        const bool result = logger->isEnabled(level) && !logger->isEnabled(level + 1);
         logger->close();
+        return result;
+    };
+    LogFolder::configure(L"", L"LogLevel", 3);
+    EXPECT_TRUE(opensAt(3)) << "all logs";
+    LogFolder::configure(L"\\prog", L"LogLevel", 5);
+    EXPECT_TRUE(opensAt(5)) << "the program";
+    LogFolder::configure(L"\\prog\\part", L"LogLevel", 6);
+    EXPECT_TRUE(opensAt(6)) << "the file";
+
+    const std::uint64_t one = 1;
+    const unsigned long none = 0xFFFFFFFF;
+    struct {
+        const char* trace;
+        unsigned long type;
+        const void* data;
+        unsigned long size;
+    } const rows[] = {
+        {"text", REG_SZ, L"1", 4},
+        {"binary", REG_BINARY, &one, 4},
+        {"quad word", REG_QWORD, &one, 8},
+        {"too long", REG_DWORD, &one, 8},
+        {"too short", REG_DWORD, &one, 2},
+        {"marked as absent", REG_DWORD, &none, 4},
+    };
+    for (const auto& row : rows) {
+        LogFolder::configure(L"\\prog\\part", L"LogLevel", row.type, row.data, row.size);
+        EXPECT_TRUE(opensAt(5)) << row.trace;
     }
+}
+
+// The debugger's texts arrive as exceptions of the calling thread.
+static std::wstring debuggerText;
+static LONG CALLBACK takeDebuggerText(EXCEPTION_POINTERS* info)
+{
+    if (info->ExceptionRecord->ExceptionCode != 0x4001000A)
+        return EXCEPTION_CONTINUE_SEARCH;
+    debuggerText += reinterpret_cast<const wchar_t*>(info->ExceptionRecord->ExceptionInformation[1]);
+    return EXCEPTION_CONTINUE_EXECUTION;
+}
+
+TEST_F(LoggerWinTest, showsItsRecordsToTheDebuggerWhenConfigured)
+{
+    const auto handler = AddVectoredExceptionHandler(1, takeDebuggerText);
+    open();
+    logger->log(4, "unseen");
+    logger->close();
+    EXPECT_EQ(debuggerText, L"");
+    LogFolder::configure(L"\\prog", L"DebugOutputLogging", 2);
+    open();
+    logger->log(3, "seen");
+    RemoveVectoredExceptionHandler(handler);
+    EXPECT_TRUE(debuggerText.ends_with(L"] .W: seen\r\n"));
 }
 
 TEST_F(LoggerWinTest, keepsTheLastError)
@@ -105,7 +187,7 @@ TEST_F(LoggerWinTest, keepsTheLastError)
         call();
         EXPECT_EQ(GetLastError(), 1234u) << what;
     };
-    LogFolder::configure(L"LogMaxSizeKB", 0);
+    LogFolder::configure(L"", L"LogMaxSizeKB", 0);
     kept("open", [this] { open(); });
     kept("filtered", [this] { logger->log(5, "x"); });
     kept("rotating", [this] { logger->log(4, "x"); });
@@ -118,10 +200,23 @@ TEST_F(LoggerWinTest, keepsTheLastError)
     kept("destruction", [this] { logger.reset(); });
 }
 
+TEST_F(LoggerWinTest, staysSilentWithoutAFolder)
+{
+    const auto file = folder.root / "file";
+    std::ofstream(file).close();
+    SetEnvironmentVariableW(L"ProgramData", file.c_str());
+    open();
+    EXPECT_TRUE(logger->isEnabled(4));
+    logger->log(4, "lost");
+    logger->flush();
+    logger->close();
+    EXPECT_TRUE(std::filesystem::is_empty(file));
+}
+
 TEST_F(LoggerWinTest, survivesCloseAndOpenWhileThreadsLog)
 {
     open();
-    std::vector<std::jthread> threads;
+    std::vector<std::thread> threads;
     for (int t = 0; t < 4; ++t)
         threads.emplace_back([this] {
             for (int i = 0; i < 50; ++i)
@@ -131,19 +226,24 @@ TEST_F(LoggerWinTest, survivesCloseAndOpenWhileThreadsLog)
         logger->close();
         open();
     }
+    for (std::thread& thread : threads)
+        thread.join();
 }
 
 TEST(ProcessLogger, carriesTheFrontEndAndKeepsTheLastError)
 {
     const LogFolder folder;
+    EXPECT_FALSE(isEnabled(1));
     open("prog", "part", 5, 0);
+    EXPECT_TRUE(isEnabled(5));
     SetLastError(1234);
     {
         const vx::logging::LogScope scope("place");
         vx::logging::LogStream(vx::logging::Level::Warning) << "100%s\t" << L"\u00e9\n" << 1;
     }
+    log(4, L"wide %s", L"entry");
     EXPECT_EQ(GetLastError(), 1234u);
     close();
     EXPECT_FALSE(isEnabled(1));
-    EXPECT_THAT(folder.messages(), ElementsAre("{ place", "  100%s\\t\u00e9\\n1", "} place"));
+    EXPECT_THAT(folder.messages(), ElementsAre("{ place", "  100%s\\t\u00e9\\n1", "} place", "wide entry"));
 }

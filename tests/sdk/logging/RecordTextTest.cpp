@@ -2,6 +2,8 @@
 #include "logging/details/recordheader.h"
 #include "logging/startupheader.h"
 
+#include <bit>
+#include <cstdint>
 #include <regex>
 #include <windows.h>
 
@@ -10,27 +12,62 @@ using namespace vx::logging::startup_header;
 
 TEST(RecordHeader, hasOneWidthOrIsRefused)
 {
-    const std::tuple<unsigned long, unsigned long, const wchar_t*, std::wstring> rows[] = {
-        {0x12, 0xab, L"*E", L"2024-01-02 03:04:05.006 [0012.00ab] *E: "},
-        {0xffff, 0xffff, L" I", L"2024-01-02 03:04:05.006 [ffff.ffff]  I: "},
-        {0x10000, 1, L"*E", L""},
-        {1, 0xfffffffc, L"*E", L""},
-        {1, 1, L"*", L""},
-        {1, 1, L"long", L""},
+    struct {
+        RecordTime time;
+        unsigned long process;
+        unsigned long thread;
+        const wchar_t* prefix;
+        const wchar_t* text;
+    } const rows[] = {
+        {{2024, 1, 2, 3, 4, 5, 6}, 0x12, 0xab, L"*E", L"2024-01-02 03:04:05.006 [0012.00ab] *E: "},
+        {{2024, 12, 31, 23, 59, 59, 999}, 0xffff, 0xffff, L" I", L"2024-12-31 23:59:59.999 [ffff.ffff]  I: "},
+        {{2024, 1, 2, 3, 4, 5, 6}, 0x10000, 1, L"*E", L""},
+        {{2024, 1, 2, 3, 4, 5, 6}, 1, 0xfffffffc, L"*E", L""},
+        {{2024, 1, 2, 3, 4, 5, 6}, 1, 1, L"*", L""},
+        {{2024, 1, 2, 3, 4, 5, 6}, 1, 1, L"long", L""},
     };
-    for (const auto& [process, thread, prefix, text] : rows) {
+    for (const auto& row : rows) {
         wchar_t record[headerSize + 1] = {};
-        EXPECT_EQ(formatHeader(record, {2024, 1, 2, 3, 4, 5, 6}, process, thread, prefix), !text.empty());
-        EXPECT_EQ(std::wstring(record), text);
+        EXPECT_EQ(formatHeader(record, row.time, row.process, row.thread, row.prefix), *row.text != 0);
+        EXPECT_EQ(std::wstring(record), row.text);
+    }
+}
+
+TEST(RecordTime, isTheSystemsTime)
+{
+    const auto ticks = [](const SYSTEMTIME& time) {
+        FILETIME file;
+        SystemTimeToFileTime(&time, &file);
+        return std::bit_cast<std::uint64_t>(file);
+    };
+    for (const bool utc : {false, false, true}) {
+        SYSTEMTIME before, after;
+        utc ? GetSystemTime(&before) : GetLocalTime(&before);
+        const RecordTime now = RecordTime::now(utc);
+        utc ? GetSystemTime(&after) : GetLocalTime(&after);
+        const SYSTEMTIME time = {WORD(now.year), WORD(now.month), before.wDayOfWeek, WORD(now.day), WORD(now.hour),
+            WORD(now.minute), WORD(now.second), WORD(now.millisecond)};
+        EXPECT_LE(ticks(before), ticks(time));
+        EXPECT_LE(ticks(time), ticks(after));
     }
 }
 
 TEST(StartBanner, printsTheOffsetWithTheSignOnBothNumbers)
 {
-    EXPECT_EQ(startBanner(false, 330, 1), L"***  LOGGING STARTED  *** (UTC+5:30, session: 0x1)");
-    EXPECT_EQ(startBanner(false, -30, 1), L"***  LOGGING STARTED  *** (UTC+0:-30, session: 0x1)");
-    EXPECT_EQ(startBanner(false, -210, 26), L"***  LOGGING STARTED  *** (UTC-3:-30, session: 0x1a)");
-    EXPECT_EQ(startBanner(true, 120, 1), L"***  LOGGING STARTED  *** (UTC+00:00, local:+2:00, session: 0x1)");
+    struct {
+        bool utc;
+        int offset;
+        const wchar_t* text;
+    } const rows[] = {
+        {false, 0, L"***  LOGGING STARTED  *** (UTC+0:00, session: 0x1)"},
+        {false, 330, L"***  LOGGING STARTED  *** (UTC+5:30, session: 0x1)"},
+        {false, -30, L"***  LOGGING STARTED  *** (UTC+0:-30, session: 0x1)"},
+        {false, -210, L"***  LOGGING STARTED  *** (UTC-3:-30, session: 0x1)"},
+        {false, 3599, L"***  LOGGING STARTED  *** (UTC+59:59, session: 0x1)"},
+        {true, 120, L"***  LOGGING STARTED  *** (UTC+00:00, local:+2:00, session: 0x1)"},
+    };
+    for (const auto& row : rows)
+        EXPECT_EQ(startBanner(row.utc, row.offset, 1), row.text);
 }
 
 TEST(StartupHeader, describesProcessAndModule)
@@ -40,8 +77,8 @@ TEST(StartupHeader, describesProcessAndModule)
     };
     matches(getStartProcessInfo(), R"(Process file: .*logging-backend-tests\.exe, )"
                                    R"(Process Id: 0x[0-9A-F]{4,}, Parent Process Id: 0x[0-9A-F]{4,})");
-    matches(getModuleFileInfo(moduleVersionText(GetModuleHandleW(nullptr))),
-        R"(Module  file: .*logging-backend-tests\.exe, Version: 1\.2\.3\.4, File size: [1-9]\d+, )"
+    matches(getModuleFileInfo(""),
+        R"(Module  file: .*logging-backend-tests\.exe, Version: <no version>, File size: [1-9]\d+, )"
         R"(Created: \d{4}-\d\d-\d\d \d\d:\d\d:\d\d, Modified: 20\d\d-\d\d-\d\d \d\d:\d\d:\d\d)");
-    matches(getModuleFileInfo(""), ".*, Version: <no version>, .*");
+    matches(getModuleFileInfo("1.2.3.4"), ".*, Version: 1.2.3.4, .*");
 }

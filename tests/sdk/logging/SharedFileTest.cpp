@@ -4,7 +4,8 @@
 #include "logging/startupheader.h"
 #include "support/childtest.h"
 
-#include <set>
+#include <map>
+#include <regex>
 
 using support::ChildTest;
 
@@ -14,7 +15,8 @@ constexpr int count = 600;
 
 std::string record(char tag, int number)
 {
-    return "record " + std::to_string(number) + " " + std::string(40 + number % 200, tag) + " end";
+    return std::string("record ") + tag + " " + std::to_string(number) + " " + std::string(40 + number % 200, tag) +
+           " end";
 }
 
 /// The argument is the tag of its records, followed by the name of the event that starts it.
@@ -22,7 +24,8 @@ int writeRecords()
 {
     const std::wstring argument = ChildTest::argument();
     const HANDLE start = OpenEventW(SYNCHRONIZE, FALSE, argument.c_str() + 1);
-    WaitForSingleObject(start, 60'000);
+    if (!start || WaitForSingleObject(start, 60'000) != WAIT_OBJECT_0)
+        return 3;
     VxQrlLogging::open(LogFolder::name1, LogFolder::name2, 4, 0);
     vx::logging::startup_header::write();
     for (int i = 0; i < count; ++i)
@@ -35,33 +38,37 @@ int writeRecords()
 
 TEST(SharedFile, losesAndTearsNothingWhileTwoProcessesRotate)
 {
-    const LogFolder folder;
-    LogFolder::configure(L"LogRotateCount", 99);
-    LogFolder::configure(L"LogMaxSizeKB", 10);
+    LogFolder folder;
+    LogFolder::configure(L"", L"LogRotateCount", 99);
+    LogFolder::configure(L"", L"LogMaxSizeKB", 10);
     const std::wstring eventName = support::uniqueName(L"vx-log-test-start");
     const HANDLE start = CreateEventW(nullptr, TRUE, FALSE, eventName.c_str());
     {
-        const ChildTest a(L"writeRecords", L"a" + eventName), b(L"writeRecords", L"b" + eventName);
+        const ChildTest a(L"writeRecords", L"a" + eventName);
+        const ChildTest b(L"writeRecords", L"b" + eventName);
         SetEvent(start);
         EXPECT_EQ(a.wait(), 0u);
         EXPECT_EQ(b.wait(), 0u);
     }
     CloseHandle(start);
 
-    std::multiset<std::string> seen, expected;
+    std::map<std::string, int> seen;
     std::string parents;
+    const std::regex header(R"(\d{4}-\d\d-\d\d \d\d:\d\d:\d\d\.\d{3} \[[0-9a-f]{4}\.[0-9a-f]{4}\]  [ID]: .*)");
     const int files = static_cast<int>(folder.files().size());
     EXPECT_GT(files, 20) << "too few rotations to show anything";
     for (int i = 0; i < files; ++i)
         for (const std::string& line : folder.lines(i)) {
+            EXPECT_TRUE(line.empty() || std::regex_match(line, header)) << line;
             if (line.find("Parent Process Id") != std::string::npos)
                 parents += line.substr(line.rfind("0x")) + " ";
-            if (line.ends_with(" end"))
-                seen.insert(line.substr(40));
+            if (line.size() > 40 && line.compare(40, 7, "record ") == 0)
+                ++seen[line.substr(40)];
         }
-    for (int i = 0; i < count; ++i)
-        expected.insert({record('a', i), record('b', i)});
-    EXPECT_TRUE(seen == expected) << seen.size();
+    EXPECT_EQ(seen.size(), 2u * count);
+    for (const char tag : {'a', 'b'})
+        for (int i = 0; i < count; ++i)
+            EXPECT_EQ(seen[record(tag, i)], 1) << tag << i;
     char id[16];
     std::snprintf(id, sizeof id, "0x%04lX ", GetCurrentProcessId());
     EXPECT_EQ(parents, std::string(id) + id);

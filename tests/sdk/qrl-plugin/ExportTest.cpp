@@ -7,40 +7,65 @@ using support::callMisaligned;
 
 namespace {
 
-std::string calls;
-pluginAPI record{};
-
-void note(const std::string& call, std::uint32_t type = 0, std::uint32_t data = 0)
-{
-    support::expectAlignedStack();
-    calls += call + std::to_string(type) + std::to_string(data) + " ";
-}
-
 /// Calls itself through the record from its run.
 struct AlignedPlugin : PluginImpl {
+    static void count()
+    {
+        support::expectAlignedStack();
+        ++calls;
+    }
     void run() override
     {
-        note("run");
-        callMisaligned(record.onPowerEvent, 4, &record, 18u, 3u);
-        callMisaligned(record.onSessionChangeEvent, 8, &record, 5u, 1u);
-        EXPECT_EQ(callMisaligned(record.pluginStop, 12, &record), 0u);
+        count();
+        for (const std::uint32_t offset : {4u, 8u, 12u}) {
+            callMisaligned(record->onPowerEvent, offset, record, 18u, 0u);
+            callMisaligned(record->onSessionChangeEvent, offset, record, 5u, 1u);
+            EXPECT_EQ(callMisaligned(record->pluginStop, offset, record), 0u);
+        }
     }
-    void stop() override { note("stop"); }
-    void onPowerEvent(std::uint32_t type, std::uint32_t data) override { note("power", type, data); }
-    void onSessionChangeEvent(std::uint32_t type, std::uint32_t data) override { note("session", type, data); }
+    void stop() override { count(); }
+    void onPowerEvent(std::uint32_t type, std::uint32_t) override
+    {
+        EXPECT_EQ(type, 18u);
+        count();
+    }
+    void onSessionChangeEvent(std::uint32_t type, std::uint32_t data) override
+    {
+        EXPECT_EQ(type, 5u);
+        EXPECT_EQ(data, 1u);
+        count();
+    }
+
+    static inline int calls = 0;
+    static inline pluginAPI* record = nullptr;
 };
+
+void VX_STDCALL ignoreReport(const char*, std::uint32_t) {}
+
+hosterAPI host{0, ignoreReport};
 
 } // namespace
 
 TEST(QRLPluginInitialize, worksOverAMisalignedStack)
 {
     registerPluginFactory([] { return std::make_shared<AlignedPlugin>(); });
+    pluginAPI record{};
     record.size = 36;
-    record.onResumeFromLowPowerMode = reinterpret_cast<PluginResumeFunction>(1);
-    EXPECT_EQ(callMisaligned(&QRLPluginInitialize, 4, "name", nullptr, &record), 0u);
+    AlignedPlugin::record = &record;
+    EXPECT_EQ(callMisaligned(&QRLPluginInitialize, 4, "name", &host, &record), 0u);
     EXPECT_EQ(record.pluginInitialize, &QRLPluginInitialize);
-    EXPECT_EQ(record.onResumeFromLowPowerMode, nullptr) << "it would come twice";
     EXPECT_EQ(callMisaligned(record.pluginMain, 12, &record), 0u);
-    EXPECT_EQ(calls, "run00 power183 session51 stop00 ");
+    EXPECT_EQ(AlignedPlugin::calls, 1 + 3 * 3);
+    EXPECT_EQ(record.pluginContextData, nullptr);
+}
+
+TEST(QRLPluginInitialize, sendsTheOldHostsResumeToThePowerEvent)
+{
+    pluginAPI record{};
+    record.size = 24;
+    ASSERT_EQ(QRLPluginInitialize("name", &host, &record), 0u);
+    ASSERT_NE(record.onResumeFromLowPowerMode, nullptr);
+    callMisaligned(record.onResumeFromLowPowerMode, 8, &record);
+    record.pluginMain(&record);
     EXPECT_EQ(record.pluginContextData, nullptr);
 }

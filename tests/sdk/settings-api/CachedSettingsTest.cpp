@@ -5,10 +5,14 @@
 #include "support/logcapture.h"
 #include "support/thrown.h"
 
+#include <functional>
+
 using namespace vx::settings;
 using nlohmann::json;
 using support::FakeSettings;
+using support::thrown;
 using testing::ElementsAre;
+using testing::HasSubstr;
 
 namespace {
 
@@ -57,7 +61,7 @@ TEST_F(CachedSettingsTest, firstReadDuringOutageThrowsWithoutTheName)
 {
     store->breakDown();
     const auto read = [&] { cached.getInt64Value(L"n"); };
-    EXPECT_EQ(L"Cached value doesn't exist", support::thrown<NotFoundException>(read).setting());
+    EXPECT_EQ(L"Cached value doesn't exist", thrown<NotFoundException>(read).setting());
 }
 
 TEST_F(CachedSettingsTest, firstReadAfterOutageReturnsOldValueAndTheNextTheSavedOne)
@@ -101,6 +105,40 @@ TEST_F(CachedSettingsTest, pendingValuesAreSavedOnceInOrderOfNamesPastAFailingOn
     for (int i = 0; i < 2; ++i)
         cached.getBoolValue(L"trigger");
     EXPECT_THAT(store->writes(), ElementsAre(L"trigger", L"a", L"c", L"d"));
+}
+
+TEST_F(CachedSettingsTest, cachedValueConvertsAsTheJsonLibraryDoes)
+{
+    store->breakDown();
+    cached.setStringValue(L"text", L"1");
+    cached.setDoubleValue(L"double", 2.9);
+    cached.setBoolValue(L"bool", true);
+    EXPECT_EQ(2, cached.getInt32Value(L"double"));
+    EXPECT_EQ(1, cached.getInt32Value(L"bool"));
+    const std::pair<std::function<void()>, const char*> refused[] = {
+        {[&] { cached.getInt32Value(L"text"); }, "type must be number, but is string"},
+        {[&] { cached.getBoolValue(L"double"); }, "type must be boolean, but is number"},
+        {[&] { cached.getInt64Value(L"bool"); }, "type must be number, but is boolean"},
+        {[&] { cached.getStringValue(L"bool"); }, "type must be string, but is boolean"},
+    };
+    for (const auto& [read, text] : refused) {
+        const auto failure = thrown<json::type_error>(read);
+        EXPECT_EQ(302, failure.id);
+        EXPECT_THAT(failure.what(), HasSubstr(text));
+    }
+}
+
+TEST_F(CachedSettingsTest, foreignExceptionPassesThroughAndLeavesTheValuePending)
+{
+    store->fail({}, std::make_exception_ptr(42));
+    EXPECT_THROW(cached.setInt32Value(L"n", 3), int);
+    EXPECT_THROW(cached.getInt32Value(L"n"), int);
+    store->repair();
+    store->fail(L"n", std::make_exception_ptr(43));
+    EXPECT_THROW(cached.setBoolValue(L"other", true), int); // out of the walk
+    store->repair(L"n");
+    cached.setBoolValue(L"other", true);
+    EXPECT_EQ(3, store->getInt32Value(L"n"));
 }
 
 TEST_F(CachedSettingsTest, subscriberMayUseTheSettingsWhileTheWriteIsUnderWay)

@@ -1,0 +1,88 @@
+#include "logfolder.h"
+
+#include "logging/details/utf8.h"
+
+#include <algorithm>
+#include <fstream>
+#include <iterator>
+#include <windows.h>
+
+namespace {
+
+constexpr const wchar_t* loggingKey = L"SOFTWARE\\Vantorix\\QRL\\Logging";
+
+void clear(const std::filesystem::path& root)
+{
+    std::error_code ignored;
+    std::filesystem::remove_all(root, ignored);
+    RegDeleteTreeW(HKEY_LOCAL_MACHINE, loggingKey);
+}
+
+} // namespace
+
+LogFolder::LogFolder()
+    : root(std::filesystem::temp_directory_path() / ("vx-log-test-" + std::to_string(GetCurrentProcessId())))
+{
+    clear(root);
+    std::filesystem::create_directories(root);
+    SetEnvironmentVariableW(L"ProgramData", root.c_str());
+}
+
+LogFolder::~LogFolder()
+{
+    clear(root);
+}
+
+std::filesystem::path LogFolder::file(int index) const
+{
+    const std::wstring suffix = index == 0 ? L".log" : L"." + std::to_wstring(index) + L".log";
+    return root / L"Vantorix" / L"Log" / name1 / (name2 + suffix);
+}
+
+std::vector<std::string> LogFolder::lines(int index) const
+{
+    std::ifstream stream(file(index), std::ios::binary);
+    const std::string bytes{std::istreambuf_iterator<char>(stream), {}};
+    EXPECT_EQ(bytes.size() % sizeof(wchar_t), 0u) << index;
+    std::wstring text(bytes.size() / sizeof(wchar_t), L'\0');
+    std::copy_n(bytes.data(), text.size() * sizeof(wchar_t), reinterpret_cast<char*>(text.data()));
+    EXPECT_TRUE(text.starts_with(L'\xFEFF')) << index;
+    std::vector<std::string> lines;
+    for (std::size_t begin = 1, end; begin < text.size(); begin = end + 2) {
+        end = std::min(text.find(L"\r\n", begin), text.size());
+        EXPECT_LT(end, text.size()) << "a line without an end";
+        vx::logging::details::appendUtf8(lines.emplace_back(), text.substr(begin, end - begin));
+    }
+    return lines;
+}
+
+std::vector<std::string> LogFolder::messages() const
+{
+    std::vector<std::string> result;
+    for (const std::string& line : lines())
+        if (line.size() >= 40 && line.find("***  LOG") == std::string::npos)
+            result.push_back(line.substr(40));
+    return result;
+}
+
+std::vector<std::string> LogFolder::files() const
+{
+    std::vector<std::string> result;
+    std::error_code missing;
+    for (const auto& entry : std::filesystem::directory_iterator(file().parent_path(), missing))
+        result.push_back(entry.path().filename().string());
+    std::ranges::sort(result);
+    return result;
+}
+
+void LogFolder::configure(const wchar_t* key, const wchar_t* value, unsigned long number)
+{
+    configure(key, value, REG_DWORD, &number, sizeof number);
+}
+
+void LogFolder::configure(
+    const wchar_t* key, const wchar_t* value, unsigned long type, const void* data, std::size_t size)
+{
+    const std::wstring path = std::wstring(loggingKey) + key;
+    EXPECT_EQ(RegSetKeyValueW(HKEY_LOCAL_MACHINE, path.c_str(), value, type, data, static_cast<DWORD>(size)), 0);
+}
