@@ -19,6 +19,7 @@ namespace {
 using vx::SharedHandle;
 
 constexpr int warmUp = 10;
+constexpr int batches = 5; ///< a single one's p99 swings by a third with what else the machine does
 constexpr int requests = 500;
 constexpr DWORD deadline = 30'000;
 /// Lets the manager's thread come to rest in its wait, as it is when a request comes.
@@ -148,24 +149,43 @@ std::vector<double> measureBareWakeUp()
     return times;
 }
 
-double percentile(const std::vector<double>& times, std::size_t percent)
+using Batches = std::vector<std::vector<double>>;
+
+/// The median of the batches' percentiles.
+double percentile(const Batches& all, std::size_t percent)
 {
-    return times[std::min(times.size() - 1, times.size() * percent / 100)];
+    std::vector<double> found;
+    for (const auto& times : all)
+        found.push_back(times[times.size() * percent / 100]);
+    std::ranges::sort(found);
+    return found[found.size() / 2];
+}
+
+double largest(const Batches& all)
+{
+    double most = 0;
+    for (const auto& times : all)
+        most = std::max(most, times.back());
+    return most;
 }
 
 } // namespace
 
 bool measureStartLatency()
 {
-    const std::vector<double> floor = measureBareWakeUp();
-    const std::vector<double> ours = measure();
-    const auto row = [&](const char* path, std::size_t percent, const char* reach, bool holds) {
-        const double bare = percentile(floor, percent);
-        const double time = percentile(ours, percent);
+    Batches floor;
+    Batches ours;
+    for (int i = 0; i < batches; ++i) {
+        floor.push_back(measureBareWakeUp());
+        ours.push_back(measure());
+    }
+    const auto row = [](const char* path, double bare, double time, const char* reach, bool holds) {
         return printReading(path, reading(bare, " us"), reading(time, " us"), reading(time / bare, "x"), reach, holds);
     };
-    row("start event set to process made, p50 of 500", 50, "", true);
-    const bool holds = row("start event set to process made, p99", 99, "< 1 ms", percentile(ours, 99) < 1000);
-    row("start event set to process made, max", 100, "", true);
+    const double p99 = percentile(ours, 99);
+    row("start event set to process made, p50 of 500", percentile(floor, 50), percentile(ours, 50), "", true);
+    const bool holds =
+        row("start event set to process made, p99 of 500", percentile(floor, 99), p99, "< 1 ms", p99 < 1000);
+    row("start event set to process made, max of 2500", largest(floor), largest(ours), "", true);
     return holds;
 }
