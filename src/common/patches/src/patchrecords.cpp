@@ -16,6 +16,8 @@ constexpr Field fields[] = {};
 template <>
 constexpr Field fields<PatchSpecifier>[] = {field<&PatchSpecifier::id>("id"), field<&PatchSpecifier::region>("region")};
 
+constexpr Field droppedSpecifier[] = {dropped<std::wstring>("id"), dropped<std::int64_t>("region")};
+
 template <>
 constexpr Field fields<PatchStatus>[] = {field<&PatchStatus::code>("code"), field<&PatchStatus::value>("value")};
 
@@ -106,6 +108,12 @@ bool details::read(const json& value, PatchSpecifier& target)
 bool details::read(const json& value, PatchStatus& target)
 {
     return readRecord(value, target);
+}
+
+template <>
+bool details::check<PatchSpecifier>(const json& value)
+{
+    return readMembers(value, droppedSpecifier, nullptr);
 }
 
 json details::write(const PatchSpecifier& specifier)

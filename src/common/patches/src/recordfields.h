@@ -57,6 +57,8 @@ template <>
 bool check<std::wstring>(const json& value);
 template <>
 bool check<std::vector<std::wstring>>(const json& value);
+template <>
+bool check<PatchSpecifier>(const json& value);
 
 template <typename Record, typename Value>
 Record recordOf(Value Record::*);

@@ -35,19 +35,19 @@ void CurrentOperations::update()
     // The queue without its mutex: the store hands out whole values, and the next pass repairs what is old.
     const auto queue = listFromJson<DeploymentItem>(m_settings.installation.deploymentQueue());
     json missing = m_status.scanning.lastScanning.missingUpdates();
-    std::vector<PatchInfo> patches = getMissingUpdates(missing);
+    const std::vector<MissingPatch> patches = getMissingUpdates(missing);
     const std::vector<LoggedState> log = getLog(m_status.installation.log.entries());
     const std::vector<OperationInfo> filters = getApplicableFilters(queue);
     const LogIndex index = indexOf(log);
 
     auto result = json::array();
     for (std::size_t i = 0; i < patches.size(); ++i) {
-        std::wstring updateId = deriveUpdateId(patches[i]);
+        const auto& [patch, updateId] = patches[i];
         const LoggedState* entry = nullptr;
         const bool found = getStatusForUpdate(updateId, index, entry);
         // Filters are tried for logged patches too: a bad rule warns at each evaluation.
         const bool matched = std::any_of(filters.begin(), filters.end(),
-            [&](const OperationInfo& filter) { return filter.isApplicable(patches[i], updateId); });
+            [&](const OperationInfo& filter) { return filter.isApplicable(patch, updateId); });
         if (!(found || matched) || (found && isDone(entry->status)))
             continue;
         json& published = missing[i];
@@ -78,10 +78,10 @@ std::vector<LoggedState> CurrentOperations::getLog(json entries)
     return log;
 }
 
-std::vector<PatchInfo> CurrentOperations::getMissingUpdates(json& missingUpdates) const
+std::vector<CurrentOperations::MissingPatch> CurrentOperations::getMissingUpdates(json& missingUpdates) const
 {
     VX_LOG_SCOPE();
-    std::vector<PatchInfo> patches;
+    std::vector<MissingPatch> patches;
     patches.reserve(missingUpdates.size());
     readEach<ListedUpdate>(missingUpdates, [&](ListedUpdate& update, json& element, bool isAsWritten) {
         const bool isCut =
@@ -89,7 +89,9 @@ std::vector<PatchInfo> CurrentOperations::getMissingUpdates(json& missingUpdates
         // Most are, and building them anew would cost more than all the rest of a pass.
         if (isCut || !isAsWritten)
             element = toJson(toMissingUpdate(PatchInfo(fromJson<MissingUpdate>(element)), {}));
-        patches.emplace_back(std::move(update));
+        PatchInfo patch(std::move(update));
+        std::wstring updateId = deriveUpdateId(patch); // while its texts are in the processor's cache
+        patches.push_back({std::move(patch), std::move(updateId)});
     });
     return patches;
 }

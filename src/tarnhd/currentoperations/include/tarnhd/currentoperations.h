@@ -37,11 +37,16 @@ private:
     /// The installation log by update_id; of several entries the one nearest the front.
     using LogIndex = std::unordered_map<std::wstring_view, const common::LoggedState*>;
 
+    struct MissingPatch {
+        common::PatchInfo patch;
+        std::wstring updateId;
+    };
+
     static LogIndex indexOf(const std::vector<common::LoggedState>& log);
     static std::vector<common::LoggedState> getLog(nlohmann::json entries);
     /// The patches with what identifies them and what filters look at. Also brings the elements into the form in
     /// which their patches are written.
-    std::vector<common::PatchInfo> getMissingUpdates(nlohmann::json& missingUpdates) const;
+    std::vector<MissingPatch> getMissingUpdates(nlohmann::json& missingUpdates) const;
     std::vector<common::OperationInfo> getApplicableFilters(
         const std::vector<common::DeploymentItem>& deploymentItems) const;
     bool getStatusForUpdate(const std::wstring& updateId, const LogIndex& log, const common::LoggedState*& entry) const;
