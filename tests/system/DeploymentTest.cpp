@@ -136,7 +136,7 @@ TEST_F(DeploymentTest, leadsFromTheRequestOverEachStateToTheResult)
     EXPECT_THAT(order->waitFor(3), ElementsAre("result", "result", "ack"));
     EXPECT_EQ(client.get(install + "result")->asString(), "success");
     EXPECT_THAT(queue(), IsEmpty());
-    EXPECT_EQ(logCount("Update a deployment remote operation status: 1"), 1u);
+    waitForLog("Update a deployment remote operation status: 1");
     EXPECT_EQ(command("patches"), 0u);
 }
 
