@@ -8,8 +8,8 @@
 
 namespace Vx {
 
-using vx::tarn::saturatingAdd;
-using vx::tarn::Ticks;
+using vx::saturatingAdd;
+using vx::Ticks;
 
 namespace {
 
@@ -18,7 +18,7 @@ constexpr std::chrono::nanoseconds longestWait = std::chrono::hours(24);
 
 constexpr Ticks toTicks(std::chrono::milliseconds duration)
 {
-    return vx::tarn::saturatingMultiply(duration.count(), vx::tarn::ticksPerMillisecond);
+    return vx::saturatingMultiply(duration.count(), vx::ticksPerMillisecond);
 }
 
 // A uniform number from 0 to `range`, both included. Values behind the largest multiple of the number of
@@ -43,7 +43,7 @@ std::uint64_t drawUpTo(std::mt19937& random, std::uint64_t range)
 
 } // namespace
 
-TaskScheduler::TaskScheduler(vx::tarn::WallClock clock) : m_random(std::random_device{}()), m_clock(std::move(clock)) {}
+TaskScheduler::TaskScheduler(vx::WallClock clock) : m_random(std::random_device{}()), m_clock(std::move(clock)) {}
 
 TaskScheduler::~TaskScheduler() = default;
 

@@ -3,7 +3,7 @@
 #include "common/tarnpatchsettings.h"
 #include "common/tarnpatchstatus.h"
 #include "tarnhd/agentstartreason.h"
-#include "tarnhd/wallclock.h"
+#include "vxtl/clock.h"
 
 #include <atomic>
 #include <chrono>
