@@ -1,7 +1,11 @@
 #include "bench/comparison.h"
 #include "tarnhd/taskscheduler.h"
 
+#include <condition_variable>
 #include <cstdio>
+#include <list>
+#include <memory>
+#include <mutex>
 #include <vector>
 
 namespace {

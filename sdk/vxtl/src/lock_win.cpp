@@ -78,7 +78,8 @@ bool ConditionVariable::waitFor(std::unique_lock<Mutex>& lock, std::chrono::mill
     if (timeout.count() <= 0)
         return false;
     const auto milliseconds = static_cast<DWORD>(std::min(timeout, longestWait).count());
-    return SleepConditionVariableSRW(condition(m_native), slim(lock.mutex()->m_native), milliseconds, 0) != 0;
+    return SleepConditionVariableSRW(condition(m_native), slim(lock.mutex()->m_native), milliseconds, 0) != 0 ||
+           timeout > longestWait;
 }
 
 void ConditionVariable::notify_one() noexcept

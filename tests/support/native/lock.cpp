@@ -83,7 +83,8 @@ bool ConditionVariable::waitFor(std::unique_lock<Mutex>& lock, std::chrono::mill
         end.tv_nsec -= 1'000'000'000;
     }
     return pthread_cond_clockwait(
-               as<pthread_cond_t>(m_native), as<pthread_mutex_t>(lock.mutex()->m_native), CLOCK_MONOTONIC, &end) == 0;
+               as<pthread_cond_t>(m_native), as<pthread_mutex_t>(lock.mutex()->m_native), CLOCK_MONOTONIC, &end) == 0 ||
+           timeout > longestWait;
 }
 
 void ConditionVariable::notify_one() noexcept

@@ -22,13 +22,21 @@ Ticks systemTicks() noexcept;
 /// Since the system's start, for time-outs: it never jumps.
 std::chrono::milliseconds uptime() noexcept;
 
-/// Sums and products that stop at the ends of the range: times come from settings and may be anything.
+/// Sums, differences and products that stop at the ends of the range: times come from settings and may be anything.
 constexpr Ticks saturatingAdd(Ticks a, Ticks b) noexcept
 {
     Ticks sum = 0;
     if (!__builtin_add_overflow(a, b, &sum))
         return sum;
     return b > 0 ? std::numeric_limits<Ticks>::max() : std::numeric_limits<Ticks>::min();
+}
+
+constexpr Ticks saturatingSubtract(Ticks a, Ticks b) noexcept
+{
+    Ticks difference = 0;
+    if (!__builtin_sub_overflow(a, b, &difference))
+        return difference;
+    return b < 0 ? std::numeric_limits<Ticks>::max() : std::numeric_limits<Ticks>::min();
 }
 
 constexpr Ticks saturatingMultiply(Ticks a, Ticks b) noexcept

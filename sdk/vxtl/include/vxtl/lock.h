@@ -73,8 +73,8 @@ public:
         while (!condition())
             wait(lock);
     }
-    /// False when the time has passed, which is at once when nothing of it is left. A time beyond 24 days ends early,
-    /// as a wait without a reason does.
+    /// False when the time has passed, which is at once when nothing of it is left. A time beyond 24 days ends early
+    /// and gives true, as a wait without a reason does.
     bool waitFor(std::unique_lock<Mutex>& lock, std::chrono::milliseconds timeout) noexcept;
 
     void notify_one() noexcept;
