@@ -2,13 +2,12 @@
 
 #include "tarnhd/task.h"
 #include "vxtl/clock.h"
+#include "vxtl/lock.h"
 
 #include <chrono>
-#include <condition_variable>
 #include <cstddef>
 #include <list>
 #include <memory>
-#include <mutex>
 #include <random>
 #include <string>
 
@@ -56,14 +55,12 @@ private:
 
     vx::Ticks replaceUnique(Entries::iterator queued, Entries& fresh);
     void insert(Entries& from, Entries::iterator entry);
-    void change();
-    std::chrono::nanoseconds untilFirstDue() const;
+    std::chrono::milliseconds untilFirstDue() const;
 
-    mutable std::mutex m_mutex;
-    std::condition_variable m_condition;
+    mutable vx::sync::Mutex m_mutex;
+    vx::sync::ConditionVariable m_condition;
     Entries m_tasks;        ///< sorted by due time; guarded by m_mutex
     bool m_stopped = false; ///< guarded by m_mutex
-    bool m_changed = false; ///< the loop must look at the queue again; guarded by m_mutex
     std::mt19937 m_random;  ///< guarded by m_mutex
     const vx::WallClock m_clock;
 };
