@@ -1,7 +1,11 @@
 #include "bench/comparison.h"
 #include "tarnhd/taskscheduler.h"
 
+#include <condition_variable>
 #include <cstdio>
+#include <list>
+#include <memory>
+#include <mutex>
 #include <vector>
 
 namespace {
@@ -18,10 +22,10 @@ struct NoTask : Vx::Task {
 /// The floor: the same queue, sorted anew behind each appended task.
 class SortedQueue {
 public:
-    vx::tarn::Ticks schedule(std::unique_ptr<Vx::Task> task, milliseconds delay)
+    vx::Ticks schedule(std::unique_ptr<Vx::Task> task, milliseconds delay)
     {
         const std::lock_guard lock(m_mutex);
-        const vx::tarn::Ticks due = vx::tarn::systemTicks() + delay.count() * vx::tarn::ticksPerMillisecond;
+        const vx::Ticks due = vx::systemTicks() + delay.count() * vx::ticksPerMillisecond;
         m_tasks.push_back({due, std::move(task)});
         m_tasks.sort([](const Entry& a, const Entry& b) { return a.due < b.due; });
         m_condition.notify_one();
@@ -30,7 +34,7 @@ public:
 
 private:
     struct Entry {
-        vx::tarn::Ticks due;
+        vx::Ticks due;
         std::unique_ptr<Vx::Task> task;
     };
     std::mutex m_mutex;

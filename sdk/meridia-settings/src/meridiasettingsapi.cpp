@@ -92,7 +92,7 @@ void SettingsApi::leaveToLibrary() noexcept
     }
     // Never destroyed: the library's threads outlive the module's static objects.
     static auto& kept = *new std::list<std::vector<std::unique_ptr<ChangeSubscription>>>;
-    static std::mutex mutex;
+    static sync::Mutex mutex;
     const std::lock_guard lock(mutex);
     kept.push_back(std::move(m_subscriptions));
 }

@@ -1,10 +1,10 @@
 #pragma once
 
 #include "qrlhosterplugin.h"
+#include "vxtl/lock.h"
 
 #include <atomic>
 #include <memory>
-#include <mutex>
 
 namespace vx::qrl {
 
@@ -38,7 +38,7 @@ private:
 
     const Callbacks m_callbacks;
     PluginFactory m_factory;
-    std::mutex m_instanceMutex;                  ///< never held across a call into the plug-in
+    sync::Mutex m_instanceMutex;                 ///< never held across a call into the plug-in
     std::shared_ptr<QrlHosterPlugin> m_instance; ///< guarded by m_instanceMutex, as is the record's context
     std::atomic<bool> m_stopRequested{false};    ///< never cleared
 };

@@ -3,6 +3,7 @@
 #include "vxtl/exception.h"
 
 #include <mutex>
+#include <shared_mutex>
 
 namespace vx::qrl {
 

@@ -2,10 +2,10 @@
 
 #include "qrl-plugin/hostrecords.h"
 #include "qrl-plugin/pluginimpl.h"
+#include "vxtl/lock.h"
 
 #include <atomic>
 #include <memory>
-#include <shared_mutex>
 #include <string>
 
 namespace vx::qrl {
@@ -50,7 +50,7 @@ private:
     hosterAPI* m_hosterAPI;
     /// Written by main and release; shared by the calls from other threads, so that none of them is left holding
     /// the plug-in when main's thread is to destroy it.
-    std::shared_mutex m_pluginMutex;
+    sync::SharedMutex m_pluginMutex;
     std::shared_ptr<PluginImpl> m_plugin; ///< guarded by m_pluginMutex
 };
 

@@ -1,13 +1,12 @@
 #include "vxtl/datetime.h"
 
+#include "vxtl/clock.h"
 #include "vxtl/exception.h"
 
 namespace vx {
 
 namespace {
 
-constexpr std::uint64_t ticksPerMillisecond = 10'000;
-constexpr std::uint64_t ticksPerSecond = 10'000'000;
 constexpr std::uint64_t ticksPerMinute = 600'000'000;
 constexpr std::uint64_t ticksPerHour = 36'000'000'000;
 constexpr std::uint64_t ticksPerDay = 24 * ticksPerHour;

@@ -1,16 +1,15 @@
 #include "vxtl/process/process.h"
 #include "ownaccount.h"
 #include "support/childtest.h"
+#include "support/footprint.h"
 #include "support/thrown.h"
 #include "vxtl/win32exception.h"
 
-#include <winternl.h>
+#include <windows.h>
 
-#include <algorithm>
 #include <filesystem>
 #include <iostream>
 #include <iterator>
-#include <span>
 
 using namespace vx;
 using namespace vx::process;
@@ -38,20 +37,6 @@ std::uint32_t exitCode(const Process& process)
 {
     EXPECT_TRUE(sync::waitForSingleObject(process, deadlineMs));
     return process.getReturnCode();
-}
-
-/// Counted in the system's own list: GetProcessHandleCount isn't everywhere more than a stub.
-std::ptrdiff_t openHandles()
-{
-    struct Entry {
-        ULONG owner, others[3];
-    };
-    constexpr auto systemHandleInformation = static_cast<SYSTEM_INFORMATION_CLASS>(16);
-    std::vector<ULONG> list(1 << 18);
-    ULONG size = 0;
-    EXPECT_EQ(NtQuerySystemInformation(systemHandleInformation, list.data(), list.size() * sizeof(ULONG), &size), 0);
-    const std::span handles(reinterpret_cast<const Entry*>(list.data() + 1), list[0]);
-    return std::ranges::count(handles, GetCurrentProcessId(), &Entry::owner);
 }
 
 int echo()
@@ -142,7 +127,7 @@ TEST(Process, leavesNoHandleOpenWhateverHappens)
         EXPECT_EQ(exitCode(Process(selfAsChild(L"exit1"), tokenFlags, all, token->get())), 1u);
         EXPECT_EQ(failure(nullptr).reason(), L"Can't create process");
         EXPECT_EQ(failure(token->get()).code(), ERROR_FILE_NOT_FOUND);
-        return openHandles();
+        return support::footprint().handles;
     };
     round(); // the system loads libraries of its own
     const std::ptrdiff_t before = round();

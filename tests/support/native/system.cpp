@@ -3,6 +3,7 @@
 #include "common/localtime.h"
 #include "logging/details/criticalsection.h"
 #include "logging/details/lasterror.h"
+#include "vxtl/clock.h"
 #include "vxtl/win32exception.h"
 
 #include <cerrno>
@@ -50,6 +51,31 @@ LastErrorKeeper::~LastErrorKeeper()
 }
 
 } // namespace vx::logging::details
+
+namespace vx {
+
+namespace {
+
+std::chrono::nanoseconds read(clockid_t clock) noexcept
+{
+    timespec now{};
+    clock_gettime(clock, &now);
+    return std::chrono::seconds(now.tv_sec) + std::chrono::nanoseconds(now.tv_nsec);
+}
+
+} // namespace
+
+Ticks systemTicks() noexcept
+{
+    return read(CLOCK_REALTIME).count() / 100;
+}
+
+std::chrono::milliseconds uptime() noexcept
+{
+    return std::chrono::duration_cast<std::chrono::milliseconds>(read(CLOCK_MONOTONIC));
+}
+
+} // namespace vx
 
 std::wstring vx::Win32ErrorCategory::emptyReason(unsigned long) noexcept
 {

@@ -2,11 +2,11 @@
 
 #include "delay-load/librarysearch.h"
 #include "delay-load/loadresult.h"
+#include "vxtl/lock.h"
 
 #include <functional>
 #include <map>
 #include <memory>
-#include <mutex>
 #include <string>
 
 namespace vx::delayload {
@@ -72,7 +72,7 @@ private:
     Module load(const LoadContext& context, const std::string& name);
 
     std::shared_ptr<ILoader> m_loader;
-    std::recursive_mutex m_mutex;
+    sync::RecursiveMutex m_mutex;
     std::map<std::string, Module> m_modules; ///< guarded by m_mutex
 };
 

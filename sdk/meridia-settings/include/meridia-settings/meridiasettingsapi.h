@@ -2,10 +2,10 @@
 
 #include "meridia-settings/qrlmeridiaapi.h"
 #include "settings-api/settingsimpl.h"
+#include "vxtl/lock.h"
 
 #include <functional>
 #include <memory>
-#include <mutex>
 #include <string>
 #include <vector>
 
@@ -57,7 +57,7 @@ private:
         settings::SubscriptionId subscriptionId; ///< the address of the record itself
         std::wstring settingName;
         settings::ChangeCallback callback; ///< guarded by deliveryMutex; empty once the owner is gone
-        std::recursive_mutex deliveryMutex{};
+        sync::RecursiveMutex deliveryMutex{};
     };
 
     void leaveToLibrary() noexcept;
@@ -66,7 +66,7 @@ private:
         const wchar_t* settingName, std::int32_t type, const void* value, void* context);
 
     QrlMeridiaHandle m_handles[2] = {0, 0}; ///< [0] reads and writes, [1] subscriptions
-    std::recursive_mutex m_mutex;
+    sync::RecursiveMutex m_mutex;
     std::vector<std::unique_ptr<ChangeSubscription>> m_subscriptions; ///< guarded by m_mutex
     QrlMeridiaApi m_api{};
 };

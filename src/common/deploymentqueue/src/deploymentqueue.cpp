@@ -2,13 +2,13 @@
 
 #include "common/patchrecords.h"
 #include "logging/logstream.h"
+#include "vxtl/clock.h"
 #include "vxtl/exception.h"
 #include "vxtl/globalmutex.h"
 
 #include <nlohmann/json.hpp>
 
 #include <algorithm>
-#include <chrono>
 #include <mutex>
 
 namespace vx::tarn::common {
@@ -43,8 +43,7 @@ Items::const_iterator find(const Items& items, const std::wstring& updateId)
 
 std::wstring operationIdNow()
 {
-    const auto now = std::chrono::system_clock::now().time_since_epoch();
-    return std::to_wstring(std::chrono::duration_cast<std::chrono::milliseconds>(now).count());
+    return std::to_wstring(systemTicks() / ticksPerMillisecond);
 }
 
 } // namespace

@@ -1,5 +1,7 @@
 #include "common/serviceproxy.h"
 
+#include "vxtl/clock.h"
+
 #include <windows.h>
 
 namespace vx::tarn::common {
@@ -66,9 +68,9 @@ ServiceOperation ServiceProxy::waitFor(ServiceState state, milliseconds timeout,
 bool waitForState(const std::function<ServiceState()>& currentState, ServiceState state, milliseconds timeout,
     milliseconds pollPause, const IWaitable* cancel)
 {
-    const auto deadline = std::chrono::steady_clock::now() + timeout;
+    const auto deadline = uptime() + timeout;
     while (currentState() != state)
-        if (std::chrono::steady_clock::now() >= deadline || pause(cancel, pollPause))
+        if (uptime() >= deadline || pause(cancel, pollPause))
             return false;
     return true;
 }

@@ -8,17 +8,19 @@
 
 namespace Vx {
 
-using vx::tarn::saturatingAdd;
-using vx::tarn::Ticks;
+using vx::saturatingAdd;
+using vx::saturatingSubtract;
+using vx::Ticks;
+using vx::ticksPerMillisecond;
 
 namespace {
 
-// One wait never lasts longer: the deadline of the condition variable would overflow for huge delays.
-constexpr std::chrono::nanoseconds longestWait = std::chrono::hours(24);
+// One wait never lasts longer, so that a clock that is set forward meanwhile is noticed.
+constexpr std::chrono::milliseconds longestWait = std::chrono::hours(24);
 
 constexpr Ticks toTicks(std::chrono::milliseconds duration)
 {
-    return vx::tarn::saturatingMultiply(duration.count(), vx::tarn::ticksPerMillisecond);
+    return vx::saturatingMultiply(duration.count(), ticksPerMillisecond);
 }
 
 // A uniform number from 0 to `range`, both included. Values behind the largest multiple of the number of
@@ -43,7 +45,7 @@ std::uint64_t drawUpTo(std::mt19937& random, std::uint64_t range)
 
 } // namespace
 
-TaskScheduler::TaskScheduler(vx::tarn::WallClock clock) : m_random(std::random_device{}()), m_clock(std::move(clock)) {}
+TaskScheduler::TaskScheduler(vx::WallClock clock) : m_random(std::random_device{}()), m_clock(std::move(clock)) {}
 
 TaskScheduler::~TaskScheduler() = default;
 
@@ -69,7 +71,7 @@ Ticks TaskScheduler::schedule(
     }
     const Ticks due = entry.due;
     insert(fresh, fresh.begin());
-    change();
+    m_condition.notify_one();
     return due;
 }
 
@@ -82,7 +84,7 @@ Ticks TaskScheduler::replaceUnique(Entries::iterator queued, Entries& fresh)
     const Ticks due = queued->due = entry.due;
     queued->task.swap(entry.task);
     insert(m_tasks, queued);
-    change();
+    m_condition.notify_one();
     return due;
 }
 
@@ -96,12 +98,6 @@ void TaskScheduler::insert(Entries& from, Entries::iterator entry)
     m_tasks.splice(position, from, entry);
 }
 
-void TaskScheduler::change()
-{
-    m_changed = true;
-    m_condition.notify_one();
-}
-
 std::size_t TaskScheduler::cancel(const std::string& name, std::size_t maxCount)
 {
     Entries removed;
@@ -112,7 +108,7 @@ std::size_t TaskScheduler::cancel(const std::string& name, std::size_t maxCount)
             removed.splice(removed.end(), m_tasks, entry);
     }
     if (!removed.empty())
-        change();
+        m_condition.notify_one();
     return removed.size();
 }
 
@@ -125,38 +121,34 @@ void TaskScheduler::deferAtLeast(std::chrono::milliseconds delay)
             break;
         entry.due = earliest;
     }
-    change();
+    m_condition.notify_one();
 }
 
-std::chrono::nanoseconds TaskScheduler::untilFirstDue() const
+// Rounded up: a wait that ended before the due time would be followed by another one.
+std::chrono::milliseconds TaskScheduler::untilFirstDue() const
 {
-    constexpr Ticks longest = longestWait / std::chrono::nanoseconds(100);
-    Ticks remaining = 0;
-    if (__builtin_sub_overflow(m_tasks.front().due, m_clock(), &remaining))
-        remaining = m_tasks.front().due > 0 ? longest : 0;
-    remaining = std::clamp(remaining, Ticks{0}, longest);
-    return std::chrono::nanoseconds(remaining * 100);
+    const Ticks remaining = saturatingSubtract(m_tasks.front().due, m_clock());
+    return std::chrono::milliseconds(remaining / ticksPerMillisecond + (remaining % ticksPerMillisecond > 0));
 }
 
 std::unique_ptr<Task> TaskScheduler::takeNext()
 {
     std::unique_lock lock(m_mutex);
-    const auto isInterrupted = [this] { return m_stopped || m_changed; };
-    for (;;) {
-        m_changed = false;
-        if (m_tasks.empty())
-            m_condition.wait(lock, isInterrupted);
-        else
-            m_condition.wait_for(lock, untilFirstDue(), isInterrupted);
-        if (m_stopped)
-            return nullptr;
-        // The wait may end early by the wall clock, which can be set back meanwhile.
-        if (!m_changed && m_tasks.front().due <= m_clock()) {
+    // Whatever has ended a wait, queue and clock are looked at anew: the clock can be set back meanwhile.
+    while (!m_stopped) {
+        if (m_tasks.empty()) {
+            m_condition.wait(lock);
+            continue;
+        }
+        const std::chrono::milliseconds remaining = untilFirstDue();
+        if (remaining.count() <= 0) {
             std::unique_ptr<Task> task = std::move(m_tasks.front().task);
             m_tasks.pop_front();
             return task;
         }
+        m_condition.waitFor(lock, std::min(remaining, longestWait));
     }
+    return nullptr;
 }
 
 void TaskScheduler::run()
@@ -185,7 +177,6 @@ void TaskScheduler::restart()
     const std::lock_guard lock(m_mutex);
     dropped.swap(m_tasks);
     m_stopped = false;
-    m_changed = true;
     m_condition.notify_all();
 }
 

@@ -7,14 +7,13 @@ namespace vx::tarn {
 
 SchedulerThread::SchedulerThread(ActionScheduler& scheduler, std::chrono::milliseconds period)
     : m_scheduler(scheduler), m_period(period),
-      m_thread([this] { guarded([this] { m_scheduler.start(m_period, true); }); })
+      m_thread([this] { m_scheduler.start(m_period, true); })
 {}
 
 SchedulerThread::~SchedulerThread()
 {
     // An owner that leaves with an exception has not been stopped.
     guarded([this] { m_scheduler.stop(); });
-    m_thread.join();
 }
 
 } // namespace vx::tarn

@@ -1,7 +1,8 @@
 #pragma once
 
+#include "tarnhd/joinedthread.h"
+
 #include <chrono>
-#include <thread>
 
 namespace vx::tarn {
 
@@ -20,7 +21,7 @@ public:
 private:
     ActionScheduler& m_scheduler;
     const std::chrono::milliseconds m_period; ///< the scheduler keeps a reference to it
-    std::thread m_thread;
+    JoinedThread m_thread;
 };
 
 } // namespace vx::tarn

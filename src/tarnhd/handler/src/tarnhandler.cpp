@@ -14,6 +14,7 @@
 #include "meridia-settings/qrlmeridiaerror.h"
 #include "tarnhd/actionscheduler.h"
 #include "tarnhd/currentoperations.h"
+#include "tarnhd/joinedthread.h"
 #include "tarnhd/scanifexpired.h"
 #include "tarnhd/startupautoscan.h"
 #include "tarnhd/startupdeploywatchdog.h"
@@ -22,7 +23,7 @@
 #include "tarnhd/tarnpatchmanager.h"
 #include "vxtl/guarded.h"
 
-#include <thread>
+#include <optional>
 #include <windows.h>
 
 namespace vx::tarn {
@@ -134,9 +135,9 @@ void TarnHandler::process()
     LogStream(Level::Info) << "Scheduler period: " << period.count() << " ms.";
     LogStream(Level::Info) << "Run processing";
     {
-        std::jthread watcher; // joined last
+        std::optional<JoinedThread> watcher; // joined last
         const SchedulerThread actions(*m_actionScheduler, period);
-        watcher = std::jthread([this] { guarded([this] { waitPostRebootDeployCompleted(); }); });
+        watcher.emplace([this] { waitPostRebootDeployCompleted(); });
         // A way out that is no stop must end the threads too.
         const EventSetter end{*m_stopEvent};
         m_running = true;

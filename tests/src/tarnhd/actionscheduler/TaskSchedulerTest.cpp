@@ -15,8 +15,8 @@ namespace {
 
 using std::chrono::milliseconds;
 using testing::ElementsAre;
-using vx::tarn::Ticks;
-using vx::tarn::ticksPerMillisecond;
+using vx::Ticks;
+using vx::ticksPerMillisecond;
 
 class TaskSchedulerTest : public testing::Test {
 protected:

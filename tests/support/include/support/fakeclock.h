@@ -1,6 +1,6 @@
 #pragma once
 
-#include "tarnhd/wallclock.h"
+#include "vxtl/clock.h"
 
 #include <atomic>
 #include <chrono>
@@ -9,13 +9,13 @@ namespace support {
 
 /// A clock that a test sets.
 struct FakeClock {
-    std::atomic<vx::tarn::Ticks> now{1'000'000'000'000};
+    std::atomic<vx::Ticks> now{1'000'000'000'000};
 
-    vx::tarn::WallClock function()
+    vx::WallClock function()
     {
         return [this] { return now.load(); };
     }
-    void advance(std::chrono::milliseconds by) { now += by.count() * vx::tarn::ticksPerMillisecond; }
+    void advance(std::chrono::milliseconds by) { now += by.count() * vx::ticksPerMillisecond; }
 };
 
 } // namespace support

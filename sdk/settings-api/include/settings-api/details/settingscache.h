@@ -1,9 +1,10 @@
 #pragma once
 
+#include "vxtl/lock.h"
+
 #include <atomic>
 #include <cstdint>
 #include <map>
-#include <mutex>
 #include <nlohmann/json.hpp>
 #include <optional>
 #include <string>
@@ -87,7 +88,7 @@ private:
     Slot& slotOf(const std::wstring& name);
     Version nextVersion() { return m_version.fetch_add(1, std::memory_order_acq_rel) + 1; }
 
-    mutable std::mutex m_mutex;
+    mutable sync::Mutex m_mutex;
     std::map<std::wstring, Slot> m_slots; ///< in the order of saving; guarded by m_mutex
     /// Where each name's slot stands, as names share long beginnings that an ordered look-up compares again and
     /// again. Guarded by m_mutex.

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "tarnhd/action.h"
-#include "tarnhd/wallclock.h"
+#include "vxtl/clock.h"
 
 namespace vx::tarn {
 

@@ -2,11 +2,11 @@
 
 #include "tarnhd/actionbase.h"
 #include "tarnhd/taskscheduler.h"
+#include "vxtl/lock.h"
 
 #include <chrono>
 #include <cstddef>
 #include <memory>
-#include <mutex>
 #include <string>
 #include <vector>
 
@@ -50,11 +50,11 @@ private:
     const std::string m_oneTimeTaskName = "OneTimeTask";
     Vx::TaskScheduler m_taskScheduler;
     std::vector<std::shared_ptr<ActionBase>> m_actions; ///< guarded by m_actionsMutex
-    std::mutex m_actionsMutex;
+    sync::Mutex m_actionsMutex;
     bool m_enabled = true;  ///< guarded by m_enabledMutex
     bool m_started = false; ///< guarded by m_startMutex
-    mutable std::recursive_mutex m_startMutex;
-    std::mutex m_enabledMutex;
+    mutable sync::RecursiveMutex m_startMutex;
+    sync::Mutex m_enabledMutex;
 };
 
 } // namespace vx::tarn

@@ -1,14 +1,13 @@
 #pragma once
 
 #include "tarnhd/task.h"
-#include "tarnhd/wallclock.h"
+#include "vxtl/clock.h"
+#include "vxtl/lock.h"
 
 #include <chrono>
-#include <condition_variable>
 #include <cstddef>
 #include <list>
 #include <memory>
-#include <mutex>
 #include <random>
 #include <string>
 
@@ -21,7 +20,7 @@ namespace Vx {
 class TaskScheduler {
 public:
     /// `clock` is called under the lock, so it must not call back.
-    explicit TaskScheduler(vx::tarn::WallClock clock = vx::tarn::systemTicks);
+    explicit TaskScheduler(vx::WallClock clock = vx::systemTicks);
     virtual ~TaskScheduler();
     TaskScheduler(const TaskScheduler&) = delete;
     TaskScheduler& operator=(const TaskScheduler&) = delete;
@@ -29,7 +28,7 @@ public:
     /// Queues the task for now + `delay` + a uniform random time from 0 to `randomRange`, both included, and
     /// gives the due time. A unique task replaces a queued one of its name when it is due earlier; otherwise
     /// it is dropped and the queued one's due time is given.
-    virtual vx::tarn::Ticks schedule(
+    virtual vx::Ticks schedule(
         std::unique_ptr<Task> task, std::chrono::milliseconds delay, std::chrono::milliseconds randomRange);
     /// Removes queued tasks of that name, the earliest first, at most `maxCount` unless that is 0. Gives the
     /// number removed. A task that is already running is not affected.
@@ -49,23 +48,21 @@ public:
 
 private:
     struct Entry {
-        vx::tarn::Ticks due;
+        vx::Ticks due;
         std::unique_ptr<Task> task;
     };
     using Entries = std::list<Entry>;
 
-    vx::tarn::Ticks replaceUnique(Entries::iterator queued, Entries& fresh);
+    vx::Ticks replaceUnique(Entries::iterator queued, Entries& fresh);
     void insert(Entries& from, Entries::iterator entry);
-    void change();
-    std::chrono::nanoseconds untilFirstDue() const;
+    std::chrono::milliseconds untilFirstDue() const;
 
-    mutable std::mutex m_mutex;
-    std::condition_variable m_condition;
+    mutable vx::sync::Mutex m_mutex;
+    vx::sync::ConditionVariable m_condition;
     Entries m_tasks;        ///< sorted by due time; guarded by m_mutex
     bool m_stopped = false; ///< guarded by m_mutex
-    bool m_changed = false; ///< the loop must look at the queue again; guarded by m_mutex
     std::mt19937 m_random;  ///< guarded by m_mutex
-    const vx::tarn::WallClock m_clock;
+    const vx::WallClock m_clock;
 };
 
 } // namespace Vx

@@ -2,11 +2,11 @@
 
 #include "qrl-plugin/pluginimpl.h"
 #include "vxtl/comutils.h"
+#include "vxtl/lock.h"
 
 #include <atomic>
 #include <chrono>
 #include <memory>
-#include <mutex>
 
 namespace vx::settings {
 class Settings;
@@ -98,7 +98,7 @@ private:
     std::shared_ptr<common::Event> m_stopEvent;          ///< manual-reset; ends all waits
     std::shared_ptr<common::Event> m_statusChangedEvent; ///< manual-reset; wakes run to publish
     std::atomic<bool> m_initialized{false};
-    std::mutex m_stopMutex; ///< held by stop, and by run for the stop that came too early
+    sync::Mutex m_stopMutex; ///< held by stop, and by run for the stop that came too early
 };
 
 } // namespace vx::tarn

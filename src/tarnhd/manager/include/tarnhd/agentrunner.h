@@ -3,13 +3,13 @@
 #include "common/tarnpatchsettings.h"
 #include "common/tarnpatchstatus.h"
 #include "tarnhd/agentstartreason.h"
-#include "tarnhd/wallclock.h"
+#include "vxtl/clock.h"
+#include "vxtl/lock.h"
 
 #include <atomic>
 #include <chrono>
 #include <cstdint>
 #include <memory>
-#include <mutex>
 #include <string>
 
 namespace vx::tarn::common {
@@ -59,17 +59,17 @@ private:
     void useUpArguments(const std::wstring& used);
 
     common::CommonFactory* const m_commonFactory; ///< borrowed
-    mutable std::recursive_mutex m_argumentsMutex;
+    mutable sync::RecursiveMutex m_argumentsMutex;
     std::wstring m_arguments; ///< guarded by m_argumentsMutex
     const TarnpatchSettings m_settings;
     const TarnpatchStatus m_status;
     const std::shared_ptr<common::Event> m_startEvent;
     std::atomic<int> m_agentsWaitedFor = 0; ///< more than one only beside a late thread
-    std::mutex m_timestampMutex;
+    sync::Mutex m_timestampMutex;
     std::int64_t m_lastStartTimestamp = -1; ///< seconds since the Unix epoch; guarded by m_timestampMutex
     const std::chrono::milliseconds m_retryPause;
     const std::int32_t m_maxRetries = 3600;
-    mutable std::mutex m_reasonMutex;
+    mutable sync::Mutex m_reasonMutex;
     AgentStartReason m_startReason = AgentStartReason::None; ///< guarded by m_reasonMutex
     const WallClock m_now;
 };

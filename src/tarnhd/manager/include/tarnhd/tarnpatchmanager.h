@@ -3,12 +3,12 @@
 #include "common/tarnpatchsettings.h"
 #include "common/tarnpatchstatus.h"
 #include "tarnhd/agentstartreason.h"
-#include "tarnhd/wallclock.h"
+#include "vxtl/clock.h"
+#include "vxtl/lock.h"
 
 #include <atomic>
 #include <chrono>
 #include <memory>
-#include <mutex>
 #include <string>
 
 namespace vx::tarn::common {
@@ -65,7 +65,7 @@ private:
     std::shared_ptr<common::Event> m_stopEvent; ///< guarded by m_threadMutex
     const std::shared_ptr<AgentRunner> m_runner;
     std::atomic<bool> m_running = false;
-    std::mutex m_threadMutex;
+    sync::Mutex m_threadMutex;
     std::shared_ptr<PinnedThread> m_actionThread; ///< empty when there is none; guarded by m_threadMutex
     const std::chrono::milliseconds m_stopTimeout;
 };

@@ -1,0 +1,147 @@
+// The functions of <pthread.h> that libstdc++ and libgcc call for exceptions, static objects of functions and
+// locales. Each of their locks is one word: its initial value marks it as fresh, zero is a fresh lock of the system's.
+
+#include <cerrno>
+#include <pthread.h>
+#include <windows.h>
+
+namespace __gnu_cxx {
+void __freeres();
+}
+
+extern "C" unsigned char __stdcall RtlDllShutdownInProgress();
+
+namespace {
+
+static_assert(sizeof(pthread_mutex_t) == sizeof(SRWLOCK) && sizeof(pthread_cond_t) == sizeof(CONDITION_VARIABLE) &&
+              sizeof(pthread_once_t) == sizeof(INIT_ONCE));
+
+// Negative values are the initialisers of the header. The system's locks never have them: they hold addresses, of
+// which no half of a process of 32 bits is all ones.
+template <typename Lock, typename Word>
+Lock* ready(Word* word)
+{
+    if (const Word initial = __atomic_load_n(word, __ATOMIC_RELAXED); initial >= -3 && initial < 0) {
+        Word expected = initial;
+        __atomic_compare_exchange_n(word, &expected, 0, false, __ATOMIC_RELAXED, __ATOMIC_RELAXED);
+    }
+    return reinterpret_cast<Lock*>(word);
+}
+
+/// The one slot that the run-time uses, for what it keeps of each thread. The system's slots for fibers call back
+/// for every thread's value when the slot is given back.
+class Slot {
+public:
+    int create(void (*destroy)(void*))
+    {
+        if (m_index != FLS_OUT_OF_INDEXES)
+            return EAGAIN;
+        m_destroy = destroy;
+        m_index = FlsAlloc(&destroyValue);
+        return m_index == FLS_OUT_OF_INDEXES ? EAGAIN : 0;
+    }
+    void* get() const { return FlsGetValue(m_index); }
+    int set(const void* value) const { return FlsSetValue(m_index, const_cast<void*>(value)) ? 0 : EINVAL; }
+    void release()
+    {
+        FlsFree(m_index);
+        m_index = FLS_OUT_OF_INDEXES;
+    }
+
+private:
+    static void WINAPI destroyValue(void* value);
+
+    DWORD m_index = FLS_OUT_OF_INDEXES;
+    void (*m_destroy)(void*) = nullptr;
+};
+
+constinit Slot slot;
+
+void WINAPI Slot::destroyValue(void* value)
+{
+    if (value)
+        slot.m_destroy(value);
+}
+
+/// Its destruction is the module's last one, when none of its code throws any more.
+struct LastOfModule {
+    ~LastOfModule()
+    {
+        if (RtlDllShutdownInProgress())
+            return;
+        slot.release();
+        __gnu_cxx::__freeres();
+    }
+};
+
+__attribute__((init_priority(101))) LastOfModule lastOfModule;
+
+BOOL CALLBACK callOnce(INIT_ONCE*, void* function, void**)
+{
+    reinterpret_cast<void (*)()>(function)();
+    return TRUE;
+}
+
+} // namespace
+
+int pthread_mutex_init(pthread_mutex_t* mutex, const pthread_mutexattr_t*)
+{
+    *mutex = 0;
+    return 0;
+}
+
+int pthread_mutex_destroy(pthread_mutex_t*)
+{
+    return 0;
+}
+
+int pthread_mutex_lock(pthread_mutex_t* mutex)
+{
+    AcquireSRWLockExclusive(ready<SRWLOCK>(mutex));
+    return 0;
+}
+
+int pthread_mutex_unlock(pthread_mutex_t* mutex)
+{
+    ReleaseSRWLockExclusive(ready<SRWLOCK>(mutex));
+    return 0;
+}
+
+int pthread_cond_wait(pthread_cond_t* condition, pthread_mutex_t* mutex)
+{
+    SleepConditionVariableSRW(ready<CONDITION_VARIABLE>(condition), ready<SRWLOCK>(mutex), INFINITE, 0);
+    return 0;
+}
+
+int pthread_cond_broadcast(pthread_cond_t* condition)
+{
+    WakeAllConditionVariable(ready<CONDITION_VARIABLE>(condition));
+    return 0;
+}
+
+int pthread_once(pthread_once_t* once, void (*function)())
+{
+    InitOnceExecuteOnce(reinterpret_cast<INIT_ONCE*>(once), &callOnce, reinterpret_cast<void*>(function), nullptr);
+    return 0;
+}
+
+int pthread_key_create(pthread_key_t* key, void (*destroy)(void*))
+{
+    *key = 0;
+    return slot.create(destroy);
+}
+
+void* pthread_getspecific(pthread_key_t)
+{
+    return slot.get();
+}
+
+int pthread_setspecific(pthread_key_t, const void* value)
+{
+    return slot.set(value);
+}
+
+pthread_t pthread_self()
+{
+    return GetCurrentThreadId();
+}

@@ -1,0 +1,110 @@
+#include "support/footprint.h"
+
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <future>
+#include <thread>
+#include <windows.h>
+
+namespace {
+
+/// The library, loaded for the object's life.
+class Library {
+public:
+    Library() { EXPECT_NE(m_module, nullptr); }
+    ~Library()
+    {
+        EXPECT_TRUE(FreeLibrary(m_module));
+        EXPECT_EQ(GetModuleHandleW(name), nullptr);
+    }
+    Library(const Library&) = delete;
+    Library& operator=(const Library&) = delete;
+
+    bool throwNested(int value) const { return function<bool(int)>("throwNested")(value); }
+    void makeOnce(void (*make)()) const { function<void(void (*)())>("makeOnce")(make); }
+
+private:
+    static constexpr auto name = L"thread-layer-testlibrary.dll";
+
+    template <typename Function>
+    Function* function(const char* exported) const
+    {
+        return reinterpret_cast<Function*>(reinterpret_cast<void*>(GetProcAddress(m_module, exported)));
+    }
+
+    const HMODULE m_module = LoadLibraryW(name);
+};
+
+template <typename Work>
+void onThreads(int count, Work work)
+{
+    std::vector<std::thread> threads;
+    for (int i = 0; i < count; ++i)
+        threads.emplace_back([&work, i] { work(i); });
+    for (std::thread& thread : threads)
+        thread.join();
+}
+
+TEST(ThreadLayer, keepsTheExceptionsOfThreadsApart)
+{
+    const Library library;
+    std::atomic<int> failures = 0;
+    onThreads(4, [&](int thread) {
+        for (int i = 0; i < 500; ++i)
+            failures += !library.throwNested(thread * 1000 + i);
+    });
+    EXPECT_EQ(failures, 0);
+}
+
+TEST(ThreadLayer, makesAStaticObjectOnceWhileOthersWaitForIt)
+{
+    static std::atomic<int> made;
+    const Library library;
+    std::atomic<int> early = 0;
+    onThreads(8, [&](int) {
+        library.makeOnce([] {
+            SwitchToThread();
+            ++made;
+        });
+        early += made != 1;
+    });
+    EXPECT_EQ(made, 1);
+    EXPECT_EQ(early, 0);
+}
+
+// What the layer keeps of a thread is destroyed by code of the library.
+TEST(ThreadLayer, isDoneWithAThreadThatOutlivesTheLibrary)
+{
+    auto library = std::make_unique<Library>();
+    std::promise<void> thrown, unloaded;
+    std::thread outliving([&] {
+        library->throwNested(1);
+        thrown.set_value();
+        unloaded.get_future().wait();
+    });
+    thrown.get_future().wait();
+    library.reset();
+    unloaded.set_value();
+    outliving.join();
+}
+
+TEST(ThreadLayer, leavesNothingBehindInItsProcess)
+{
+    constexpr int cycles = 20;
+    const auto cycle = [] {
+        const Library library;
+        onThreads(2, [&](int i) { library.throwNested(i); });
+        EXPECT_TRUE(library.throwNested(0));
+    };
+    cycle();
+    const support::Footprint before = support::footprint();
+    for (int i = 0; i < cycles; ++i)
+        cycle();
+    const support::Footprint left = support::footprint() - before;
+    EXPECT_LT(left.handles, cycles / 2);
+    EXPECT_EQ(left.threadSlots, 0);
+    EXPECT_LT(left.heapBytes, cycles * 1024);
+}
+
+} // namespace
