@@ -1,8 +1,10 @@
 #include "vxtl/lock.h"
 
-#include "vxtl/threadid.h"
+#include "logging/details/threadid.h"
 
 namespace vx::sync {
+
+using logging::details::currentThreadId;
 
 void RecursiveMutex::lock() noexcept
 {

@@ -1,11 +1,9 @@
 #include "vxtl/lock.h"
 
-#include "vxtl/threadid.h"
-
 #include <algorithm>
 #include <windows.h>
 
-namespace vx {
+namespace vx::sync {
 
 namespace {
 
@@ -24,13 +22,6 @@ CONDITION_VARIABLE* condition(void** storage) noexcept
 constexpr std::chrono::milliseconds longestWait(0x7FFFFFFF);
 
 } // namespace
-
-unsigned long currentThreadId() noexcept
-{
-    return GetCurrentThreadId();
-}
-
-namespace sync {
 
 void Mutex::lock() noexcept
 {
@@ -92,6 +83,4 @@ void ConditionVariable::notify_all() noexcept
     WakeAllConditionVariable(condition(m_native));
 }
 
-} // namespace sync
-
-} // namespace vx
+} // namespace vx::sync

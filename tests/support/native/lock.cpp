@@ -1,14 +1,12 @@
-// Native twin of the locks and of the thread's number. Zeros are a fresh lock of each kind here, as on Windows.
+// Native twin of the locks. Zeros are a fresh lock of each kind here, as on Windows.
 
 #include "vxtl/lock.h"
-#include "vxtl/threadid.h"
 
 #include <algorithm>
 #include <pthread.h>
 #include <time.h>
-#include <unistd.h>
 
-namespace vx {
+namespace vx::sync {
 
 namespace {
 
@@ -20,13 +18,6 @@ Native* as(void* (&storage)[Size]) noexcept
 }
 
 } // namespace
-
-unsigned long currentThreadId() noexcept
-{
-    return static_cast<unsigned long>(gettid());
-}
-
-namespace sync {
 
 void Mutex::lock() noexcept
 {
@@ -97,6 +88,4 @@ void ConditionVariable::notify_all() noexcept
     pthread_cond_broadcast(as<pthread_cond_t>(m_native));
 }
 
-} // namespace sync
-
-} // namespace vx
+} // namespace vx::sync

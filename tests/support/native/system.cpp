@@ -3,6 +3,7 @@
 #include "common/localtime.h"
 #include "logging/details/criticalsection.h"
 #include "logging/details/lasterror.h"
+#include "logging/details/threadid.h"
 #include "vxtl/clock.h"
 #include "vxtl/win32exception.h"
 
@@ -10,6 +11,7 @@
 #include <mutex>
 #include <new>
 #include <time.h>
+#include <unistd.h>
 
 namespace vx::logging::details {
 
@@ -48,6 +50,11 @@ LastErrorKeeper::LastErrorKeeper() noexcept : m_lastError(static_cast<unsigned l
 LastErrorKeeper::~LastErrorKeeper()
 {
     errno = static_cast<int>(m_lastError);
+}
+
+unsigned long currentThreadId() noexcept
+{
+    return static_cast<unsigned long>(gettid());
 }
 
 } // namespace vx::logging::details
