@@ -2,8 +2,12 @@
 
 #include "logging/details/lasterror.h"
 #include "logging/details/messagetext.h"
+#include "logging/details/threadid.h"
 
+#include <algorithm>
+#include <cstddef>
 #include <mutex>
+#include <new>
 
 namespace vx::logging {
 
@@ -48,8 +52,9 @@ std::string escape(std::string_view text)
 
 LogContext& LogContext::instance()
 {
-    // Never destroyed: other threads may still log while the process ends.
-    static LogContext& context = *new LogContext;
+    // Never destroyed: other threads may still log while the process ends. In memory that can't be short.
+    alignas(LogContext) static std::byte memory[sizeof(LogContext)];
+    static LogContext& context = *new (memory) LogContext;
     return context;
 }
 
@@ -60,25 +65,43 @@ LogContext::LogContext() : m_lockValid(false), m_lock(lockSpinCount)
         VxQrlLogging::log(2, "!!! InitializeCriticalSectionAndSpinCount failed: %i\n", m_lock.error());
 }
 
-int LogContext::takeDepth(int indentChange)
+int LogContext::takeDepth(int indentChange) noexcept
 {
     std::unique_lock lock(m_lock, std::defer_lock);
     if (m_lockValid)
         lock.lock();
-    int& depth = m_depths[std::this_thread::get_id()];
-    const int old = depth;
-    depth += indentChange;
+    const unsigned long thread = details::currentThreadId();
+    const auto found = m_depths.find(thread);
+    const int old = found == m_depths.end() ? 0 : found->second;
+    const int depth = std::max(old + indentChange, 0);
+    if (depth == old)
+        return depth;
+    if (depth == 0) {
+        m_depths.erase(found);
+    } else if (old != 0) {
+        found->second = depth;
+    } else {
+        try {
+            m_depths.emplace(thread, depth);
+        } catch (const std::bad_alloc&) {
+            // The scope's lines go out as they would without it, and its end finds nothing to take back.
+        }
+    }
     return indentChange >= 1 ? old : depth;
 }
 
 void LogContext::write(Level level, std::string_view text, int indentChange) noexcept
 {
     try {
-        if (!isEnabled(level))
+        const bool enabled = isEnabled(level);
+        // Both ends of a scope count although the level may be filtered since it began: a depth that is left behind
+        // would go on to the thread that is given the number next.
+        if (!enabled && indentChange == 0)
             return;
-        // The compiler's thread id is a thread-local look-up, which clears the last error.
         const details::LastErrorKeeper keeper;
         const int depth = takeDepth(indentChange);
+        if (!enabled)
+            return;
         details::MessageText indentation;
         indentation.append(depth > 0 ? 2 * static_cast<std::size_t>(depth) : 0, ' ');
         details::MessageText escaped;

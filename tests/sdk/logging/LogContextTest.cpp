@@ -40,6 +40,18 @@ TEST(LogScope, indentsWhatLiesBetweenItsBracesUnlessDebugIsFiltered)
     }
 }
 
+TEST(LogScope, givesItsDepthBackWhenDebugWasFilteredMeanwhile)
+{
+    support::LogCapture log;
+    {
+        const LogScope scope("scope");
+        VxQrlLogging::details::processLevel = 4;
+        LogStream(Level::Info) << "inside";
+    }
+    LogStream(Level::Info) << "after";
+    EXPECT_EQ(log.text(), "{ scope\n  inside\nafter\n");
+}
+
 TEST(LogContext, keepsTheDepthOfEachThreadApart)
 {
     support::LogCapture log;

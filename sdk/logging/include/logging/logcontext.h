@@ -6,7 +6,6 @@
 #include <map>
 #include <string>
 #include <string_view>
-#include <thread>
 
 namespace vx::logging {
 
@@ -24,14 +23,16 @@ public:
     LogContext& operator=(const LogContext&) = delete;
 
     /// Escapes and indents the text and hands it to the back-end. A change of +1 takes effect behind
-    /// this line, a change of -1 before it. Never throws; keeps the thread's
-    /// last error.
+    /// this line, a change of -1 before it, both also when the line is filtered. Never throws; keeps the thread's
+    /// last error. Without memory a thread's first scope goes without its indentation; no depth falls below zero.
+    /// A thread that is killed inside a scope leaves its depth to the next one with its number.
     void write(Level level, std::string_view text, int indentChange) noexcept;
 
 private:
-    int takeDepth(int indentChange);
+    int takeDepth(int indentChange) noexcept;
 
-    std::map<std::thread::id, int> m_depths; ///< guarded by m_lock while that is valid
+    /// By the system's number of the thread; only those that are in a scope. Guarded by m_lock while that is valid.
+    std::map<unsigned long, int> m_depths;
     bool m_lockValid;
     details::CriticalSection m_lock;
 };
