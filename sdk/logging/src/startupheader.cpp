@@ -98,6 +98,13 @@ std::string describeModule(const std::string& versionText)
            ", Modified: " + localTime(data.ftLastWriteTime);
 }
 
+std::string failureLine(const char* function, const std::exception& failure)
+{
+    std::string line = std::string("An error occurred in vx::logging::startup_header::") + function + ": ";
+    details::appendForeign(line, failure.what());
+    return line;
+}
+
 } // namespace
 
 std::string getStartProcessInfo()
@@ -107,7 +114,7 @@ std::string getStartProcessInfo()
         return "Process file: " + utf8(fileOfModule(nullptr)) + ", Process Id: 0x" + print("%04X", id) +
                ", Parent Process Id: 0x" + print("%04X", parentProcessId());
     } catch (const std::exception& e) {
-        return std::string("An error occurred in vx::logging::startup_header::getStartProcessInfo: ") + e.what();
+        return failureLine("getStartProcessInfo", e);
     }
 }
 
@@ -116,7 +123,7 @@ std::string getModuleFileInfo(const std::string& versionText)
     try {
         return describeModule(versionText);
     } catch (const std::exception& e) {
-        return std::string("An error occurred in vx::logging::startup_header::getModuleFileInfo: ") + e.what();
+        return failureLine("getModuleFileInfo", e);
     }
 }
 

@@ -40,7 +40,7 @@ bool writeThrough(
     try {
         (provider.*Kind::set)(name, value);
     } catch (const std::exception& exception) {
-        LogStream(Level::Warning) << Kind::writeFailure << name << ". Exception caught: " << exception.what();
+        LogStream(Level::Warning) << Kind::writeFailure << name << ". Exception caught: " << What(exception);
         return false;
     }
     write.succeed();
@@ -61,7 +61,7 @@ typename Kind::Value CachedSettings::read(const std::wstring& name, const wchar_
     try {
         value.emplace((m_provider.get()->*Kind::get)(name));
     } catch (const std::exception& exception) {
-        LogStream(Level::Warning) << Kind::readFailure << name << ". Exception caught: " << exception.what()
+        LogStream(Level::Warning) << Kind::readFailure << name << ". Exception caught: " << What(exception)
                                   << ". Will be used a cached value";
         return readCached<Kind>(name, function);
     }

@@ -3,6 +3,7 @@
 #include "valuekinds.h"
 
 #include "logging/logstream.h"
+#include "vxtl/exception.h"
 
 #include <algorithm>
 #include <iterator>
@@ -84,7 +85,7 @@ SaveResult save(SettingsCache& cache, SettingsImpl& provider, const SettingsCach
     try {
         handler->save(provider, pending.name, pending.value);
     } catch (const std::exception& exception) {
-        LogStream(Level::Warning) << "Failed to save a cache value to the settings. Reason: " << exception.what();
+        LogStream(Level::Warning) << "Failed to save a cache value to the settings. Reason: " << What(exception);
         return SaveResult::Failed;
     }
     LogStream(Level::Debug) << "Cached value " << pending.name << " successfully saved";

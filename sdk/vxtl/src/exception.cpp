@@ -1,6 +1,8 @@
 #include "vxtl/exception.h"
 
+#include "logging/details/lasterror.h"
 #include "logging/details/textbuffer.h"
+#include "logging/details/utf8.h"
 #include "vxtl/str.h"
 
 #include <ostream>
@@ -13,6 +15,17 @@ namespace {
 std::shared_ptr<const std::wstring> share(const wchar_t* text)
 {
     return std::make_shared<const std::wstring>(text ? text : L"");
+}
+
+std::string utf8Report(const std::exception& exception)
+{
+    const logging::details::LastErrorKeeper keeper;
+    std::string text;
+    if (const auto* own = dynamic_cast<const BaseException*>(&exception))
+        logging::details::appendUtf8(text, own->wideWhat());
+    else
+        logging::details::appendForeign(text, exception.what());
+    return text;
 }
 
 } // namespace
@@ -78,6 +91,11 @@ void BaseException::reportPlace(std::wostream& stream) const
     stream << L", Function: " << *m_function << L", File: " << *m_file << L", Line: " << m_line;
 }
 
+std::ostream& operator<<(std::ostream& stream, const What& what)
+{
+    return stream << utf8Report(what.m_exception);
+}
+
 std::wstring details::widenSource(std::string_view text)
 {
     return {text.begin(), text.end()};
@@ -91,9 +109,7 @@ LogStream& operator<<(LogStream& stream, const std::exception& exception) noexce
         return stream;
     stream << "Exception occurred. ";
     try {
-        const auto* own = dynamic_cast<const BaseException*>(&exception);
-        const std::wstring text = own ? std::wstring(own->wideWhat()) : str::toUnicode(exception.what());
-        stream << str::toMultibyte(text);
+        stream << utf8Report(exception);
     } catch (...) {
         stream << "Serious Error: Exception occurred during another exception tracing.";
     }

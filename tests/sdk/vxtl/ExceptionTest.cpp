@@ -1,6 +1,7 @@
 #include "vxtl/exception.h"
 #include "support/logcapture.h"
 #include "support/thrown.h"
+#include "vxtl/guarded.h"
 
 #include <ostream>
 
@@ -55,6 +56,20 @@ TEST(BaseException, logsItsReportAndSurvivesOneThatThrows)
     for (const char* line : {"Exception occurred. Type: vx::BaseException, Reason: went wrong",
              "Exception occurred. plain", "Serious Error: Exception occurred during another exception tracing."})
         EXPECT_TRUE(log.has(2, line)) << log.text();
+}
+
+TEST(BaseException, standsInTheLogInUtf8)
+{
+    const BaseException exception(L"stra\u00dfe \u6f22", L"f", L"file", 1);
+    const std::string report = "Type: vx::BaseException, Reason: stra\xc3\x9f"
+                               "e \xe6\xbc\xa2, Function: f, File: file, Line: 1\n";
+    support::LogCapture log;
+    logging::LogStream(logging::Level::Error) << exception;
+    logging::LogStream(logging::Level::Error) << "Text: " << What(exception);
+    guarded("Guarded: ", [&] { throw exception; });
+    guarded([&] { throw exception; });
+    EXPECT_EQ(log.text(),
+        "Exception occurred. " + report + "Text: " + report + "Guarded: " + report + "Exception occurred. " + report);
 }
 
 } // namespace

@@ -51,3 +51,8 @@ void vx::logging::details::appendUtf8(std::string& target, std::wstring_view tex
 {
     target += vx::str::toUtf8(text);
 }
+
+void vx::logging::details::appendForeign(std::string& target, std::string_view text)
+{
+    target += text;
+}

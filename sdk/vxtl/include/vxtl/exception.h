@@ -44,6 +44,18 @@ private:
     mutable std::shared_ptr<const std::string> m_narrowReport;
 };
 
+/// An exception's report as a value of a log line, in the log's UTF-8 and not in the code page of what():
+/// LogStream(Level::Error) << "Failed. " << What(e). Borrows the exception. A report that can't be made is left out.
+class What {
+public:
+    explicit What(const std::exception& exception) noexcept : m_exception(exception) {}
+
+    friend std::ostream& operator<<(std::ostream& stream, const What& what);
+
+private:
+    const std::exception& m_exception;
+};
+
 namespace details {
 std::wstring widenSource(std::string_view text);
 } // namespace details

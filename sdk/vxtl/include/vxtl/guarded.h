@@ -16,7 +16,7 @@ bool guarded(const Message& message, Function&& function) noexcept
         std::forward<Function>(function)();
         return true;
     } catch (const std::exception& e) {
-        logging::LogStream(logging::Level::Error) << message << e.what();
+        logging::LogStream(logging::Level::Error) << message << What(e);
     } catch (...) {
         logging::LogStream(logging::Level::Error) << message << "Unknown exception";
     }

@@ -17,7 +17,7 @@ std::shared_ptr<settings::Settings> createSettings(
             LogStream(Level::Debug) << e;
             failed = !retry || !retry(e.code());
         } catch (const std::exception& e) {
-            LogStream(Level::Error) << "Exception caught: " << e.what();
+            LogStream(Level::Error) << "Exception caught: " << What(e);
             failed = true;
         }
     }

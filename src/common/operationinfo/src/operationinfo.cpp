@@ -4,6 +4,7 @@
 #include "common/patchinfo.h"
 #include "common/updateid.h"
 #include "logging/logstream.h"
+#include "vxtl/exception.h"
 #include "vxtl/str.h"
 
 #include <array>
@@ -108,7 +109,7 @@ void OperationInfo::parseGuids(std::wstring_view text)
         try {
             guid = utils::guidFromString(token);
         } catch (const std::runtime_error& e) {
-            LogStream(Level::Warning) << "Failed to parse GUID: " << token << ". Exception caught: " << e.what();
+            LogStream(Level::Warning) << "Failed to parse GUID: " << token << ". Exception caught: " << What(e);
         }
         // The zero GUID stands for no GUID, also where it was written so.
         if (guid != utils::Guid{})

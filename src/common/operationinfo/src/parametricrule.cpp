@@ -3,6 +3,7 @@
 #include "common/number.h"
 #include "common/patchinfo.h"
 #include "logging/logstream.h"
+#include "vxtl/exception.h"
 #include "vxtl/str.h"
 
 #include <algorithm>
@@ -78,7 +79,7 @@ bool matchesParametricRule(const std::vector<RuleParameter>& parameters, const P
         LogStream(Level::Warning) << "Failed to convert severity to number: "
                                   << (text.empty() ? "Unknown exception" : text);
     } catch (const std::out_of_range& e) {
-        LogStream(Level::Warning) << "Failed to convert severity because of out of range exception: " << e.what();
+        LogStream(Level::Warning) << "Failed to convert severity because of out of range exception: " << What(e);
     }
     return false;
 }

@@ -52,7 +52,7 @@ bool reporting(const char* failure, Operation operation)
     try {
         return operation();
     } catch (const BaseException& e) {
-        LogStream(Level::Error) << failure << e.what();
+        LogStream(Level::Error) << failure << What(e);
         return false;
     }
 }
@@ -116,7 +116,7 @@ bool PatchRegistryStorage::loadPatches(PatchMap& patches, std::vector<ReportEven
             statuses = readEvents(readJson(key(), m_statusesValueName));
             return true;
         } catch (const json::exception& e) {
-            LogStream(Level::Error) << "Failed to parse json. Caught exception: " << e.what();
+            LogStream(Level::Error) << "Failed to parse json. Caught exception: " << What(e);
             return false;
         }
     });

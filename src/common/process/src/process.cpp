@@ -19,7 +19,7 @@ bool succeeds(Action action)
         action();
         return true;
     } catch (const std::exception& exception) {
-        LogStream(Level::Error) << "Failed to start process. Exception caught: " << exception.what();
+        LogStream(Level::Error) << "Failed to start process. Exception caught: " << What(exception);
         return false;
     }
 }

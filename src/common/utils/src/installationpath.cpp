@@ -1,6 +1,6 @@
 #include "common/folders.h"
 
-#include "logging/logstream.h"
+#include "vxtl/exception.h"
 #include "vxtl/registry.h"
 
 namespace vx::tarn::common::utils {
@@ -15,7 +15,7 @@ std::wstring getInstallationPath(const std::shared_ptr<registry::Registry>& regi
         return registry->openKey(L"HKEY_LOCAL_MACHINE\\Software\\Vantorix\\tarn")
             ->getStringValue(L"InstallationDirectory");
     } catch (const std::exception& e) {
-        logging::LogStream(logging::Level::Error) << "Failed to get installation path. Exception caught: " << e.what();
+        logging::LogStream(logging::Level::Error) << "Failed to get installation path. Exception caught: " << What(e);
         return {};
     }
 }

@@ -117,7 +117,7 @@ AgentRunner::Result AgentRunner::startAgent(AgentStartReason reason, common::Eve
     try {
         return runAgent(reason, stopEvent);
     } catch (const BaseException& e) {
-        LogStream(Level::Error) << "Failed to start tarnpatch agent. Exception caught: " << e.what();
+        LogStream(Level::Error) << "Failed to start tarnpatch agent. Exception caught: " << What(e);
         return Result::Failed;
     }
 }
