@@ -28,24 +28,30 @@ bool copyAscii(std::basic_string_view<Character> text, std::basic_string<Result>
     return bits < 0x80;
 }
 
+/// Asks for the size and for the text. Empty when the system refuses either; its last error tells why.
+template <typename Text, typename Call>
+Text convertTwice(Call call)
+{
+    Text result(static_cast<std::size_t>(call(nullptr, 0)), 0);
+    if (!result.empty())
+        result.resize(static_cast<std::size_t>(call(result.data(), static_cast<int>(result.size()))));
+    return result;
+}
+
 std::string narrow(UINT codePage, DWORD flags, std::wstring_view text)
 {
     const int length = static_cast<int>(text.size());
-    const int bytes = WideCharToMultiByte(codePage, flags, text.data(), length, nullptr, 0, nullptr, nullptr);
-    std::string result(bytes > 0 ? static_cast<std::size_t>(bytes) : 0, '\0');
-    if (bytes > 0)
-        WideCharToMultiByte(codePage, flags, text.data(), length, result.data(), bytes, nullptr, nullptr);
-    return result;
+    return convertTwice<std::string>([&](char* target, int room) {
+        return WideCharToMultiByte(codePage, flags, text.data(), length, target, room, nullptr, nullptr);
+    });
 }
 
 std::wstring widen(UINT codePage, DWORD flags, std::string_view text)
 {
     const int length = static_cast<int>(text.size());
-    const int characters = MultiByteToWideChar(codePage, flags, text.data(), length, nullptr, 0);
-    std::wstring result(characters > 0 ? static_cast<std::size_t>(characters) : 0, L'\0');
-    if (characters > 0)
-        MultiByteToWideChar(codePage, flags, text.data(), length, result.data(), characters);
-    return result;
+    return convertTwice<std::wstring>([&](wchar_t* target, int room) {
+        return MultiByteToWideChar(codePage, flags, text.data(), length, target, room);
+    });
 }
 
 } // namespace
