@@ -31,6 +31,30 @@ TEST(UserAccountProperties, tellsWhichCallFailedAndReadsEachLevelOnce)
     EXPECT_THAT(driver.userQueries, ElementsAre(L"\\\\DC/joe/1", L"\\\\DC/joe/1", L"\\\\DC/joe/4"));
 }
 
+TEST(UserAccountProperties, tellsGuestUserAndAdministratorApart)
+{
+    struct {
+        const char* trace;
+        unsigned long privilege;
+        bool isGuest, isUser, isAdmin;
+    } const rows[] = {
+        {"guest", USER_PRIV_GUEST, true, false, false},
+        {"user", USER_PRIV_USER, false, true, false},
+        {"administrator", USER_PRIV_ADMIN, false, false, true},
+        {"both bits", USER_PRIV_MASK, false, true, true},
+        {"other bits", 4, true, false, false},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.trace);
+        FakeAccountDriver driver;
+        driver.privilege = row.privilege;
+        UserAccountPropertiesImpl properties(UserAccount(L"", L"joe"), driver);
+        EXPECT_EQ(properties.isGuest(), row.isGuest);
+        EXPECT_EQ(properties.isUser(), row.isUser);
+        EXPECT_EQ(properties.isAdmin(), row.isAdmin);
+    }
+}
+
 TEST(UserAccountProperties, asksNoControllerForALocalAccount)
 {
     for (const wchar_t* domain : {L"", L".", L"HERE", L"here"}) {

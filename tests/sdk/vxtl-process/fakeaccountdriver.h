@@ -6,9 +6,10 @@
 
 #include <lm.h>
 
-/// An account database with one account of settable flags.
+/// An account database with one account of settable flags and privilege.
 struct FakeAccountDriver : vx::users::AccountDriver {
     unsigned long flags = 0;
+    unsigned long privilege = 0;
     vx::users::AccountAnswer controller{0, std::make_shared<std::wstring>()};
     unsigned long userStatus = 0;
     std::vector<std::wstring> controllerQueries;
@@ -31,6 +32,7 @@ struct FakeAccountDriver : vx::users::AccountDriver {
             return {0, std::make_shared<USER_INFO_4>()};
         auto record = std::make_shared<USER_INFO_1>();
         record->usri1_flags = flags;
+        record->usri1_priv = privilege;
         return {0, record};
     }
 };
