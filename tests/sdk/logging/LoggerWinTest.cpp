@@ -4,6 +4,7 @@
 #include "logging/logstream.h"
 #include "logging/processlogger.h"
 
+#include <cstdio>
 #include <fstream>
 #include <optional>
 #include <regex>
@@ -118,6 +119,35 @@ TEST_F(LoggerWinTest, reflectsTheFlagsInItsBanner)
     EXPECT_THAT(folder.files(), IsEmpty()) << "the banner is filtered and nothing else was written";
     open(5, LOG_FLAG_BANNER_DEBUG | LOG_FLAG_UTC);
     EXPECT_THAT(folder.lines()[1], testing::HasSubstr("]  D: ***  LOGGING STARTED  *** (UTC+00:00, local:"));
+}
+
+TEST_F(LoggerWinTest, stampsItsRecordsInUtcWithTheFlagAndInLocalTimeWithout)
+{
+    using Clock = void(WINAPI*)(SYSTEMTIME*);
+    const auto stamp = [](Clock clock) {
+        SYSTEMTIME t;
+        clock(&t);
+        char text[32];
+        std::snprintf(text, sizeof text, "%04u-%02u-%02u %02u:%02u:%02u.%03u", t.wYear, t.wMonth, t.wDay, t.wHour,
+            t.wMinute, t.wSecond, t.wMilliseconds);
+        return std::string(text);
+    };
+    std::size_t first = 1;
+    for (const auto& [flags, clock] : {std::pair<unsigned, Clock>(0, GetLocalTime), {LOG_FLAG_UTC, GetSystemTime}}) {
+        const std::string before = stamp(clock);
+        open(4, flags);
+        logger->log(4, "narrow");
+        logger->log(4, L"wide");
+        logger->close();
+        const std::string after = stamp(clock);
+        const std::vector<std::string> lines = folder.lines();
+        ASSERT_EQ(lines.size(), first + 4);
+        for (std::size_t i = first; i < lines.size(); ++i) {
+            EXPECT_LE(before, lines[i].substr(0, before.size())) << lines[i];
+            EXPECT_GE(after, lines[i].substr(0, after.size())) << lines[i];
+        }
+        first = lines.size() + 1;
+    }
 }
 
 TEST_F(LoggerWinTest, readsItsLevelFromTheNearestValidValue)
