@@ -20,9 +20,9 @@ constexpr std::size_t mutexPathStart = 19;
 } // namespace
 
 FileContext::FileContext(std::wstring name1, std::wstring name2, unsigned flags, std::unique_ptr<FileSystem::Path> path,
-    unsigned long mutexWaitMs)
+    unsigned long mutexWaitMs, bool (*hasLowIntegrity)())
     : m_path(std::move(path)), m_name1(std::move(name1)), m_name2(std::move(name2)), m_flags(flags),
-      m_file(m_path->createFile()), m_mutexWaitMs(mutexWaitMs)
+      m_file(m_path->createFile()), m_mutexWaitMs(mutexWaitMs), m_hasLowIntegrity(hasLowIntegrity)
 {}
 
 FileContext::~FileContext()
@@ -51,7 +51,7 @@ bool FileContext::open()
 void FileContext::place()
 {
     const bool administrator = account::isAdministrator();
-    const bool lowIntegrity = !administrator && account::hasLowIntegrity();
+    const bool lowIntegrity = !administrator && m_hasLowIntegrity();
     if (administrator)
         m_securityAttributes = m_flags & LOG_FLAG_STRICT_ACL ? restrictedAttributes() : inheritingAttributes();
     std::wstring folder = rootOf(administrator  ? Location::Machine

@@ -3,6 +3,7 @@
 #include "logfolder.h"
 #include "logging/logger.h"
 
+#include <optional>
 #include <thread>
 #include <windows.h>
 
@@ -38,6 +39,39 @@ std::wstring line(int number)
     return L"line " + std::to_wstring(number) + L"\r\n";
 }
 
+bool mutexExists(const std::wstring& name)
+{
+    const HANDLE mutex = OpenMutexW(SYNCHRONIZE, FALSE, name.c_str());
+    return mutex && CloseHandle(mutex);
+}
+
+/// The thread runs as its user who is no administrator.
+class WithoutAdministratorRights {
+public:
+    WithoutAdministratorRights()
+    {
+        unsigned char sid[SECURITY_MAX_SID_SIZE];
+        DWORD size = sizeof sid;
+        SID_AND_ATTRIBUTES administrators{sid, 0};
+        EXPECT_TRUE(CreateWellKnownSid(WinBuiltinAdministratorsSid, nullptr, sid, &size));
+        EXPECT_TRUE(OpenProcessToken(GetCurrentProcess(), TOKEN_ALL_ACCESS, &m_token));
+        EXPECT_TRUE(CreateRestrictedToken(m_token, 0, 1, &administrators, 0, nullptr, 0, nullptr, &m_restricted));
+        EXPECT_TRUE(ImpersonateLoggedOnUser(m_restricted));
+    }
+    ~WithoutAdministratorRights()
+    {
+        RevertToSelf();
+        CloseHandle(m_restricted);
+        CloseHandle(m_token);
+    }
+    WithoutAdministratorRights(const WithoutAdministratorRights&) = delete;
+    WithoutAdministratorRights& operator=(const WithoutAdministratorRights&) = delete;
+
+private:
+    HANDLE m_token = nullptr;
+    HANDLE m_restricted = nullptr;
+};
+
 std::unique_ptr<FileContext> makeContext(unsigned flags = 0, unsigned long mutexWaitMs = 10000)
 {
     auto context = std::make_unique<FileContext>(
@@ -53,7 +87,8 @@ struct FileContextTest : testing::Test {
     std::size_t failingCall = 99;
 
     /// A context that makes no directory and notes the calls.
-    FileContext recordingContext(unsigned flags)
+    FileContext recordingContext(
+        unsigned flags, bool (*hasLowIntegrity)() = [] { return false; })
     {
         struct Path : FileSystem::Path {
             explicit Path(FileContextTest& owner) : test(owner) {}
@@ -65,7 +100,7 @@ struct FileContextTest : testing::Test {
             }
             FileContextTest& test;
         };
-        return {LogFolder::name1, LogFolder::name2, flags, std::make_unique<Path>(*this)};
+        return {LogFolder::name1, LogFolder::name2, flags, std::make_unique<Path>(*this), 500, hasLowIntegrity};
     }
 };
 
@@ -200,22 +235,38 @@ TEST_F(FileContextTest, findsItsRootThroughTheEnvironmentOnly)
 
 TEST_F(FileContextTest, writesToTheUsersFolderWithoutAdministratorRights)
 {
-    HANDLE token = nullptr;
-    HANDLE restricted = nullptr;
-    unsigned char sid[SECURITY_MAX_SID_SIZE];
-    DWORD size = sizeof sid;
-    SID_AND_ATTRIBUTES administrators{sid, 0};
-    ASSERT_TRUE(CreateWellKnownSid(WinBuiltinAdministratorsSid, nullptr, sid, &size));
-    ASSERT_TRUE(OpenProcessToken(GetCurrentProcess(), TOKEN_ALL_ACCESS, &token));
-    ASSERT_TRUE(CreateRestrictedToken(token, 0, 1, &administrators, 0, nullptr, 0, nullptr, &restricted));
-    ASSERT_TRUE(ImpersonateLoggedOnUser(restricted));
+    const WithoutAdministratorRights rights;
     SetEnvironmentVariableW(L"LOCALAPPDATA", folder.root.c_str());
     SetEnvironmentVariableW(L"ProgramData", L"");
     FileContext context = recordingContext(LOG_FLAG_STRICT_ACL | LOG_FLAG_USER_SUFFIX);
     context.open();
-    RevertToSelf();
     EXPECT_THAT(calls, ElementsAre("Vantorix default", "prog default"));
     EXPECT_EQ(context.fileName(0), folder.file().wstring());
-    CloseHandle(restricted);
-    CloseHandle(token);
+}
+
+TEST_F(FileContextTest, keepsItsMutexInTheSessionWithLowIntegrityOnly)
+{
+    struct {
+        const char* trace;
+        bool isAdministrator;
+        bool (*hasLowIntegrity)();
+        bool isLocal;
+    } const rows[] = {
+        {"administrator", true, [] { return true; }, false},
+        {"user", false, [] { return false; }, false},
+        {"low integrity", false, [] { return true; }, true},
+    };
+    SetEnvironmentVariableW(L"LOCALAPPDATA", folder.root.c_str());
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.trace);
+        FileContext context = recordingContext(0, row.hasLowIntegrity);
+        std::optional<WithoutAdministratorRights> rights;
+        if (!row.isAdministrator)
+            rights.emplace();
+        context.open();
+        EXPECT_EQ(mutexExists(context.mutexName(true)), row.isLocal);
+        EXPECT_EQ(mutexExists(context.mutexName(false)), !row.isLocal);
+        // A folder of its own, which this machine does not name.
+        EXPECT_EQ(context.fileName(0), row.isLocal ? L"\\Vantorix\\Log\\prog\\part.log" : folder.file().wstring());
+    }
 }

@@ -9,13 +9,18 @@
 
 namespace VxQrlLogging {
 
+namespace account {
+bool hasLowIntegrity();
+}
+
 /// One log file and its rotated predecessors, shared with other processes through a named mutex: where it
 /// stands, how it is configured, writing and rotating. The owner serialises the calls.
 class FileContext {
 public:
-    /// `mutexWaitMs`: how long a record waits for the other processes before it is lost.
+    /// `mutexWaitMs`: how long a record waits for the other processes before it is lost. `hasLowIntegrity`: asked
+    /// by open() unless an administrator runs it.
     FileContext(std::wstring name1, std::wstring name2, unsigned flags, std::unique_ptr<FileSystem::Path> path,
-        unsigned long mutexWaitMs = 500);
+        unsigned long mutexWaitMs = 500, bool (*hasLowIntegrity)() = account::hasLowIntegrity);
     virtual ~FileContext();
     FileContext(const FileContext&) = delete;
     FileContext& operator=(const FileContext&) = delete;
@@ -57,6 +62,7 @@ private:
     std::unique_ptr<FileSystem::File> m_file;
     std::vector<std::wstring> m_names; ///< fileName() of each index in use
     unsigned long m_mutexWaitMs;
+    bool (*m_hasLowIntegrity)();
 };
 
 } // namespace VxQrlLogging
