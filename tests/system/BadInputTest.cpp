@@ -38,6 +38,18 @@ TEST_F(BadInputTest, countersOfTheWrongTypeAreSurvivedAndHealed)
     scan(4);
 }
 
+TEST_F(BadInputTest, listsThatNestTooDeepAreSurvived)
+{
+    startHost();
+    const auto deep = Value::fromObject(std::string(20'000, '[') + std::string(20'000, ']'));
+    for (const std::string& key :
+        {settings + "installation.deployment_queue", missingUpdates, status + "installation.log.entries"}) {
+        client.set(key, deep);
+        waitForLog("Failed to read a nlohmann::json value: " + key + ". Exception caught: ");
+    }
+    scan(1);
+}
+
 TEST_F(BadInputTest, aPollingIntervalOfNothingDoesNotSpin)
 {
     startStoreAlone();

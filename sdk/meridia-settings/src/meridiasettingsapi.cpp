@@ -4,6 +4,7 @@
 #include "storefailure.h"
 
 #include "logging/logstream.h"
+#include "vxtl/parsejson.h"
 
 #include <algorithm>
 #include <list>
@@ -155,7 +156,7 @@ nlohmann::json SettingsApi::getJsonValue(const std::wstring& name)
     Error error = Error::Success;
     const LibraryText<char> text(m_api.getObjectAsStringUtf8(m_handles[0], name.c_str(), &error), m_api.freeString);
     throwOnReadError(error, name, L"vx::meridia::SettingsApi::getJsonValue");
-    return nlohmann::json::parse(copyOf(text));
+    return parseJson(text ? text.get() : "");
 }
 
 void SettingsApi::setBoolValue(const std::wstring& name, bool value)

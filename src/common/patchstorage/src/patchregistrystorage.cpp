@@ -3,6 +3,7 @@
 #include "common/number.h"
 #include "logging/logstream.h"
 #include "vxtl/exception.h"
+#include "vxtl/parsejson.h"
 #include "vxtl/registry.h"
 #include "vxtl/str.h"
 
@@ -21,7 +22,7 @@ constexpr unsigned long allAccess = 0xf003f;
 
 json readJson(registry::RegistryKey& key, const std::wstring& name)
 {
-    return json::parse(str::toUtf8(key.getStringValue(name)));
+    return parseJson(str::toUtf8(key.getStringValue(name)));
 }
 
 void writeJson(registry::RegistryKey& key, const std::wstring& name, const json& value)
