@@ -6,6 +6,7 @@
 #include "common/commonfactory.h"
 #include "common/ideploymentqueue.h"
 #include "settings-api/settings.h"
+#include "vxtl/parsejson.h"
 #include "vxtl/str.h"
 
 #include <nlohmann/json.hpp>
@@ -27,7 +28,7 @@ void linger(const AgentRun& run)
 void writeValue(const vx::settings::Settings& settings, const ScriptedValue& scripted)
 {
     const auto key = vx::str::fromUtf8(scripted.key);
-    const auto value = nlohmann::json::parse(scripted.json);
+    const auto value = vx::parseJson(scripted.json);
     switch (scripted.type) {
     case store::Type::Boolean: return settings.setBoolValue(key, value.get<bool>());
     case store::Type::Int32: return settings.setInt32Value(key, value.get<std::int32_t>());

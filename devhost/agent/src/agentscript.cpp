@@ -4,6 +4,7 @@
 #include "deployreader.h"
 #include "host/keycatalogue.h"
 #include "scriptmember.h"
+#include "vxtl/parsejson.h"
 #include "vxtl/str.h"
 
 #include <algorithm>
@@ -149,6 +150,15 @@ std::string makeSample()
     return script.dump();
 }
 
+json toJson(std::string_view text)
+{
+    try {
+        return vx::parseJson(text);
+    } catch (const json::exception&) {
+        throw ScriptError("the script is no JSON");
+    }
+}
+
 } // namespace
 
 std::string_view listOf(Task task)
@@ -165,9 +175,7 @@ AgentScript::AgentScript() : AgentScript(parse(makeSample())) {}
 
 AgentScript AgentScript::parse(std::string_view text)
 {
-    const json script = json::parse(text, nullptr, false);
-    if (script.is_discarded())
-        throw ScriptError("the script is no JSON");
+    const json script = toJson(text);
     if (!script.is_object() || !script.contains("runs") || !script["runs"].is_array() || script["runs"].empty())
         throw ScriptError("the script must be an object with a list \"runs\" of at least one run");
     Runs runs;

@@ -2,6 +2,7 @@
 
 #include "host/exitcode.h"
 #include "host/systemtext.h"
+#include "vxtl/parsejson.h"
 
 #include <algorithm>
 #include <fstream>
@@ -68,7 +69,7 @@ std::vector<AgentStart> readAgentStarts(const std::filesystem::path& folder)
     std::ifstream file(folder / L"tarnag.runs.jsonl");
     for (std::string line; std::getline(file, line);) {
         try {
-            takeLine(starts, nlohmann::json::parse(line));
+            takeLine(starts, vx::parseJson(line));
         } catch (const nlohmann::json::exception&) {
             // A line that is just being written, or that somebody edited.
         }

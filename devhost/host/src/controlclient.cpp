@@ -3,6 +3,7 @@
 #include "host/controlpipe.h"
 #include "host/exitcode.h"
 #include "host/systemtext.h"
+#include "vxtl/parsejson.h"
 #include "vxtl/str.h"
 
 #include <nlohmann/json.hpp>
@@ -42,7 +43,7 @@ nlohmann::json callHost(const std::wstring& instance, const nlohmann::json& requ
 {
     ControlPipe pipe(connect(instance));
     pipe.write(request.dump(), answerTimeoutMs);
-    const auto reply = nlohmann::json::parse(pipe.read(answerTimeoutMs));
+    const auto reply = vx::parseJson(pipe.read(answerTimeoutMs));
     if (reply.contains("error"))
         throw CommandError(static_cast<ExitCode>(reply.value("code", static_cast<int>(ExitCode::Failed))),
             reply["error"].get<std::string>());

@@ -2,6 +2,7 @@
 
 #include "host/exitcode.h"
 #include "host/systemtext.h"
+#include "vxtl/parsejson.h"
 
 #include <nlohmann/json.hpp>
 #include <vector>
@@ -85,7 +86,7 @@ void ControlServer::serve()
 void ControlServer::answer()
 {
     nlohmann::json reply;
-    const auto request = nlohmann::json::parse(m_pipe.read(stepTimeoutMs));
+    const auto request = vx::parseJson(m_pipe.read(stepTimeoutMs));
     try {
         reply = m_handler(request);
     } catch (const CommandError& error) {

@@ -6,6 +6,7 @@
 #include "host/stopsignal.h"
 #include "host/table.h"
 #include "store/client.h"
+#include "vxtl/parsejson.h"
 
 #include <mutex>
 #include <nlohmann/json.hpp>
@@ -21,7 +22,7 @@ const std::string key(keys::patchesToInstall);
 json readPatches(store::Client& client)
 {
     const auto value = client.get(key);
-    const auto patches = value && value->type() == store::Type::Object ? json::parse(value->asObject()) : json();
+    const auto patches = value && value->type() == store::Type::Object ? vx::parseJson(value->asObject()) : json();
     if (value && !patches.is_array())
         throw CommandError(ExitCode::Failed, key + " holds no list");
     return patches;

@@ -11,6 +11,7 @@
 #include "host/printer.h"
 #include "meridia-settings/qrlmeridiaerror.h"
 #include "store/client.h"
+#include "vxtl/parsejson.h"
 #include "vxtl/str.h"
 
 #include <algorithm>
@@ -31,7 +32,7 @@ std::vector<DeploymentItem> readQueue(const Context& context)
     if (!value)
         return {};
     try {
-        return listFromJson<DeploymentItem>(json::parse(value->asObject()));
+        return listFromJson<DeploymentItem>(vx::parseJson(value->asObject()));
     } catch (const std::exception& exception) {
         throw CommandError(ExitCode::Failed, std::string("the queue cannot be read: ") + exception.what());
     }

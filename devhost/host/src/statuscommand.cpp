@@ -7,6 +7,7 @@
 #include "host/printer.h"
 #include "host/systemtext.h"
 #include "store/client.h"
+#include "vxtl/parsejson.h"
 
 #include <ctime>
 #include <nlohmann/json.hpp>
@@ -33,7 +34,13 @@ json readKey(store::Client& client, std::string_view key)
     const auto value = client.get(std::string(key));
     if (!value)
         return nullptr;
-    return value->type() == store::Type::Object ? json::parse(value->asObject()) : value->toJson().at("value");
+    if (value->type() != store::Type::Object)
+        return value->toJson().at("value");
+    try {
+        return vx::parseJson(value->asObject());
+    } catch (const json::exception&) {
+        return value->asObject();
+    }
 }
 
 json storePart(const Context& context)

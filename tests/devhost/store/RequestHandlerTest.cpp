@@ -41,12 +41,15 @@ json seen(std::int64_t revision, bool present)
 
 TEST_F(RequestHandlerTest, refusesWhatIsNotARequest)
 {
+    const std::string deep =
+        R"({"op":"get","name":"missing","x":)" + std::string(100, '[') + std::string(100, ']') + "}";
     const struct {
-        const char* request;
+        std::string request;
         ErrorCode code;
         Role role = Role::Application;
     } rows[] = {
         {"", ErrorCode::InvalidParameter},
+        {deep, ErrorCode::InvalidParameter},
         {"[]", ErrorCode::InvalidParameter},
         {R"({"op":"get"})", ErrorCode::InvalidParameter},
         {R"({"op":"get","name":""})", ErrorCode::InvalidParameter},

@@ -2,6 +2,7 @@
 
 #include "handshake.h"
 #include "store/errorcode.h"
+#include "vxtl/parsejson.h"
 
 #include <nlohmann/json.hpp>
 
@@ -38,7 +39,7 @@ nlohmann::json CallChannel::call(const nlohmann::json& request, const std::strin
     }
     if (!answer)
         throw StoreException(ErrorCode::Unreachable, subject);
-    nlohmann::json reply = nlohmann::json::parse(*answer);
+    nlohmann::json reply = vx::parseJson(*answer);
     if (const auto code = static_cast<ErrorCode>(reply.at("code").get<int>()); code != ErrorCode::Success)
         throw StoreException(code, subject, reply.value("text", std::string()));
     return reply;

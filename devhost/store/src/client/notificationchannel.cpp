@@ -2,6 +2,7 @@
 
 #include "handshake.h"
 #include "store/patterns.h"
+#include "vxtl/parsejson.h"
 
 #include <algorithm>
 #include <atomic>
@@ -20,6 +21,17 @@ std::string newSession()
     LARGE_INTEGER ticks{};
     QueryPerformanceCounter(&ticks);
     return std::to_string(GetCurrentProcessId()) + "-" + std::to_string(++count) + "-" + std::to_string(ticks.QuadPart);
+}
+
+/// Nothing either when the other side talks nonsense: the connection is given up then, too.
+std::optional<nlohmann::json> receiveJson(Pipe& pipe)
+{
+    const auto frame = pipe.receive();
+    try {
+        return frame ? std::optional(vx::parseJson(*frame)) : std::nullopt;
+    } catch (const nlohmann::json::exception&) {
+        return std::nullopt;
+    }
 }
 
 } // namespace
@@ -155,14 +167,11 @@ nlohmann::json NotificationChannel::knownTopics()
 
 void NotificationChannel::listen(Pipe& pipe)
 {
-    while (const auto frame = pipe.receive()) {
-        const nlohmann::json json = nlohmann::json::parse(*frame, nullptr, false);
-        if (json.is_discarded())
-            return;
-        Change change{json.value("name", std::string()), std::nullopt};
-        if (const int type = json.value("type", 0))
+    while (const auto json = receiveJson(pipe)) {
+        Change change{json->value("name", std::string()), std::nullopt};
+        if (const int type = json->value("type", 0))
             change.type = static_cast<Type>(type);
-        for (const auto& subscription : note(change, json.value("revision", std::int64_t{0})))
+        for (const auto& subscription : note(change, json->value("revision", std::int64_t{0})))
             deliver(*subscription, change);
     }
 }

@@ -1,6 +1,7 @@
 #include "requesthandler.h"
 
 #include "logging/logstream.h"
+#include "vxtl/parsejson.h"
 
 #include <nlohmann/json.hpp>
 #include <unordered_map>
@@ -49,7 +50,7 @@ std::string RequestHandler::handle(const std::string& request, Role role)
 {
     json reply{{"code", 0}};
     try {
-        dispatch(json::parse(request), role, reply);
+        dispatch(vx::parseJson(request), role, reply);
     } catch (const StoreException& exception) {
         reply = failure(exception.code());
     } catch (const json::exception& exception) {

@@ -1,6 +1,7 @@
 #include "servedconnection.h"
 
 #include "logging/logstream.h"
+#include "vxtl/parsejson.h"
 
 #include <nlohmann/json.hpp>
 
@@ -33,7 +34,7 @@ void ServedConnection::serve()
     const auto frame = m_pipe.receive();
     if (!frame)
         return;
-    const nlohmann::json hello = nlohmann::json::parse(*frame);
+    const nlohmann::json hello = vx::parseJson(*frame);
     const Role role = hello.at("role") == "tool" ? Role::Tool : Role::Application;
     if (refused(role))
         return;

@@ -1,6 +1,7 @@
 #include "valuestore.h"
 
 #include "store/errorcode.h"
+#include "vxtl/parsejson.h"
 
 #include <nlohmann/json.hpp>
 
@@ -16,7 +17,7 @@ constexpr int formatVersion = 1;
 ValueStore ValueStore::parse(const std::string& text)
 {
     try {
-        const nlohmann::json json = nlohmann::json::parse(text);
+        const nlohmann::json json = vx::parseJson(text);
         if (json.at("format") != formatName || json.at("version") != formatVersion)
             throw StoreException(ErrorCode::SchemaViolation, "format", "not a store of version 1");
         ValueStore store;
