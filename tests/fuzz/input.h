@@ -1,9 +1,13 @@
 #pragma once
 
 #include "common/guid.h"
+#include "vxtl/parsejson.h"
 #include "vxtl/str.h"
 #include "vxtl/win32exception.h"
 
+#include <nlohmann/json.hpp>
+
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <cstdio>
@@ -15,7 +19,8 @@
 #include <string_view>
 #include <vector>
 
-// What the targets share: the input as text, the check that ends a run, a plain second reading of lists, and GUIDs.
+// What the targets share: the input as text and as JSON, the check that ends a run, a plain second reading of lists,
+// and GUIDs.
 
 namespace fuzz {
 
@@ -39,6 +44,28 @@ inline void require(bool condition, const char* what)
     if (!condition) {
         std::fprintf(stderr, "violated: %s\n", what);
         std::abort();
+    }
+}
+
+inline std::size_t levels(const nlohmann::json& value)
+{
+    std::size_t deepest = 0;
+    for (const auto& element : value)
+        deepest = std::max(deepest, element.is_structured() ? levels(element) : 0);
+    return value.is_structured() ? deepest + 1 : 0;
+}
+
+/// The input as JSON; nothing when it is none or goes deeper than JSON of others may.
+inline std::optional<nlohmann::json> json(const std::uint8_t* data, std::size_t size)
+{
+    const auto plain = nlohmann::json::parse(bytes(data, size), nullptr, false);
+    try {
+        auto value = vx::parseJson(bytes(data, size));
+        require(value == plain && levels(value) <= vx::deepestJson, "JSON as the library reads it");
+        return value;
+    } catch (const nlohmann::json::exception&) {
+        require(plain.is_discarded() || levels(plain) > vx::deepestJson, "good JSON is read");
+        return std::nullopt;
     }
 }
 

@@ -172,9 +172,10 @@ void check(const json& value, const Form& form, Read read)
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {
-    const json value = json::parse(fuzz::bytes(data, size), nullptr, false);
-    if (value.is_discarded())
+    const auto input = fuzz::json(data, size);
+    if (!input)
         return 0;
+    const json& value = *input;
     check(value, queueItem, readOneByOne<DeploymentItem, DeploymentItem>);
     check(value, missingUpdate, listFromJson<MissingUpdate>);
     check(value, missingUpdate, readOneByOne<ListedUpdate, MissingUpdate>);
