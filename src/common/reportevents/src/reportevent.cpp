@@ -107,7 +107,8 @@ json toJson(const ReportEvent& event)
 ReportEvent reportEventFromJson(const json& value)
 {
     ReportEvent event;
-    fromJson(member(value, "type"), event.type);
+    if (!fromJson(member(value, "type"), event.type))
+        return event;
     if (isOnline(event.type))
         event.trackingUri = str::fromUtf8(member(value, "trackingUri").get<std::string>());
     if (isMachine(event.type))

@@ -73,14 +73,18 @@ nlohmann::json write(Value value)
 }
 
 template <typename Value>
-void read(const nlohmann::json& json, Value& target)
+bool read(const nlohmann::json& json, Value& target)
 {
+    if (json.is_null())
+        return false;
     const auto text = json.get<std::string>();
     const auto& rows = table<Value>;
     const auto found =
         std::find_if(std::begin(rows), std::end(rows), [&](const Row<Value>& row) { return row.text == text; });
-    if (found != std::end(rows))
-        target = found->value;
+    if (found == std::end(rows))
+        return false;
+    target = found->value;
+    return true;
 }
 
 } // namespace
@@ -100,19 +104,19 @@ nlohmann::json toJson(PatchStateTarget value)
     return write(value);
 }
 
-void fromJson(const nlohmann::json& value, ReportEventType& target)
+bool fromJson(const nlohmann::json& value, ReportEventType& target)
 {
-    read(value, target);
+    return read(value, target);
 }
 
-void fromJson(const nlohmann::json& value, MachineStateTarget& target)
+bool fromJson(const nlohmann::json& value, MachineStateTarget& target)
 {
-    read(value, target);
+    return read(value, target);
 }
 
-void fromJson(const nlohmann::json& value, PatchStateTarget& target)
+bool fromJson(const nlohmann::json& value, PatchStateTarget& target)
 {
-    read(value, target);
+    return read(value, target);
 }
 
 } // namespace vx::tarn::common

@@ -43,7 +43,7 @@ TEST(ReportEvent, writesWhatItsTypeCarriesAndReadsAllOfItBack)
         toJson({ReportEventType::ExternalRebootRequest, {}, 3, L"x"}), json({{"type", "Type::ExternalRebootRequest"}}));
 }
 
-TEST(ReportEvent, requiresTheRightTypesButPassesUnknownStatesOver)
+TEST(ReportEvent, requiresTheRightKindsButPassesUnknownStatesAndTypesOver)
 {
     const auto with = [](const char* path, const json& value) {
         json event{{"type", "Type::OfflineMachineStatusReturnCode"}, {"status", machineRecord}, {"retCode", 1}};
@@ -54,5 +54,14 @@ TEST(ReportEvent, requiresTheRightTypesButPassesUnknownStatesOver)
     EXPECT_THROW(with("/retCode", "1"), json::type_error);
     EXPECT_THROW(with("/status/failure", 1), json::type_error);
     EXPECT_THROW(with("/status/deploymentId", "zz"), std::runtime_error);
-    EXPECT_TRUE(toJson(with("/status/status", "MachineStateTarget::Dancing"))["status"]["status"].is_null());
+    EXPECT_THROW(with("/status/status", 5), json::type_error);
+    EXPECT_THROW(with("/type", 5), json::type_error);
+    for (const json& unknown : {json("Dancing"), json("MachineStateTarget::Dancing"), json()}) {
+        const ReportEvent event = with("/status/status", unknown);
+        EXPECT_EQ(std::get<MachineStateReport>(event.record).timestamp, 5) << unknown;
+        EXPECT_TRUE(reportEventFromJson(toJson(event)) == event) << unknown;
+        EXPECT_TRUE(with("/type", unknown) == ReportEvent{}) << unknown;
+    }
+    const ReportEvent unknown{static_cast<ReportEventType>(9), PatchStateReport{}, 1, L"x"};
+    EXPECT_TRUE(reportEventFromJson(toJson(unknown)) == ReportEvent{});
 }

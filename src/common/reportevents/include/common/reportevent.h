@@ -44,11 +44,13 @@ struct ReportEvent {
     friend bool operator==(const ReportEvent&, const ReportEvent&) = default;
 };
 
-/// Writes what the type carries. A record that does not fit the type is written with its defaults.
+/// Writes what the type carries. A record that does not fit the type is written with its defaults, a type or state
+/// that is in no table as null.
 nlohmann::json toJson(const ReportEvent& event);
 
 /// Every key that the type carries is required. Throws the JSON library's errors and std::runtime_error
-/// "Bad GUID format"; an unknown state text leaves the field at its default.
+/// "Bad GUID format". An unknown state, null too, leaves the field at its default; an event of unknown type has the
+/// type's default and nothing else.
 ReportEvent reportEventFromJson(const nlohmann::json& value);
 
 } // namespace vx::tarn::common

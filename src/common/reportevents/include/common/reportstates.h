@@ -53,9 +53,10 @@ nlohmann::json toJson(ReportEventType value);
 nlohmann::json toJson(MachineStateTarget value);
 nlohmann::json toJson(PatchStateTarget value);
 
-// A text that is in no table leaves `target` as it is; a value that is no string throws type error 302.
-void fromJson(const nlohmann::json& value, ReportEventType& target);
-void fromJson(const nlohmann::json& value, MachineStateTarget& target);
-void fromJson(const nlohmann::json& value, PatchStateTarget& target);
+// Null and a text that is in no table leave `target` as it is and give false; another value that is no string throws
+// type error 302.
+bool fromJson(const nlohmann::json& value, ReportEventType& target);
+bool fromJson(const nlohmann::json& value, MachineStateTarget& target);
+bool fromJson(const nlohmann::json& value, PatchStateTarget& target);
 
 } // namespace vx::tarn::common
