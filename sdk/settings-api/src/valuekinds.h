@@ -49,7 +49,8 @@ struct DoubleKind : PlainKind<double> {
 
 struct StringKind {
     using Value = std::wstring;
-    static nlohmann::json toJson(const std::wstring& value) { return str::toUtf8(value); }
+    // What is only kept must not fail a call that the provider answers.
+    static nlohmann::json toJson(const std::wstring& value) { return str::toUtf8Lossy(value); }
     static std::wstring fromJson(const nlohmann::json& value) { return str::fromUtf8(value.get<std::string>()); }
     static constexpr auto type = ValueType::String;
     static constexpr auto get = &SettingsImpl::getStringValue;

@@ -104,4 +104,12 @@ std::wstring fromUtf8(std::string_view text)
     return result;
 }
 
+std::string toUtf8Lossy(std::wstring_view text)
+{
+    if (text.size() > longestText)
+        VX_THROW(BaseException, L"Too long string");
+    std::string result;
+    return copyAscii(text, result) ? result : narrow(CP_UTF8, 0, text);
+}
+
 } // namespace vx::str

@@ -128,6 +128,31 @@ TEST_F(CachedSettingsTest, cachedValueConvertsAsTheJsonLibraryDoes)
     }
 }
 
+TEST_F(CachedSettingsTest, textThatIsNotValidGoesThroughAsItIsAndIsKeptAsWellAsItCanBe)
+{
+    struct TextStore : FakeSettings {
+        std::wstring getStringValue(const std::wstring&) override
+        {
+            return isDown ? throw std::runtime_error("store is down") : text;
+        }
+        void setStringValue(const std::wstring&, const std::wstring& value) override { text = value; }
+        std::wstring text;
+        bool isDown = false;
+    };
+    const auto texts = std::make_shared<TextStore>();
+    CachedSettings over(texts);
+    // One half of a pair behind another character, two halves in the wrong order, a half at the end.
+    const std::wstring text = {L'\u20ac', wchar_t(0xD83D), L'b', wchar_t(0xDE00), wchar_t(0xD83D)};
+    for (const bool written : {false, true}) {
+        texts->isDown = false;
+        texts->text = written ? L"" : text;
+        EXPECT_NO_THROW(written ? over.setStringValue(L"n", text) : static_cast<void>(over.getStringValue(L"n")));
+        EXPECT_EQ(text, texts->getStringValue(L"n"));
+        texts->isDown = true;
+        EXPECT_EQ(L"\u20ac\uFFFDb\uFFFD\uFFFD", over.getStringValue(L"n")) << written;
+    }
+}
+
 TEST_F(CachedSettingsTest, foreignExceptionPassesThroughAndLeavesTheValuePending)
 {
     store->fail({}, std::make_exception_ptr(42));

@@ -4,6 +4,7 @@
 #include "vxtl/str.h"
 #include "vxtl/win32exception.h"
 
+#include <algorithm>
 #include <filesystem>
 
 namespace vx::str {
@@ -35,6 +36,14 @@ std::wstring fromUtf8(std::string_view text)
     return {wide.begin(), wide.end()};
 }
 
+std::string toUtf8Lossy(std::wstring_view text)
+{
+    std::wstring valid(text);
+    std::replace_if(
+        valid.begin(), valid.end(), [](char32_t c) { return c > 0x10FFFF || (c >= 0xD800 && c <= 0xDFFF); }, L'\xFFFD');
+    return toUtf8(valid);
+}
+
 std::string toMultibyte(std::wstring_view text)
 {
     return toUtf8(text);
@@ -49,7 +58,7 @@ std::wstring toUnicode(std::string_view text)
 
 void vx::logging::details::appendUtf8(std::string& target, std::wstring_view text)
 {
-    target += vx::str::toUtf8(text);
+    target += vx::str::toUtf8Lossy(text);
 }
 
 void vx::logging::details::appendForeign(std::string& target, std::string_view text)
