@@ -4,10 +4,23 @@ namespace vx::delayload {
 
 namespace {
 
-// A bare name would be looked for along the process's search path, where anyone may have put a library.
+bool isSlash(wchar_t character)
+{
+    return character == L'\\' || character == L'/';
+}
+
+// A relative path would be taken from the current directory, where anyone may have put a library.
 bool isFullPath(const std::wstring& path)
 {
-    return path.starts_with(L"\\\\") || (path.size() > 3 && path[1] == L':' && path[2] == L'\\');
+    if (path.size() < 4)
+        return false;
+    const bool isOnShare = isSlash(path[0]) && isSlash(path[1]);
+    return isOnShare || (path[1] == L':' && isSlash(path[2]));
+}
+
+bool isFileName(const std::wstring& text)
+{
+    return !text.empty() && text.find_first_of(L"\\/:") == std::wstring::npos;
 }
 
 std::wstring join(const std::wstring& directory, const std::wstring& name)
@@ -27,11 +40,8 @@ std::wstring registryKey(std::uint32_t component)
     return L"Software\\Vantorix\\QRL\\Delay Loading\\" + std::to_wstring(component);
 }
 
-Module tryLoad(ILoader& loader, const LoadContext& context, const std::wstring& path)
+Module withDependencies(ILoader& loader, const LoadContext& context, Module module)
 {
-    if (!isFullPath(path))
-        return nullptr;
-    const Module module = loader.load(path);
     if (!module)
         return nullptr;
     if (void* const found = loader.findFunction(module, "VXDelayLoadDependencies")) {
@@ -42,21 +52,33 @@ Module tryLoad(ILoader& loader, const LoadContext& context, const std::wstring& 
     return module;
 }
 
+Module tryPath(ILoader& loader, const LoadContext& context, const std::wstring& path)
+{
+    return isFullPath(path) ? withDependencies(loader, context, loader.load(path)) : nullptr;
+}
+
+Module tryRegistry(ILoader& loader, const LoadContext& context, const std::wstring& name)
+{
+    const std::wstring text = loader.readRegistryText(registryKey(context.component), name).value_or(std::wstring());
+    if (isFileName(text))
+        return withDependencies(loader, context, loader.loadByName(text));
+    return tryPath(loader, context, text);
+}
+
 } // namespace
 
 Module findLibrary(ILoader& loader, const LoadContext& context, const std::wstring& name)
 {
     if (!context.directory.empty())
-        if (const Module module = tryLoad(loader, context, join(context.directory, name)))
+        if (const Module module = tryPath(loader, context, join(context.directory, name)))
             return module;
     if (context.searchExecutableDirectory)
-        if (const Module module = tryLoad(loader, context, beside(loader.executablePath(), name)))
+        if (const Module module = tryPath(loader, context, beside(loader.executablePath(), name)))
             return module;
     if (context.directory.empty())
-        if (const auto path = loader.readRegistryText(registryKey(context.component), name))
-            if (const Module module = tryLoad(loader, context, *path))
-                return module;
-    return tryLoad(loader, context, join(loader.systemDirectory(), name));
+        if (const Module module = tryRegistry(loader, context, name))
+            return module;
+    return tryPath(loader, context, join(loader.systemDirectory(), name));
 }
 
 } // namespace vx::delayload

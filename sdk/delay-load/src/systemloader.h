@@ -8,6 +8,7 @@ namespace vx::delayload {
 class SystemLoader : public ILoader {
 public:
     Module load(const std::wstring& path) override;
+    Module loadByName(const std::wstring& name) override;
     void* findFunction(Module module, const char* name) override;
     std::wstring executablePath() override;
     std::wstring systemDirectory() override;

@@ -4,6 +4,8 @@
 
 #include <windows.h>
 
+#include <algorithm>
+
 namespace vx::delayload {
 
 namespace {
@@ -29,7 +31,15 @@ std::optional<std::wstring> queryText(HKEY key, const std::wstring& value)
 
 Module SystemLoader::load(const std::wstring& path)
 {
-    return LoadLibraryExW(path.c_str(), nullptr, LOAD_WITH_ALTERED_SEARCH_PATH);
+    // The system takes the folder for the library's own imports from what stands before the last backslash.
+    std::wstring native = path;
+    std::replace(native.begin(), native.end(), L'/', L'\\');
+    return LoadLibraryExW(native.c_str(), nullptr, LOAD_WITH_ALTERED_SEARCH_PATH);
+}
+
+Module SystemLoader::loadByName(const std::wstring& name)
+{
+    return LoadLibraryExW(name.c_str(), nullptr, LOAD_LIBRARY_SEARCH_APPLICATION_DIR | LOAD_LIBRARY_SEARCH_SYSTEM32);
 }
 
 void* SystemLoader::findFunction(Module module, const char* name)

@@ -21,6 +21,7 @@ struct FakeLoader : ILoader {
         tried.push_back(path);
         return files.contains(path) ? this : nullptr;
     }
+    Module loadByName(const std::wstring& name) override { return load(L"by name " + name); }
     void* findFunction(Module, const char* name) override
     {
         return *name == 'x' ? nullptr : reinterpret_cast<void*>(&recordDependencies);
@@ -71,11 +72,32 @@ TEST_F(BootstrapTest, fullPathsAreTriedInOrder)
         EXPECT_EQ(tried, loader->tried) << context.component << context.searchExecutableDirectory;
     }
     EXPECT_EQ("a.dll", result.libraryName());
-    for (const wchar_t* text : {L"", L"evil.dll", L"..\\evil.dll", L"C:evil.dll", L"%TEMP%\\evil.dll"}) {
+    for (const wchar_t* text :
+        {L"", L"..\\evil.dll", L"x/evil.dll", L"/evil.dll", L"C:evil.dll", L"%TEMP%\\evil.dll"}) {
         loader->registry[key100] = text;
         load({{}, false, 100});
         EXPECT_THAT(loader->tried, ElementsAre(system));
     }
+    const std::pair<std::wstring, std::wstring> texts[] = {
+        {L"D:/Other/b.dll", L"D:/Other/b.dll"}, {L"//server/b.dll", L"//server/b.dll"}, {L"b.dll", L"by name b.dll"}};
+    for (const auto& [text, tried] : texts) {
+        loader->registry[key100] = text;
+        load({{}, false, 100});
+        EXPECT_THAT(loader->tried, ElementsAre(tried, system));
+    }
+}
+
+TEST_F(BootstrapTest, unknownFoldersAreNotTried)
+{
+    struct BlindLoader : FakeLoader {
+        std::wstring executablePath() override { return {}; }
+        std::wstring systemDirectory() override { return {}; }
+    };
+    loader = std::make_shared<BlindLoader>();
+    Bootstrap blind(loader);
+    EXPECT_EQ(LoadStatus::ModuleNotFound, blind.initialize(
+                                              {{}, true, 1}, [](LateBinder& b) { b.load("a.dll"); }, result));
+    EXPECT_THAT(loader->tried, ElementsAre());
 }
 
 TEST_F(BootstrapTest, firstLibraryFoundEndsTheSearchAndLoadsItsDependenciesOnce)

@@ -8,28 +8,42 @@ namespace fs = std::filesystem;
 
 constexpr std::uint32_t testComponent = 990017;
 
+namespace {
+
+const std::wstring key = L"Software\\Vantorix\\QRL\\Delay Loading\\" + std::to_wstring(testComponent);
+
+/// Bootstraps a probe of that name, of which the registry says the text.
+LoadStatus load(const std::string& name, DWORD type, std::wstring text)
+{
+    // Without the zero at its end, as some installers write it.
+    const auto bytes = static_cast<DWORD>(text.size() * sizeof(wchar_t));
+    text += L'x';
+    RegSetKeyValueW(
+        HKEY_LOCAL_MACHINE, key.c_str(), std::wstring(name.begin(), name.end()).c_str(), type, text.c_str(), bytes);
+    std::uint32_t* askedByComponent = nullptr;
+    LoadResult result;
+    const LoadStatus status = delayLoadInitialize(
+        testComponent, [&](LateBinder& binder) { binder.load(name).bind(askedByComponent, "askedByComponent"); },
+        result);
+    RegDeleteKeyW(HKEY_LOCAL_MACHINE, key.c_str());
+    EXPECT_EQ(askedByComponent ? *askedByComponent : testComponent, testComponent);
+    return status;
+}
+
+} // namespace
+
 TEST(SystemLoaderTest, registryNamesALibraryThatIsElsewhere)
 {
     wchar_t executable[MAX_PATH];
     GetModuleFileNameW(nullptr, executable, MAX_PATH);
-    const std::wstring copy = fs::temp_directory_path() / L"delay-load-elsewhere.dll";
+    const fs::path copy = fs::temp_directory_path() / L"delay-load-elsewhere.dll";
     fs::copy_file(
         fs::path(executable).replace_filename(L"delay-load-probe.dll"), copy, fs::copy_options::overwrite_existing);
-    std::uint32_t* askedByComponent = nullptr;
-    const auto bind = [&](LateBinder& binder) {
-        binder.load("delay-load-elsewhere.dll").bind(askedByComponent, "askedByComponent");
-    };
-    const std::wstring key = L"Software\\Vantorix\\QRL\\Delay Loading\\" + std::to_wstring(testComponent);
-    const auto initialize = [&](DWORD type) {
-        // Without the zero at its end, as some installers write it.
-        RegSetKeyValueW(HKEY_LOCAL_MACHINE, key.c_str(), L"delay-load-elsewhere.dll", type, (copy + L'x').c_str(),
-            static_cast<DWORD>(copy.size() * sizeof(wchar_t)));
-        LoadResult result;
-        const LoadStatus status = delayLoadInitialize(testComponent, bind, result);
-        RegDeleteKeyW(HKEY_LOCAL_MACHINE, key.c_str());
-        return status;
-    };
-    EXPECT_EQ(LoadStatus::ModuleNotFound, initialize(REG_BINARY));
-    ASSERT_EQ(LoadStatus::Success, initialize(REG_EXPAND_SZ));
-    EXPECT_EQ(testComponent, *askedByComponent);
+    // Where a search would find it.
+    fs::current_path(copy.parent_path());
+    SetEnvironmentVariableW(L"PATH", copy.parent_path().c_str());
+    EXPECT_EQ(LoadStatus::ModuleNotFound, load("delay-load-elsewhere.dll", REG_SZ, copy.filename()));
+    EXPECT_EQ(LoadStatus::ModuleNotFound, load("delay-load-elsewhere.dll", REG_BINARY, copy));
+    EXPECT_EQ(LoadStatus::Success, load("delay-load-elsewhere.dll", REG_EXPAND_SZ, copy.generic_wstring()));
+    EXPECT_EQ(LoadStatus::Success, load("delay-load-other-name.dll", REG_SZ, L"delay-load-probe.dll"));
 }

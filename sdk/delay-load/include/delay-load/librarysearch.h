@@ -23,8 +23,9 @@ struct DependencyContext {
 };
 using DependenciesFunction = void(VX_CDECL*)(const DependencyContext* context);
 
-/// Loads the library from the first place that has it: the context's directory, the executable's directory, the
-/// path in the registry (only without a context directory), the system directory. Only full paths are tried.
+/// Loads the library from the first place that has it: the context's directory, the executable's directory, what the
+/// registry says (only without a context directory), the system directory. Only full paths are tried, and of the
+/// registry a bare file name too, which is not looked for along the process's search path either.
 /// A library that exports VXDelayLoadDependencies is then asked to load its own. Null when no place has it.
 Module findLibrary(ILoader& loader, const LoadContext& context, const std::wstring& name);
 

@@ -14,6 +14,8 @@ public:
     virtual ~ILoader() = default;
     /// Loads by full path; the library's own imports are searched beside it first. Null when that fails.
     virtual Module load(const std::wstring& path) = 0;
+    /// Loads by a bare file name, from the application's and the system's folder only. Null when that fails.
+    virtual Module loadByName(const std::wstring& name) = 0;
     /// Null when the library has no function of that name.
     virtual void* findFunction(Module module, const char* name) = 0;
     /// Full name of the process's executable; empty when unknown.
