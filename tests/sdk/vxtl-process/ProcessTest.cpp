@@ -112,6 +112,7 @@ TEST(Process, startsAnExecutableWhosePathHasBlanksInItsOwnFolder)
     const std::wstring child = folder / "the child.exe";
     EXPECT_EQ(exitCode(Process(child, L"--child cwd", none, Credentials())), 5u);
     EXPECT_EQ(exitCode(Process(child, L"--child cwd", folder / "elsewhere", Credentials())), 6u);
+    EXPECT_EQ(exitCode(Process(L"\\\\?\\" + child, L"--child cwd", none, Credentials())), 5u);
     std::error_code busy;
     fs::remove_all(folder, busy);
 }

@@ -33,9 +33,23 @@ public:
 using InputStream = PipeStream<std::istream, detail::ipipestreambuf>;
 using OutputStream = PipeStream<std::ostream, detail::opipestreambuf>;
 
+// The standard library takes "\\server" and "\\?" for folders of the current drive.
+bool isAbsolute(const fs::path& path)
+{
+    const auto isSlash = [](wchar_t character) { return character == L'\\' || character == L'/'; };
+    const std::wstring& text = path.native();
+    return path.is_absolute() || (text.size() > 2 && isSlash(text[0]) && isSlash(text[1]));
+}
+
+// Not the standard library's question: that refuses each name with a question mark.
+bool isThere(const fs::path& path)
+{
+    return GetFileAttributesW(path.c_str()) != INVALID_FILE_ATTRIBUTES;
+}
+
 fs::path makeAbsolute(const fs::path& path)
 {
-    if (path.is_absolute())
+    if (isAbsolute(path))
         return path;
     std::error_code error;
     const fs::path current = fs::current_path(error);
@@ -69,8 +83,7 @@ Process::Process(const std::wstring& executable, const std::wstring& arguments, 
 {
     VX_LOG_SCOPE();
     const fs::path path = makeAbsolute(executable);
-    std::error_code error;
-    if (!fs::exists(path, error))
+    if (!isThere(path))
         VX_THROW(BaseException, L"Executable file does not exists");
     LaunchRequest request;
     request.application = path.wstring();
