@@ -1,5 +1,6 @@
 #include "common/patchrecords.h"
 
+#include "common/jsonvalue.h"
 #include "recordfields.h"
 
 #include <algorithm>
@@ -159,7 +160,7 @@ Record fromJson(const json& value)
 template <typename Record>
 std::vector<Record> listFromJson(const json& value)
 {
-    const auto& array = arrayIn(value);
+    const auto& array = utils::arrayIn(value);
     std::vector<Record> records(array.size());
     for (std::size_t i = 0; i < array.size(); ++i)
         readRecord(array[i], records[i]);
@@ -169,7 +170,7 @@ std::vector<Record> listFromJson(const json& value)
 template <typename Record>
 void readEach(json& list, const std::function<void(Record&, json&, bool)>& take)
 {
-    static_cast<void>(arrayIn(list));
+    static_cast<void>(utils::arrayIn(list));
     for (json& element : list) {
         Record record;
         const bool isAsWritten = readRecord(element, record);

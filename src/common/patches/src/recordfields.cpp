@@ -1,31 +1,16 @@
 #include "recordfields.h"
 
 #include "common/jsonnumber.h"
+#include "common/jsonvalue.h"
 #include "vxtl/str.h"
 
 namespace vx::tarn::common::details {
 
 namespace {
 
-[[noreturn]] void throwTypeError(const char* wanted, const json& value)
-{
-    throw json::type_error::create(
-        302, std::string("type must be ") + wanted + ", but is " + value.type_name(), &value);
-}
-
-const std::string& stringIn(const json& value)
-{
-    if (const auto* text = value.get_ptr<const std::string*>())
-        return *text;
-    throwTypeError("string", value);
-}
-
-const json::object_t& objectIn(const json& value)
-{
-    if (const auto* object = value.get_ptr<const json::object_t*>())
-        return *object;
-    throwTypeError("object", value);
-}
+using utils::arrayIn;
+using utils::objectIn;
+using utils::stringIn;
 
 std::wstring textOf(const json& value)
 {
@@ -33,13 +18,6 @@ std::wstring textOf(const json& value)
 }
 
 } // namespace
-
-const json::array_t& arrayIn(const json& value)
-{
-    if (const auto* array = value.get_ptr<const json::array_t*>())
-        return *array;
-    throwTypeError("array", value);
-}
 
 bool read(const json& value, std::wstring& target)
 {

@@ -18,10 +18,6 @@ struct Field {
     json (*write)(const void* record) = nullptr; ///< null in a record that is only read
 };
 
-/// The value by reference, without the copy that the library's get makes; of another type type error 302 in the
-/// library's words.
-const json::array_t& arrayIn(const json& value);
-
 // Reading throws type error 302 and std::invalid_argument. Each tells whether the value is just as `write` makes it.
 
 bool read(const json& value, std::wstring& target);

@@ -1,5 +1,6 @@
 #include "common/patchregistrystorage.h"
 
+#include "common/jsonvalue.h"
 #include "common/number.h"
 #include "logging/logstream.h"
 #include "vxtl/exception.h"
@@ -32,7 +33,7 @@ void writeJson(registry::RegistryKey& key, const std::wstring& name, const json&
 
 void readPatches(const json& stored, PatchMap& patches)
 {
-    for (const auto& [name, value] : stored.get_ref<const json::object_t&>()) {
+    for (const auto& [name, value] : utils::objectIn(stored)) {
         const std::int64_t number = utils::toInt64(str::fromUtf8(name));
         patches.insert_or_assign(number, PatchInfo(fromJson<MissingUpdate>(value)));
     }
@@ -41,7 +42,7 @@ void readPatches(const json& stored, PatchMap& patches)
 std::vector<ReportEvent> readEvents(const json& stored)
 {
     std::vector<ReportEvent> events;
-    for (const json& event : stored.get_ref<const json::array_t&>())
+    for (const json& event : utils::arrayIn(stored))
         events.push_back(reportEventFromJson(event));
     return events;
 }

@@ -84,12 +84,19 @@ TEST_F(PatchRegistryStorageTest, survivesGarbageTexts)
         EXPECT_FALSE(storage.loadPatches(patches, events));
     }
     EXPECT_EQ(log.count("Failed to parse json. Caught exception: "), 4u) << log.text();
+    EXPECT_EQ(log.count("[json.exception.type_error.302] type must be array, but is "), 2u) << log.text();
     EXPECT_EQ(patches.size(), 2u) << "what was read before the failure stays";
 
     EXPECT_TRUE(storage.addPatchState(event));
     EXPECT_TRUE(log.has(3, "Wrong value is in patch registry storage in statuses node.")) << log.text();
     EXPECT_TRUE(storage.loadPatches(patches, events));
     EXPECT_EQ(events.size(), 1u);
+    key()->setStringValue(L"statuses", std::wstring(50'000, L'['));
+    EXPECT_FALSE(storage.loadPatches(patches, events));
+    key()->setStringValue(L"patches", L"[]");
+    EXPECT_FALSE(storage.loadPatches(patches, events));
+    EXPECT_TRUE(
+        log.has(2, "Failed to parse json. Caught exception: [json.exception.type_error.302] type must be object"));
     key()->setStringValue(L"patches", L"{\"x\":{}}");
     EXPECT_THROW(storage.loadPatches(patches, events), std::invalid_argument);
 }
