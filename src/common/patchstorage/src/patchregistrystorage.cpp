@@ -106,7 +106,7 @@ bool PatchRegistryStorage::savePatches(const PatchMap& patches)
 bool PatchRegistryStorage::loadPatches(PatchMap& patches, std::vector<ReportEvent>& statuses)
 {
     VX_LOG_SCOPE();
-    // The words are those of saving; administrators' tools look for them.
+    // The words are those of saving.
     return reporting("Failed to save patches to a patch registry storage. Caught exception: ", [&] {
         if (!key().doesValueExist(m_patchesValueName) || !key().doesValueExist(m_statusesValueName)) {
             LogStream(Level::Warning) << "Failed to load patches. Either \"" << m_patchesValueName << "\" or \""
