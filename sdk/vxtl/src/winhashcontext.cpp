@@ -10,6 +10,9 @@ namespace vx::crypto {
 
 namespace {
 
+/// In reports a bad argument stands under the name of the operation that callers know.
+constexpr const wchar_t* hashName = L"vx::crypto::hash";
+
 class Provider {
 public:
     Provider()
@@ -61,9 +64,9 @@ WinHashContext::WinHashContext(unsigned long algorithm)
 void WinHashContext::hashData(const std::uint8_t* source, std::size_t size)
 {
     if (size == 0)
-        VX_THROW(BaseException, L"Bad argument: source is empty");
+        VX_THROW_AS(BaseException, hashName, L"Bad argument: source is empty");
     if (!source)
-        VX_THROW(BaseException, L"Bad argument: source is null");
+        VX_THROW_AS(BaseException, hashName, L"Bad argument: source is null");
     if (!CryptHashData(native(m_hash.get()), source, static_cast<DWORD>(size), 0))
         VX_THROW_WIN32(GetLastError(), L"CryptHashData failed");
 }

@@ -21,7 +21,8 @@ std::shared_ptr<settings::Settings> createSettings(
             failed = true;
         }
     }
-    VX_THROW(QrlMeridiaException, meridia::QrlMeridiaError_enum::ServerUnreachable, std::wstring());
+    VX_THROW_AS(QrlMeridiaException, L"vx::tarn::common::CommonFactory::createSettings",
+        meridia::QrlMeridiaError_enum::ServerUnreachable, std::wstring());
 }
 
 } // namespace vx::tarn::common

@@ -43,6 +43,7 @@ TEST(CreateSettings, triesAsOftenAsTheCallerWants)
         } catch (const QrlMeridiaException& e) {
             EXPECT_FALSE(row.opens);
             EXPECT_EQ(e.code(), QrlMeridiaError_enum::ServerUnreachable);
+            EXPECT_THAT(e.what(), testing::HasSubstr(", Function: vx::tarn::common::CommonFactory::createSettings, "));
         }
         EXPECT_EQ(attempts, row.attempts);
         EXPECT_EQ(log.has(5, "Error Code : " + std::to_string(row.code)), row.failures > 0 && row.code != 0);
