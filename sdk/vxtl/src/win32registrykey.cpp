@@ -11,6 +11,10 @@ namespace vx::registry {
 
 void RegistryKeyCloser::operator()(void* key) const noexcept
 {
+    // Closing a predefined key closes the root behind it, which the whole process shares. Their numbers alone are
+    // negative.
+    if (reinterpret_cast<LONG_PTR>(key) < 0)
+        return;
     const LSTATUS status = RegCloseKey(static_cast<HKEY>(key));
     if (status != ERROR_SUCCESS)
         vx::details::logCloseFailure(key, static_cast<unsigned long>(status));

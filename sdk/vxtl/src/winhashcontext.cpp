@@ -24,7 +24,6 @@ public:
                 return;
         VX_THROW_WIN32(GetLastError(), L"CryptAcquireContext failed");
     }
-    ~Provider() { CryptReleaseContext(m_handle, 0); }
     Provider(const Provider&) = delete;
     Provider& operator=(const Provider&) = delete;
 
@@ -34,10 +33,11 @@ private:
     HCRYPTPROV m_handle = 0;
 };
 
-/// Opening a provider costs far more than a hash, so the process keeps one.
+/// Opening a provider costs far more than a hash, so the process keeps one. It is never released: a static object's
+/// destructor would do that while the loader is locked.
 const Provider& processProvider()
 {
-    static const Provider provider;
+    static const Provider& provider = *new Provider;
     return provider;
 }
 

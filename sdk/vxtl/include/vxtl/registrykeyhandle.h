@@ -4,7 +4,7 @@
 
 namespace vx::registry {
 
-/// Closes with RegCloseKey.
+/// Closes with RegCloseKey, but for the predefined keys.
 struct RegistryKeyCloser {
     void operator()(void* key) const noexcept;
 };
@@ -13,7 +13,7 @@ struct NoRegistryKey {
     bool operator()(void* key) const noexcept { return !key; }
 };
 
-/// A native key handle. Closing a predefined one does no harm.
+/// A native key handle.
 using RegistryKeyHandle = AutomaticHandle<void*, RegistryKeyCloser, NoRegistryKey>;
 
 } // namespace vx::registry

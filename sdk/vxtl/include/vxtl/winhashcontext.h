@@ -8,7 +8,7 @@
 namespace vx::crypto {
 
 /// One computation of a hash by the system. One thread; the provider behind it is shared by the process
-/// and kept until the module goes. Throws Win32Exception.
+/// and kept for its life. Throws Win32Exception.
 class WinHashContext {
 public:
     /// `algorithm` is the system's number of it.
