@@ -51,8 +51,10 @@ std::wstring ComError::source() const
     BSTR text = nullptr;
     if (!m_info || FAILED(m_info->GetSource(&text)) || !text)
         return {};
+    // Asked before there is an owner: the first call of the library may throw.
+    const UINT length = SysStringLen(text);
     const std::unique_ptr<wchar_t, decltype(&SysFreeString)> owner(text, &SysFreeString);
-    return std::wstring(text, SysStringLen(text));
+    return std::wstring(text, length);
 }
 
 } // namespace vx

@@ -11,7 +11,8 @@ struct AccountAnswer {
     std::shared_ptr<const void> data;
 };
 
-/// The system's account database. Calls may block on the network. Nothing throws but for lack of memory.
+/// The system's account database. Calls may block on the network. Nothing throws but for lack of memory or of the
+/// system's own library.
 class AccountDriver {
 public:
     virtual ~AccountDriver() = default;

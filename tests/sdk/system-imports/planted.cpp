@@ -1,0 +1,4 @@
+extern "C" __declspec(dllexport) int __stdcall nowhere(int, int)
+{
+    return 1;
+}
