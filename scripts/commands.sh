@@ -26,6 +26,14 @@ command_setup() {
     wine_setup
 }
 
+# Where a flavour's build folder was configured when that was another checkout, of which this one is a copy, or this
+# one before it was moved: CMake would go on there, again and again.
+made_elsewhere() {
+    local made_in
+    made_in=$(sed -n 's/^CMAKE_HOME_DIRECTORY:INTERNAL=//p' "build/$1/CMakeCache.txt" 2>/dev/null)
+    [ -n "$made_in" ] && [ "$(realpath -m "$made_in")" != "$(realpath "$project")" ] && echo "$made_in"
+}
+
 # One build at a time on a machine: each takes both cores.
 build_flavour() {
     local flavour=$1
@@ -36,9 +44,13 @@ build_flavour() {
     (
         flock 9
         cd "$project" || exit 1
+        if made_in=$(made_elsewhere "$flavour"); then
+            say "build/$flavour belongs to $made_in: it is made anew"
+            rm "build/$flavour/build.ninja"
+        fi
         if [ ! -e "build/$flavour/build.ninja" ]; then
             say "configuring $flavour"
-            cmake --preset "$flavour" >"build/$flavour.log" 2>&1 || { cat "build/$flavour.log" >&2; exit 1; }
+            cmake --fresh --preset "$flavour" >"build/$flavour.log" 2>&1 || { cat "build/$flavour.log" >&2; exit 1; }
         fi
         say "building $flavour"
         cmake --build --preset "$flavour" ${1:+--target "$@"}

@@ -92,7 +92,9 @@ wine_start() {
     wine_setup
     mkdir -p "$wine_prefix"
     wine_extra_env=()
-    if [ ! -e "$wine_prefix/.complete" ]; then
+    # One that was copied or moved here is made anew: what was registered in it has its path, and a server that still
+    # runs for it sees the files of the old place.
+    if [ "$(cat "$wine_prefix/.complete" 2>/dev/null)" != "$(realpath "$project")" ]; then
         say "making the Wine prefix (once, about ten seconds)"
         wine_command wineserver -k >/dev/null 2>&1 </dev/null
         find "$wine_prefix" -mindepth 1 -delete 2>/dev/null
@@ -101,7 +103,7 @@ wine_start() {
     # The first program boots the prefix with its services, so no test inherits that job. A wineboot by hand would
     # boot twice: two service managers, and calls that now and then wait most of a minute for the wrong one.
     wine_command wine cmd /c exit </dev/null >/dev/null 2>&1 || die "Wine does not boot"
-    touch "$wine_prefix/.complete"
+    realpath "$project" >"$wine_prefix/.complete"
 }
 
 wine_stop() {
