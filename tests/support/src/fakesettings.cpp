@@ -75,4 +75,13 @@ vx::settings::SubscriptionId FakeSettings::subscribeForChanges(
     return m_lastId;
 }
 
+void FakeSettings::unsubscribeFromChanges(vx::settings::SubscriptionId id)
+{
+    const std::lock_guard lock(m_mutex);
+    if (const auto found = m_subscriptions.find(id); found != m_subscriptions.end()) {
+        throwIfFailing(found->second.first);
+        m_subscriptions.erase(found);
+    }
+}
+
 } // namespace support

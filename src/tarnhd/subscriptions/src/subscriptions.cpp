@@ -9,6 +9,9 @@ Subscriptions::Subscriptions(settings::Settings* settings) : m_settings(settings
 Subscriptions::~Subscriptions()
 {
     guarded([this] { Subscriptions::unsubscribeAll(); });
+    // What could not be unsubscribed stays with the store, and calls as soon as that is back.
+    for (const auto& gate : m_gates)
+        gate->close();
 }
 
 settings::SubscriptionId Subscriptions::subscribe(
@@ -18,7 +21,10 @@ settings::SubscriptionId Subscriptions::subscribe(
     VX_LOG_VALUES(propertyName);
     settings::SubscriptionId id = -1;
     guarded(L"Failed to subscribe to a property " + propertyName + L". Reason: ", [&] {
-        const auto subscribed = m_settings->subscribeForChanges(propertyName, callback);
+        // Listed first: whatever fails from here on, the callback can be closed.
+        const auto gate = m_gates.emplace_back(std::make_shared<settings::GatedCallback>(callback));
+        const auto subscribed =
+            m_settings->subscribeForChanges(propertyName, [gate](const std::wstring& name) { (*gate)(name); });
         m_subscriptionIds.push_back(subscribed);
         m_propertyNames[subscribed] = propertyName;
         id = subscribed;

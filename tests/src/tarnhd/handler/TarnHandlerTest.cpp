@@ -81,6 +81,7 @@ struct FakeManager : TarnpatchManager {
     bool update() override
     {
         done.add("update");
+        whileUpdating();
         return running = true;
     }
     bool stop() override { return running.exchange(false); }
@@ -102,6 +103,7 @@ struct FakeManager : TarnpatchManager {
     }
     support::Record& done;
     std::atomic<bool> running{false};
+    std::function<void()> whileUpdating = [] {};
     mutable int looks = 0;
 };
 
@@ -223,6 +225,30 @@ TEST_F(TarnHandlerTest, stopsWhatAStopDuringTheStartCouldNotSee)
     expectEnd();
     EXPECT_FALSE(factory->manager->running);
     EXPECT_TRUE(log.has(4, "Processing stopped")) << log.text();
+}
+
+TEST_F(TarnHandlerTest, isOutOfReachAfterAStopDuringAnOutage)
+{
+    beginAndWait();
+    std::promise<void> entered, release;
+    factory->manager->whileUpdating = [&] {
+        store.breakDown();
+        handler.stop(); // from inside a notification
+        entered.set_value();
+        release.get_future().wait();
+    };
+    const auto notifier = std::async(std::launch::async, [this] { store.setBoolValue(waitKey, true); });
+    entered.get_future().wait();
+    EXPECT_TRUE(log.waitFor("Failed to unsubscribe from property: ", 20)) << log.text();
+    EXPECT_EQ(ended.wait_for(support::moment), std::future_status::timeout);
+    release.set_value();
+    expectEnd();
+    EXPECT_EQ(doneAfter(2, 2), (Entries{"update", "scan"})) << "the end has waited for the whole notification";
+    store.repair();
+    EXPECT_EQ(store.subscriptions(), 10u);
+    store.setBoolValue(waitKey, false);
+    store.setBoolValue(L"windows.tarnpatch.enabled", false);
+    EXPECT_EQ(common->done.size(), 4u);
 }
 
 TEST_F(TarnHandlerTest, doesNotAskAStoreAgainThatRefuses)

@@ -28,7 +28,7 @@ public:
         return std::make_shared<vx::settings::Settings>(std::move(store));
     }
 
-    /// Reads and writes of the name throw `error`; null heals. The empty name stands for all names.
+    /// Every operation on the name throws `error`; null heals. The empty name stands for all names.
     void fail(Name name, std::exception_ptr error);
     /// The same with an exception of its own for each call, as threads may share none.
     void breakDown(Name name = {});
@@ -73,11 +73,7 @@ public:
     void setStringValue(Name name, const std::wstring& value) override { write(name, vx::str::toUtf8(value)); }
     void setJsonValue(Name name, const json& value) override { write(name, value); }
     vx::settings::SubscriptionId subscribeForChanges(Name name, const vx::settings::ChangeCallback& callback) override;
-    void unsubscribeFromChanges(vx::settings::SubscriptionId id) override
-    {
-        const std::lock_guard lock(m_mutex);
-        m_subscriptions.erase(id);
-    }
+    void unsubscribeFromChanges(vx::settings::SubscriptionId id) override;
 
 private:
     void throwIfFailing(Name name) const;

@@ -12,6 +12,8 @@ namespace support {
 
 /// Generous: a wait that reaches it has failed.
 inline constexpr std::chrono::seconds deadline{60};
+/// For what must not come: a wait that does not reach it has failed.
+inline constexpr std::chrono::milliseconds moment{100};
 
 /// What ran, in order; another thread can wait for the nth entry.
 class Record {

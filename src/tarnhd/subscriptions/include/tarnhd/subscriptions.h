@@ -1,19 +1,24 @@
 #pragma once
 
+#include "settings-api/gatedcallback.h"
 #include "settings-api/settings.h"
 
 #include <map>
+#include <memory>
 #include <string>
 #include <vector>
 
 namespace vx::tarn {
 
 /// Keeps the store's subscriptions of one owner and ends those that are left at destruction. Failures are log
-/// lines; one dead key leaves the others alone. One thread; the callbacks run on threads of the store.
+/// lines; one dead key leaves the others alone. One thread; the callbacks run on threads of the store, each of them
+/// once at a time.
 class Subscriptions {
 public:
     /// `settings` is borrowed and outlives the object.
     explicit Subscriptions(settings::Settings* settings);
+    /// From here on no callback begins, and none is running but one that this is called from, whatever the store
+    /// answers: blocks while one runs.
     virtual ~Subscriptions();
     Subscriptions(const Subscriptions&) = delete;
     Subscriptions& operator=(const Subscriptions&) = delete;
@@ -31,6 +36,7 @@ private:
     settings::Settings* m_settings;
     std::vector<settings::SubscriptionId> m_subscriptionIds; ///< in order of subscribing
     std::map<settings::SubscriptionId, std::wstring> m_propertyNames;
+    std::vector<std::shared_ptr<settings::GatedCallback>> m_gates; ///< of all subscriptions ever tried
 };
 
 } // namespace vx::tarn

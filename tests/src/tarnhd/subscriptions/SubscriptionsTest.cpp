@@ -1,0 +1,78 @@
+#include "tarnhd/subscriptions.h"
+
+#include "support/fakesettings.h"
+#include "support/logcapture.h"
+#include "support/record.h"
+
+#include <future>
+
+namespace vx::tarn {
+namespace {
+
+constexpr auto refused = "Failed to unsubscribe from property: key";
+
+struct SubscriptionsTest : testing::Test {
+    /// The end comes while the store is away, so it can cancel nothing.
+    void endDuringOutage()
+    {
+        store->breakDown();
+        subscriptions.reset();
+        store->repair();
+    }
+
+    support::LogCapture log;
+    std::shared_ptr<support::FakeSettings> store = std::make_shared<support::FakeSettings>();
+    std::shared_ptr<settings::Settings> settings = support::FakeSettings::handle(store);
+    std::unique_ptr<Subscriptions> subscriptions = std::make_unique<Subscriptions>(settings.get());
+    int calls = 0;
+};
+
+TEST_F(SubscriptionsTest, nothingIsCalledAfterTheEndWhateverTheStoreKeeps)
+{
+    subscriptions->subscribe(L"key", [this](const std::wstring&) { ++calls; });
+    store->breakDown();
+    subscriptions->unsubscribeAll();
+    EXPECT_EQ(log.count(refused), 2u) << log.text();
+    store->repair();
+    store->notify(L"key");
+    EXPECT_EQ(calls, 1) << "a refused unsubscription ends nothing before that";
+    endDuringOutage();
+    EXPECT_EQ(store->subscriptions(), 1u);
+    store->notify(L"key");
+    EXPECT_EQ(calls, 1);
+}
+
+TEST_F(SubscriptionsTest, theEndWaitsForACallInFlight)
+{
+    std::promise<void> entered;
+    std::promise<void> release;
+    subscriptions->subscribe(L"key", [&](const std::wstring&) {
+        entered.set_value();
+        release.get_future().wait();
+        ++calls;
+    });
+    const auto notifier = std::async(std::launch::async, [this] { store->notify(L"key"); });
+    entered.get_future().wait();
+    auto seen = std::async(std::launch::async, [&] {
+        endDuringOutage();
+        return calls;
+    });
+    EXPECT_TRUE(log.waitFor(refused, 2)) << log.text();
+    EXPECT_EQ(seen.wait_for(support::moment), std::future_status::timeout);
+    release.set_value();
+    EXPECT_EQ(seen.get(), 1);
+}
+
+TEST_F(SubscriptionsTest, theEndMayComeFromACall)
+{
+    subscriptions->subscribe(L"key", [this, held = std::make_shared<int>(1)](const std::wstring&) {
+        endDuringOutage();
+        calls += *held;
+    });
+    store->notify(L"key");
+    store->notify(L"key");
+    EXPECT_EQ(calls, 1);
+}
+
+} // namespace
+} // namespace vx::tarn
