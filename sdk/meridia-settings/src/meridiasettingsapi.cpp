@@ -1,5 +1,6 @@
 #include "meridia-settings/meridiasettingsapi.h"
 
+#include "changesubscription.h"
 #include "doubletext.h"
 #include "storefailure.h"
 
@@ -7,7 +8,7 @@
 #include "vxtl/parsejson.h"
 
 #include <algorithm>
-#include <list>
+#include <memory>
 #include <nlohmann/json.hpp>
 
 namespace vx::meridia {
@@ -78,24 +79,11 @@ SettingsApi::~SettingsApi()
     for (const QrlMeridiaHandle handle : m_handles)
         if (handle == 0)
             m_api.closeHandle(0);
-    if (!m_subscriptions.empty())
-        leaveToLibrary();
-}
-
-// What could not be unsubscribed is still known to the library, with the address of the record and of the
-// notification function: when the store is back it calls them. So both have to stay, and the record goes quiet.
-void SettingsApi::leaveToLibrary() noexcept
-{
-    keepModuleLoaded();
-    for (const auto& subscription : m_subscriptions) {
-        const std::lock_guard lock(subscription->deliveryMutex);
-        subscription->callback = nullptr;
-    }
-    // Never destroyed: the library's threads outlive the module's static objects.
-    static auto& kept = *new std::list<std::vector<std::unique_ptr<ChangeSubscription>>>;
-    static sync::Mutex mutex;
-    const std::lock_guard lock(mutex);
-    kept.push_back(std::move(m_subscriptions));
+    for (const Record& record : m_subscriptions)
+        if (record->isKnownToLibrary)
+            record->leaveToLibrary();
+        else
+            record->callback().close();
 }
 
 bool SettingsApi::getBoolValue(const std::wstring& name)
@@ -213,46 +201,69 @@ settings::SubscriptionId SettingsApi::subscribeForChanges(
     VX_LOG_SCOPE();
     VX_LOG_VALUES(name);
     const std::lock_guard lock(m_mutex);
-    auto subscription = std::make_unique<ChangeSubscription>();
-    const auto id = reinterpret_cast<settings::SubscriptionId>(subscription.get());
-    subscription->subscriptionId = id;
-    subscription->settingName = name;
-    subscription->callback = callback;
-    const auto subscribe = [&] {
-        return m_api.subscribe(m_handles[1], name.c_str(), settingsChangeNotificationCallback, subscription.get());
-    };
-    if (const Error code = subscribe(); code != Error::Success)
-        VX_THROW(QrlMeridiaException, code, errorText(subscribe()) + (L", Setting: " + name));
+    const Record record = ChangeSubscription::make(name, callback);
+    if (const Error code = subscribe(*record); code != Error::Success) {
+        record->callback().close();
+        const Error again = subscribe(*record);
+        cancel(*record);
+        VX_THROW(QrlMeridiaException, code, errorText(again) + (L", Setting: " + name));
+    }
     try {
-        m_subscriptions.push_back(std::move(subscription));
+        m_subscriptions.push_back(record);
     } catch (...) {
-        m_api.unsubscribe(m_handles[1], name.c_str(), settingsChangeNotificationCallback, subscription.get());
+        cancel(*record);
         throw;
     }
-    return id;
+    return record->id();
+}
+
+QrlMeridiaError_enum SettingsApi::subscribe(ChangeSubscription& record)
+{
+    const Error code =
+        m_api.subscribe(m_handles[1], record.settingName().c_str(), settingsChangeNotificationCallback, &record);
+    if (code == Error::Success)
+        record.isKnownToLibrary = true;
+    return code;
+}
+
+QrlMeridiaError_enum SettingsApi::unsubscribe(ChangeSubscription& record)
+{
+    const Error code =
+        m_api.unsubscribe(m_handles[1], record.settingName().c_str(), settingsChangeNotificationCallback, &record);
+    if (code == Error::Success)
+        record.isKnownToLibrary = false;
+    return code;
+}
+
+void SettingsApi::cancel(ChangeSubscription& record)
+{
+    if (record.isKnownToLibrary && unsubscribe(record) != Error::Success)
+        record.leaveToLibrary();
+    record.callback().close();
+}
+
+SettingsApi::Record SettingsApi::find(settings::SubscriptionId id) const
+{
+    const auto found = std::ranges::find(m_subscriptions, id, [](const Record& record) { return record->id(); });
+    return found == m_subscriptions.end() ? nullptr : *found;
 }
 
 void SettingsApi::unsubscribeFromChanges(settings::SubscriptionId subscriptionId)
 {
     VX_LOG_SCOPE();
     VX_LOG_VALUES(subscriptionId);
-    const std::lock_guard lock(m_mutex);
-    const auto find = [&] {
-        return std::find_if(m_subscriptions.begin(), m_subscriptions.end(),
-            [&](const auto& subscription) { return subscription->subscriptionId == subscriptionId; });
-    };
-    if (find() == m_subscriptions.end())
-        return;
-    ChangeSubscription& subscription = **find();
-    const auto unsubscribe = [&] {
-        return m_api.unsubscribe(
-            m_handles[1], subscription.settingName.c_str(), settingsChangeNotificationCallback, &subscription);
-    };
-    if (const Error code = unsubscribe(); code != Error::Success)
-        VX_THROW(QrlMeridiaException, code, errorText(unsubscribe()));
-    // The library may have called back into this object meanwhile, so the place is looked up anew.
-    if (const auto position = find(); position != m_subscriptions.end())
-        m_subscriptions.erase(position);
+    Record record;
+    {
+        const std::lock_guard lock(m_mutex);
+        record = find(subscriptionId);
+        if (!record)
+            return;
+        if (const Error code = unsubscribe(*record); code != Error::Success)
+            VX_THROW(QrlMeridiaException, code, errorText(unsubscribe(*record)));
+        std::erase(m_subscriptions, record);
+    }
+    // Not under the mutex: the callback that is waited for may itself subscribe.
+    record->callback().close();
 }
 
 void SettingsApi::settingsChangeNotificationCallback(
@@ -267,10 +278,8 @@ void SettingsApi::settingsChangeNotificationCallback(
         return;
     }
     try {
-        auto& subscription = *static_cast<ChangeSubscription*>(context);
-        const std::lock_guard lock(subscription.deliveryMutex);
-        if (subscription.callback)
-            subscription.callback(settingName);
+        if (const auto record = ChangeSubscription::find(context))
+            record->callback()(settingName);
     } catch (const std::exception& exception) {
         LogStream(Level::Error) << exception;
     } catch (...) {

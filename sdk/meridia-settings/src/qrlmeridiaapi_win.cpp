@@ -2,8 +2,6 @@
 
 #include "logging/logstream.h"
 
-#include <windows.h>
-
 namespace vx::meridia {
 
 delayload::LoadStatus loadQrlMeridiaApi(QrlMeridiaApi& api)
@@ -16,13 +14,6 @@ delayload::LoadStatus loadQrlMeridiaApi(QrlMeridiaApi& api)
             << "Failed to delay load QRL Meridia library. Status: " << static_cast<std::uint32_t>(status)
             << ", library: " << result.libraryName() << ", function: " << result.functionName();
     return status;
-}
-
-void keepModuleLoaded() noexcept
-{
-    HMODULE module = nullptr;
-    GetModuleHandleExW(GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS | GET_MODULE_HANDLE_EX_FLAG_PIN,
-        reinterpret_cast<const wchar_t*>(&keepModuleLoaded), &module);
 }
 
 } // namespace vx::meridia

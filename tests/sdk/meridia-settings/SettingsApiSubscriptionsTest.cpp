@@ -1,5 +1,9 @@
+#include "changesubscription.h"
 #include "fakemeridia.h"
 #include "support/logcapture.h"
+#include "support/record.h"
+
+#include <future>
 
 using namespace vx;
 using testing::ElementsAre;
@@ -11,6 +15,9 @@ struct SettingsApiSubscriptionsTest : MeridiaTest {
     {
         return api->subscribeForChanges(name, [this](const std::wstring& changed) { changes.push_back(changed); });
     }
+
+    /// Whether the latest record is in memory.
+    bool isThere() const { return meridia::ChangeSubscription::find(userData) != nullptr; }
 
     std::vector<std::wstring> changes;
     support::LogCapture log;
@@ -38,6 +45,68 @@ TEST_F(SettingsApiSubscriptionsTest, refusedSubscriptionIsGoneAndCalledTwice)
     EXPECT_EQ(Failure(3, L"Operation is not allowed, Setting: n"), failureOf([&] { subscribe(L"n"); }));
     api->unsubscribeFromChanges(reinterpret_cast<settings::SubscriptionId>(userData));
     EXPECT_EQ(2u, calls.size());
+    EXPECT_FALSE(isThere());
+}
+
+TEST_F(SettingsApiSubscriptionsTest, cancelsWhatTheSecondCallForARefusalsTextBrought)
+{
+    for (const int cancelled : {0, 5}) {
+        SCOPED_TRACE(cancelled);
+        calls.clear();
+        notifiesAtOnce = true;
+        answer({3, 0, cancelled});
+        const Failure failure{3, L"Operation completed successfully, Setting: n"};
+        EXPECT_EQ(failure, failureOf([&] { subscribe(L"n"); }));
+        EXPECT_THAT(calls, ElementsAre(L"Subscribe 2 n", L"Subscribe 2 n", L"Unsubscribe 2 n"));
+        EXPECT_EQ(isThere(), cancelled != 0);
+        notify(L"n");
+        EXPECT_THAT(changes, ElementsAre());
+    }
+}
+
+TEST_F(SettingsApiSubscriptionsTest, leavesNothingToALibraryThatForgotAtTheSecondCallForARefusalsText)
+{
+    const auto id = subscribe(L"n");
+    answer({3, 0, 10});
+    EXPECT_EQ(Failure(3, L"Operation completed successfully"), failureOf([&] { api->unsubscribeFromChanges(id); }));
+    EXPECT_EQ(Failure(10, L"Setting not found"), failureOf([&] { api->unsubscribeFromChanges(id); })) << "still listed";
+    EXPECT_TRUE(isThere());
+    api.reset();
+    EXPECT_FALSE(isThere());
+}
+
+TEST_F(SettingsApiSubscriptionsTest, anUnsubscriptionWaitsForADeliveryInFlight)
+{
+    std::promise<void> entered, release;
+    bool delivered = false;
+    const auto id = api->subscribeForChanges(L"n", [&](const std::wstring&) {
+        entered.set_value();
+        release.get_future().wait();
+        delivered = true;
+    });
+    const auto notifier = std::async(std::launch::async, [this] { notify(L"n"); });
+    entered.get_future().wait();
+    auto seen = std::async(std::launch::async, [&] {
+        api->unsubscribeFromChanges(id);
+        return delivered;
+    });
+    EXPECT_TRUE(log.waitFor("subscriptionId: "));
+    EXPECT_EQ(seen.wait_for(support::moment), std::future_status::timeout);
+    release.set_value();
+    EXPECT_TRUE(seen.get());
+}
+
+TEST_F(SettingsApiSubscriptionsTest, aDeliveryMayEndItsSubscription)
+{
+    settings::SubscriptionId id = 0;
+    id = api->subscribeForChanges(L"n", [&, held = std::wstring(100, 'x')](const std::wstring&) {
+        api->unsubscribeFromChanges(id);
+        changes.push_back(held);
+    });
+    notify(L"n");
+    notify(L"n");
+    EXPECT_EQ(changes.size(), 1u);
+    EXPECT_FALSE(isThere());
 }
 
 TEST_F(SettingsApiSubscriptionsTest, refusedUnsubscriptionStaysUsableUntilTheOwnerIsGone)
@@ -55,6 +124,7 @@ TEST_F(SettingsApiSubscriptionsTest, refusedUnsubscriptionStaysUsableUntilTheOwn
     api.reset();
     notify(L"left");
     EXPECT_THAT(changes, ElementsAre(L"b"));
+    EXPECT_TRUE(isThere()) << "no later record gets the address that the library knows";
 }
 
 TEST_F(SettingsApiSubscriptionsTest, subscriberThatThrowsIsLogged)

@@ -41,6 +41,7 @@ struct MeridiaTest : testing::Test {
     std::wstring text;               ///< of the next text reads
     std::int64_t number = 0;         ///< of the next other reads
     Handle lastHandle = 0;
+    bool notifiesAtOnce = false; ///< before a subscription returns
     vx::meridia::QrlMeridiaNotification* notification = nullptr;
     void* userData = nullptr;
     std::unique_ptr<vx::meridia::SettingsApi> api;
@@ -110,7 +111,10 @@ private:
         table.subscribe = [](Handle handle, const wchar_t* name, auto* function, void* data) {
             test->notification = function;
             test->userData = data;
-            return note(L"Subscribe", handle, name);
+            const Error code = note(L"Subscribe", handle, name);
+            if (code == Error::Success && test->notifiesAtOnce)
+                function(name, 3, nullptr, data);
+            return code;
         };
         table.unsubscribe = [](Handle handle, const wchar_t* name, auto* known, void*) {
             return known == test->notification ? note(L"Unsubscribe", handle, name) : Error::InvalidParameter;

@@ -5,6 +5,7 @@
 #include "logging/details/lasterror.h"
 #include "logging/details/threadid.h"
 #include "vxtl/clock.h"
+#include "vxtl/modulelife.h"
 #include "vxtl/win32exception.h"
 
 #include <cerrno>
@@ -83,6 +84,12 @@ std::chrono::milliseconds uptime() noexcept
 }
 
 } // namespace vx
+
+// Nothing is ever unloaded here.
+void vx::modulelife::keep() noexcept
+{
+    noteReferenceLeft();
+}
 
 std::wstring vx::Win32ErrorCategory::emptyReason(unsigned long) noexcept
 {

@@ -11,6 +11,8 @@
 
 namespace vx::meridia {
 
+class ChangeSubscription;
+
 /// The settings provider over the host's store. Doubles are stored as text, JSON as UTF-8 text. Any thread; reads and
 /// writes take no lock. Notifications come on a thread of the client library.
 ///
@@ -45,29 +47,28 @@ public:
     void setStringValue(const std::wstring& name, const std::wstring& value) override;
     void setJsonValue(const std::wstring& name, const nlohmann::json& data) override;
 
-    /// The callback may come as soon as the store knows of the subscription, before this returns.
+    /// The callback may come as soon as the store knows of the subscription, before this returns. A refused
+    /// subscription never calls it.
     settings::SubscriptionId subscribeForChanges(
         const std::wstring& name, const settings::ChangeCallback& callback) override;
-    /// Does nothing for an unknown id. When the store refuses, the subscription stays; the library may then go on
-    /// notifying, also after this object is gone, and such a notification does nothing.
+    /// Does nothing for an unknown id. Waits for a callback that another thread is in. When the store refuses, the
+    /// subscription stays; the library may then go on notifying, also after this object is gone, and does so in vain.
     void unsubscribeFromChanges(settings::SubscriptionId subscriptionId) override;
 
 private:
-    struct ChangeSubscription {
-        settings::SubscriptionId subscriptionId; ///< the address of the record itself
-        std::wstring settingName;
-        settings::ChangeCallback callback; ///< guarded by deliveryMutex; empty once the owner is gone
-        sync::RecursiveMutex deliveryMutex{};
-    };
+    using Record = std::shared_ptr<ChangeSubscription>;
 
-    void leaveToLibrary() noexcept;
+    QrlMeridiaError_enum subscribe(ChangeSubscription& record);
+    QrlMeridiaError_enum unsubscribe(ChangeSubscription& record);
+    void cancel(ChangeSubscription& record);
+    Record find(settings::SubscriptionId id) const;
 
     static void VX_CDECL settingsChangeNotificationCallback(
         const wchar_t* settingName, std::int32_t type, const void* value, void* context);
 
     QrlMeridiaHandle m_handles[2] = {0, 0}; ///< [0] reads and writes, [1] subscriptions
     sync::RecursiveMutex m_mutex;
-    std::vector<std::unique_ptr<ChangeSubscription>> m_subscriptions; ///< guarded by m_mutex
+    std::vector<Record> m_subscriptions; ///< in order of subscribing; guarded by m_mutex
     QrlMeridiaApi m_api{};
 };
 

@@ -45,8 +45,4 @@ void bindQrlMeridiaApi(delayload::LateBinder& binder, QrlMeridiaApi& api);
 /// Bootstraps the client library into the table; a failure is logged.
 delayload::LoadStatus loadQrlMeridiaApi(QrlMeridiaApi& api);
 
-/// Keeps the module that this code is in loaded until the process ends: for addresses that the client library
-/// can't be made to forget.
-void keepModuleLoaded() noexcept;
-
 } // namespace vx::meridia
