@@ -47,6 +47,9 @@ std::uint32_t PluginFrame::initialize(const char* pluginName, hosterAPI* hosterA
             return;
         ENTRY_SCOPE("QrlHosterPlugin");
         m_instance = std::make_shared<QrlHosterPlugin>(pluginName, hosterAPI, pluginAPI, m_callbacks);
+        // The host that unloaded and loaded the module counts on a fresh one.
+        if (m_isModuleKept())
+            m_stopRequested = false;
         result = done;
     });
     return result;
@@ -59,9 +62,14 @@ std::shared_ptr<QrlHosterPlugin> PluginFrame::getPlugin(const pluginAPI* pluginA
         VX_THROW(BaseException, L"There's no plugin instance");
     if (!pluginAPI)
         VX_THROW(BaseException, L"Invalid pluginAPI value");
-    if (pluginAPI->pluginContextData != m_instance.get())
+    if (!isRecordOfInstance(pluginAPI))
         VX_THROW(BaseException, L"Invalid pluginContextData value");
     return m_instance;
+}
+
+bool PluginFrame::isRecordOfInstance(const pluginAPI* pluginAPI) const
+{
+    return m_instance && pluginAPI && pluginAPI->pluginContextData == m_instance.get();
 }
 
 std::uint32_t PluginFrame::main(pluginAPI* pluginAPI) noexcept
@@ -94,8 +102,17 @@ std::uint32_t PluginFrame::stop(pluginAPI* pluginAPI) noexcept
     ENTRY_SCOPE("qrlPluginStop");
     VX_LOG_VALUES(pluginAPI);
     // Before the look-up, so that a stop ahead of main still keeps the plug-in from running.
-    m_stopRequested = true;
+    requestStop(pluginAPI);
     return guarded([&] { getPlugin(pluginAPI)->stop(); }) ? done : failed;
+}
+
+void PluginFrame::requestStop(const pluginAPI* pluginAPI) noexcept
+{
+    const std::lock_guard lock(m_instanceMutex);
+    // What comes late for an instance that is gone must not stop the next one.
+    const bool isLate = m_isModuleKept() && m_instance && !isRecordOfInstance(pluginAPI);
+    if (!isLate)
+        m_stopRequested = true;
 }
 
 void PluginFrame::onPowerEvent(pluginAPI* pluginAPI, std::uint32_t type, std::uint32_t data) noexcept

@@ -212,6 +212,43 @@ TEST_F(PluginFrameTest, neverRunsAgainAfterAStop)
     EXPECT_EQ(reports.size(), 4u);
 }
 
+TEST_F(PluginFrameTest, runsAnewInAModuleThatIsKept)
+{
+    static bool kept; ///< what the module is
+    kept = false;
+    PluginFrame keptFrame(marks, []() noexcept { return kept; });
+    int runs = 0;
+    struct Probe : FakePlugin {
+        void run() override { ++*runs; }
+        int* runs = nullptr;
+    };
+    keptFrame.registerPluginFactory([&] {
+        const auto probe = std::make_shared<Probe>();
+        probe->runs = &runs;
+        return probe;
+    });
+    pluginAPI old = recordOf(36);
+    const auto live = [&](bool isKept, std::vector<pluginAPI*> stopsBefore, std::vector<pluginAPI*> stopsBetween) {
+        for (pluginAPI* const stopped : stopsBefore)
+            keptFrame.stop(stopped);
+        kept = isKept;
+        EXPECT_EQ(keptFrame.initialize("name", &host, &record), 0u);
+        for (pluginAPI* const stopped : stopsBetween)
+            keptFrame.stop(stopped);
+        runs = 0;
+        EXPECT_EQ(keptFrame.main(&record), 0u);
+        return runs;
+    };
+    EXPECT_EQ(live(false, {}, {}), 1);
+    EXPECT_EQ(live(false, {}, {&old}), 0);
+    EXPECT_EQ(live(false, {}, {}), 0) << "nothing keeps the module";
+    EXPECT_EQ(live(true, {&old}, {}), 1);
+    EXPECT_EQ(live(true, {}, {&old, nullptr}), 1) << "a stop that is late for an earlier instance";
+    EXPECT_EQ(live(true, {}, {&record}), 0) << "a stop ahead of main";
+    EXPECT_EQ(live(true, {}, {&old, &record, &old}), 0);
+    EXPECT_EQ(live(true, {&record}, {}), 1);
+}
+
 TEST_F(PluginFrameTest, destroysThePluginOnTheThreadThatRanItEvenWhenAStopOutlastsTheRun)
 {
     struct Probe : FakePlugin {

@@ -1,6 +1,7 @@
 #include "tarnhd/pinnedthread.h"
 
 #include "vxtl/guarded.h"
+#include "vxtl/modulelife.h"
 #include "vxtl/win32exception.h"
 
 #include <windows.h>
@@ -51,6 +52,13 @@ PinnedThread::PinnedThread(std::function<void()> body)
     }
     start.release();
     m_handle = std::make_shared<KernelHandle>(handle);
+}
+
+PinnedThread::~PinnedThread()
+{
+    // The handle fires after the thread's reference to the module is gone.
+    if (WaitForSingleObject(m_handle->get(), 0) != WAIT_OBJECT_0)
+        modulelife::noteReferenceLeft();
 }
 
 } // namespace vx::tarn

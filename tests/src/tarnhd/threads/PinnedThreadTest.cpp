@@ -1,5 +1,6 @@
 #include "tarnhd/pinnedthread.h"
 #include "support/logcapture.h"
+#include "vxtl/modulelife.h"
 
 #include <gtest/gtest.h>
 
@@ -11,6 +12,12 @@ namespace {
 constexpr DWORD deadline = 60'000;
 constexpr auto libraryName = L"pinnedthread-testlibrary.dll";
 
+template <typename Function>
+Function* functionOf(HMODULE library, const char* name)
+{
+    return reinterpret_cast<Function*>(reinterpret_cast<void*>(GetProcAddress(library, name)));
+}
+
 TEST(PinnedThread, firesWhenTheBodyAndWhatItHoldsAreGone)
 {
     support::LogCapture log;
@@ -21,15 +28,26 @@ TEST(PinnedThread, firesWhenTheBodyAndWhatItHoldsAreGone)
     EXPECT_TRUE(log.has(2, "Exception caught: broken body")) << log.text();
 }
 
+TEST(PinnedThread, keepsNothingWhenItHasEndedBeforeItsOwner)
+{
+    {
+        const PinnedThread thread([] {});
+        ASSERT_TRUE(sync::waitForSingleObject(thread, deadline));
+    }
+    EXPECT_FALSE(modulelife::isKept());
+}
+
 TEST(PinnedThread, keepsAnUnloadedLibraryUntilItHasEnded)
 {
     const KernelHandle go(CreateEventW(nullptr, TRUE, FALSE, nullptr));
     const HMODULE library = LoadLibraryW(libraryName);
     ASSERT_NE(library, nullptr) << GetLastError();
-    using Start = HANDLE(HANDLE);
-    auto* const start = reinterpret_cast<Start*>(reinterpret_cast<void*>(GetProcAddress(library, "startLateThread")));
-    ASSERT_NE(start, nullptr);
+    auto* const start = functionOf<HANDLE(HANDLE)>(library, "startLateThread");
+    auto* const isKept = functionOf<bool()>(library, "isKept");
+    ASSERT_TRUE(start && isKept);
+    EXPECT_FALSE(isKept());
     const KernelHandle thread(start(go.get()));
+    EXPECT_TRUE(isKept()) << "its owner has left it behind";
     ASSERT_TRUE(FreeLibrary(library));
     EXPECT_NE(GetModuleHandleW(libraryName), nullptr);
     SetEvent(go.get());

@@ -1,4 +1,5 @@
 #include "tarnhd/pinnedthread.h"
+#include "vxtl/modulelife.h"
 
 #include <stdexcept>
 #include <string>
@@ -15,4 +16,9 @@ extern "C" __declspec(dllexport) HANDLE startLateThread(HANDLE go)
     DuplicateHandle(
         GetCurrentProcess(), thread.getHandle(), GetCurrentProcess(), &copy, 0, FALSE, DUPLICATE_SAME_ACCESS);
     return copy;
+}
+
+extern "C" __declspec(dllexport) bool isKept()
+{
+    return vx::modulelife::isKept();
 }

@@ -15,6 +15,8 @@ class PinnedThread : public IWaitable {
 public:
     /// Starts the thread. A std::exception out of `body` is logged at error level. Throws Win32Exception.
     explicit PinnedThread(std::function<void()> body);
+    /// Notes a thread that is left behind, see vxtl/modulelife.h.
+    ~PinnedThread() override;
     PinnedThread(const PinnedThread&) = delete;
     PinnedThread& operator=(const PinnedThread&) = delete;
 
