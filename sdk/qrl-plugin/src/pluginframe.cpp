@@ -28,13 +28,14 @@ private:
 
 } // namespace
 
-// The log names the entries after the functions in the host's table.
-#define ENTRY_SCOPE(name) const logging::LogScope scope("vx::qrl::`anonymous-namespace'::QrlHosterPlugin::" name)
+// Log and reports name the entries after the functions in the host's table.
+#define ENTRY_NAME "vx::qrl::`anonymous-namespace'::QrlHosterPlugin::"
+#define ENTRY_SCOPE(name) const logging::LogScope scope(ENTRY_NAME name)
 
 void PluginFrame::registerPluginFactory(PluginFactory factory)
 {
     if (m_factory)
-        VX_THROW(BaseException, L"Plugin factory is already registered.");
+        VX_THROW_AS(BaseException, L"vx::qrl::registerPluginFactory", L"Plugin factory is already registered.");
     m_factory = std::move(factory);
 }
 
@@ -57,13 +58,14 @@ std::uint32_t PluginFrame::initialize(const char* pluginName, hosterAPI* hosterA
 
 std::shared_ptr<QrlHosterPlugin> PluginFrame::getPlugin(const pluginAPI* pluginAPI)
 {
+    constexpr auto name = L"" ENTRY_NAME "getPlugin";
     const std::lock_guard lock(m_instanceMutex);
     if (!m_instance)
-        VX_THROW(BaseException, L"There's no plugin instance");
+        VX_THROW_AS(BaseException, name, L"There's no plugin instance");
     if (!pluginAPI)
-        VX_THROW(BaseException, L"Invalid pluginAPI value");
+        VX_THROW_AS(BaseException, name, L"Invalid pluginAPI value");
     if (!isRecordOfInstance(pluginAPI))
-        VX_THROW(BaseException, L"Invalid pluginContextData value");
+        VX_THROW_AS(BaseException, name, L"Invalid pluginContextData value");
     return m_instance;
 }
 

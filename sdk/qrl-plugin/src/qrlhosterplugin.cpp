@@ -25,7 +25,8 @@ QrlHosterPlugin::QrlHosterPlugin(
 {
     VX_LOG_VALUES(pluginName, hosterAPI, pluginAPI);
     if (!pluginAPI)
-        VX_THROW(BaseException, L"Invalid pointer to pluginAPI structure");
+        VX_THROW_AS(BaseException, L"vx::qrl::`anonymous-namespace'::QrlHosterPlugin::QrlHosterPlugin",
+            L"Invalid pointer to pluginAPI structure");
     fillRecord(*pluginAPI, callbacks);
 }
 

@@ -44,6 +44,9 @@ private:
 
 } // namespace
 
+// The log names these operations after the manager that they belong to.
+#define MANAGER_SCOPE(name) const logging::LogScope scope("vx::tarn::TarnpatchManager::" name)
+
 AgentRunner::AgentRunner(const TarnpatchSettings& settings, const TarnpatchStatus& status,
     common::CommonFactory* commonFactory, std::shared_ptr<common::Event> startEvent,
     std::chrono::milliseconds retryPause, WallClock now)
@@ -53,7 +56,7 @@ AgentRunner::AgentRunner(const TarnpatchSettings& settings, const TarnpatchStatu
 
 void AgentRunner::actionThread(common::Event& stopEvent)
 {
-    VX_LOG_SCOPE();
+    MANAGER_SCOPE("actionThread");
     const std::array<IWaitable*, 2> waitSet{&stopEvent, m_startEvent.get()};
     guarded("Exception caught: ", [&] {
         for (bool goOn = true; goOn;) {
@@ -84,7 +87,7 @@ bool AgentRunner::startEventSignaled(common::Event& stopEvent)
 
 bool AgentRunner::agentStartRequested(AgentStartReason reason, common::Event& stopEvent)
 {
-    VX_LOG_SCOPE();
+    MANAGER_SCOPE("agentStartRequested");
     const auto pause = static_cast<unsigned long>(m_retryPause.count());
     std::int32_t attempt = 0;
     Result result = Result::AlreadyRunning;
@@ -113,7 +116,7 @@ bool AgentRunner::agentStartRequested(AgentStartReason reason, common::Event& st
 
 AgentRunner::Result AgentRunner::startAgent(AgentStartReason reason, common::Event& stopEvent)
 {
-    VX_LOG_SCOPE();
+    MANAGER_SCOPE("startAgent");
     try {
         return runAgent(reason, stopEvent);
     } catch (const BaseException& e) {
@@ -192,7 +195,7 @@ void AgentRunner::storeLastStartTimestamp(std::int64_t timestamp)
 
 void AgentRunner::setArguments(const std::wstring& args)
 {
-    VX_LOG_SCOPE();
+    MANAGER_SCOPE("setArguments");
     VX_LOG_VALUES(args);
     const std::lock_guard lock(m_argumentsMutex);
     m_arguments = args;
