@@ -5,8 +5,6 @@
 #include "common/tarnpatchsettings.h"
 #include "logging/logstream.h"
 
-#include <cstdlib>
-
 namespace vx::tarn {
 
 using logging::Level;
@@ -14,9 +12,7 @@ using logging::LogStream;
 
 namespace {
 
-// The largest number that the system's rand gives. Nothing seeds it and its state is each thread's own, so the
-// first number on a thread is always 41 and the delta 0 for intervals below 800 minutes. That is meant to stay.
-constexpr double largestRandom = 32767.0;
+constexpr std::uint32_t largestRandom = 32767;
 
 } // namespace
 
@@ -33,11 +29,20 @@ std::chrono::milliseconds StartupAutoScan::getDelay()
     LogStream(Level::Info) << "Delay for rescan on startup is " << delay << " minute(s)";
     const std::int64_t interval = startup.randomizationInterval().count();
     LogStream(Level::Info) << "Randomization interval for rescan on startup is " << interval << " minute(s)";
-    const auto delta = static_cast<std::int32_t>(static_cast<double>(interval) * (std::rand() / largestRandom));
+    const auto delta =
+        static_cast<std::int32_t>(static_cast<double>(interval) * (drawRandom() / static_cast<double>(largestRandom)));
     LogStream(Level::Info) << "Random delta for rescan on startup is " << delta << " minute(s)";
     const std::chrono::minutes total(delay + delta);
     LogStream(Level::Info) << "Total delay for rescan on startup is " << total.count() << " minute(s)";
     return total;
+}
+
+// The system's rand, whose state on a thread all modules of the host would share. Nothing seeds it, so the first number
+// is always 41 and the delta 0 for intervals below 800 minutes. That is meant to stay.
+std::uint32_t StartupAutoScan::drawRandom() noexcept
+{
+    m_random = m_random * 214'013 + 2'531'011;
+    return m_random >> 16 & largestRandom;
 }
 
 common::ExitStatus StartupAutoScan::execute()

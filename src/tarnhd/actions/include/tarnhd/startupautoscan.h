@@ -3,6 +3,8 @@
 #include "tarnhd/startupaction.h"
 #include "vxtl/clock.h"
 
+#include <cstdint>
+
 namespace vx::tarn {
 
 /// Asks for the scan after a boot, unless a deployment is being waited for. Its delay is the setting's plus a
@@ -16,9 +18,12 @@ public:
     std::chrono::milliseconds getDelay() override;
 
 private:
+    std::uint32_t drawRandom() noexcept;
+
     const WallClock m_now;
     const Ticks m_creationTime;
     const std::shared_ptr<common::IUpdaterLauncher> m_scanLauncher; ///< the one that execute uses
+    std::uint32_t m_random = 1;                                     ///< the state of the generator
 };
 
 } // namespace vx::tarn
