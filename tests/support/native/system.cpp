@@ -96,11 +96,13 @@ std::wstring vx::Win32ErrorCategory::emptyReason(unsigned long) noexcept
     return {};
 }
 
-std::optional<std::tm> vx::tarn::common::utils::toLocalTime(std::int64_t time) noexcept
+std::optional<vx::DateTime::Parts> vx::tarn::common::utils::toLocalTime(std::int64_t time) noexcept
 {
     std::tm parts{};
     const std::time_t native = time;
     if (time < 0 || !localtime_r(&native, &parts))
         return std::nullopt;
-    return parts;
+    const auto part = [](int value) { return static_cast<unsigned>(value); };
+    return DateTime::Parts{part(parts.tm_year + 1900), part(parts.tm_mon + 1), part(parts.tm_mday), part(parts.tm_hour),
+        part(parts.tm_min), part(parts.tm_sec), 0};
 }

@@ -1,17 +1,23 @@
 #include "common/localtime.h"
+#include "vxtl/clock.h"
 
-#include <time.h>
+#include <limits>
+#include <windows.h>
 
 namespace vx::tarn::common::utils {
 
-std::optional<std::tm> toLocalTime(std::int64_t time) noexcept
+std::optional<DateTime::Parts> toLocalTime(std::int64_t time) noexcept
 {
-    std::tm parts{};
-    // The plain call's time ends in 2038.
-    const __time64_t wide = time;
-    if (_localtime64_s(&parts, &wide) != 0)
+    constexpr std::int64_t unixEpoch = 11'644'473'600; // seconds since 1601-01-01
+    if (time < 0 || time > std::numeric_limits<Ticks>::max() / ticksPerSecond - unixEpoch)
         return std::nullopt;
-    return parts;
+    ULARGE_INTEGER ticks;
+    ticks.QuadPart = static_cast<std::uint64_t>((time + unixEpoch) * ticksPerSecond);
+    const FILETIME fileTime = {ticks.LowPart, ticks.HighPart};
+    SYSTEMTIME utc, local;
+    if (!FileTimeToSystemTime(&fileTime, &utc) || !SystemTimeToTzSpecificLocalTime(nullptr, &utc, &local))
+        return std::nullopt;
+    return DateTime::Parts{local.wYear, local.wMonth, local.wDay, local.wHour, local.wMinute, local.wSecond, 0};
 }
 
 } // namespace vx::tarn::common::utils

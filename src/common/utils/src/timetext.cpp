@@ -13,8 +13,8 @@ std::wstring timeToString(std::int64_t time)
     if (!t)
         return {};
     char text[64];
-    const int length = std::snprintf(text, sizeof(text), "%04d-%02d-%02d %02d:%02d:%02d", t->tm_year + 1900,
-        t->tm_mon + 1, t->tm_mday, t->tm_hour, t->tm_min, t->tm_sec);
+    const int length = std::snprintf(
+        text, sizeof(text), "%04u-%02u-%02u %02u:%02u:%02u", t->year, t->month, t->day, t->hour, t->minute, t->second);
     return std::wstring(text, text + length);
 }
 

@@ -1,22 +1,24 @@
 #include "common/timetext.h"
-#include "common/localtime.h"
 
 #include <gtest/gtest.h>
 
+#include <ctime>
 #include <cwchar>
 
 using namespace vx::tarn::common::utils;
 
 TEST(TimeText, writesLocalTimes)
 {
-    for (const std::int64_t time : {0x65E0LL, 1'709'210'096LL, 4'102'444'800LL}) {
-        const auto local = toLocalTime(time);
-        ASSERT_TRUE(local);
+    for (const std::time_t time : {0x65E0, 1'709'210'096, 2'147'383'647}) {
         wchar_t expected[20] = L"";
-        std::wcsftime(expected, 20, L"%Y-%m-%d %H:%M:%S", &*local);
+        std::wcsftime(expected, 20, L"%Y-%m-%d %H:%M:%S", std::localtime(&time));
         EXPECT_EQ(timeToString(time), expected);
     }
-    EXPECT_EQ(timeToString(1'709'210'096).substr(0, 8), L"2024-02-");
-    EXPECT_EQ(timeToString(INT64_MAX), L"");
-    EXPECT_EQ(timeToString(-1), L"");
+    const struct {
+        std::int64_t time;
+        const wchar_t* year;
+    } rows[] = {{1'709'210'096, L"2024-02-"}, {2'147'483'648 + 86'400, L"2038-01-"},
+        {4'102'444'800 + 86'400, L"2100-01-"}, {-1, L""}, {INT64_MIN, L""}, {INT64_MAX, L""}};
+    for (const auto& row : rows)
+        EXPECT_EQ(timeToString(row.time).substr(0, 8), row.year) << row.time;
 }
