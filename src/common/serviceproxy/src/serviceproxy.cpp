@@ -68,9 +68,9 @@ ServiceOperation ServiceProxy::waitFor(ServiceState state, milliseconds timeout,
 bool waitForState(const std::function<ServiceState()>& currentState, ServiceState state, milliseconds timeout,
     milliseconds pollPause, const IWaitable* cancel)
 {
-    const auto deadline = uptime() + timeout;
+    const milliseconds begin = uptime();
     while (currentState() != state)
-        if (uptime() >= deadline || pause(cancel, pollPause))
+        if (uptime() - begin >= timeout || pause(cancel, pollPause))
             return false;
     return true;
 }
