@@ -8,10 +8,10 @@
 #include "common/updateid.h"
 #include "host/keycatalogue.h"
 #include "settings-api/settings.h"
+#include "vxtl/clock.h"
 #include "vxtl/str.h"
 
 #include <algorithm>
-#include <ctime>
 #include <nlohmann/json.hpp>
 #include <windows.h>
 
@@ -96,7 +96,8 @@ void Deployer::leaveForReboot(ValueItem state) const
     SuspendedDeployment(m_storage).suspend(m_handled, state);
     m_tarnpatchStatus.installation.lastInstallation.setRestartComputerNeeded(true);
     m_tarnpatchSettings.installation.setInProgress(true);
-    m_settings->setInt64Value(vx::str::fromUtf8(host::keys::completionTimestamp), std::time(nullptr));
+    m_settings->setInt64Value(
+        vx::str::fromUtf8(host::keys::completionTimestamp), vx::systemTicks() / vx::ticksPerSecond);
     answerRequest(ResultItem::RebootNeeded);
     // Last: with this the plug-in lets go of the agent and acknowledges nothing more.
     m_tarnpatchSettings.installation.completion.setWait(true);

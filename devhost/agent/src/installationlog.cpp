@@ -4,10 +4,10 @@
 #include "common/updateid.h"
 #include "host/keycatalogue.h"
 #include "settings-api/settings.h"
+#include "vxtl/clock.h"
 #include "vxtl/str.h"
 
 #include <algorithm>
-#include <ctime>
 #include <nlohmann/json.hpp>
 #include <ranges>
 
@@ -22,10 +22,10 @@ using vx::str::toUtf8;
 json toEntry(const common::PatchInfo& patch, const common::PatchStatus& status, const std::string& result)
 {
     return {{"patch_specifier", {{"id", toUtf8(patch.specifier.id)}, {"region", patch.specifier.region}}},
-        {"update_id", toUtf8(common::deriveUpdateId(patch))}, {"installation_time", std::time(nullptr)},
-        {"bulletin_id", toUtf8(patch.bulletinId)}, {"product_name", toUtf8(patch.productName)},
-        {"service_pack", toUtf8(patch.servicePack)}, {"update_name", toUtf8(patch.updateName)},
-        {"installation_result", result},
+        {"update_id", toUtf8(common::deriveUpdateId(patch))},
+        {"installation_time", vx::systemTicks() / vx::ticksPerSecond}, {"bulletin_id", toUtf8(patch.bulletinId)},
+        {"product_name", toUtf8(patch.productName)}, {"service_pack", toUtf8(patch.servicePack)},
+        {"update_name", toUtf8(patch.updateName)}, {"installation_result", result},
         {"status", {{"value", toUtf8(toText(status.value))}, {"code", toUtf8(status.code)}}}};
 }
 

@@ -3,9 +3,9 @@
 #include "agent/installationlog.h"
 #include "agent/patchstates.h"
 #include "common/tarnpatchstatus.h"
+#include "vxtl/clock.h"
 
 #include <algorithm>
-#include <ctime>
 #include <random>
 #include <ranges>
 #include <stdexcept>
@@ -30,7 +30,8 @@ utils::Guid randomGuid()
 
 ReportEvent patchEvent(const utils::Guid& deployment, std::int64_t number, PatchStateTarget state, bool terminal)
 {
-    const PatchStateReport report{deployment, thisMachine, number, state, false, terminal, std::time(nullptr)};
+    const PatchStateReport report{
+        deployment, thisMachine, number, state, false, terminal, vx::systemTicks() / vx::ticksPerSecond};
     return terminal ? ReportEvent{ReportEventType::OfflinePatchStatusReturnCode, report, 0, {}}
                     : ReportEvent{ReportEventType::OfflinePatchStatus, report, 0, {}};
 }
@@ -38,7 +39,8 @@ ReportEvent patchEvent(const utils::Guid& deployment, std::int64_t number, Patch
 ReportEvent machineEvent(const utils::Guid& deployment, MachineStateTarget state, bool terminal)
 {
     return {ReportEventType::OfflineMachineStatus,
-        MachineStateReport{deployment, thisMachine, state, false, terminal, std::time(nullptr)}, 0, {}};
+        MachineStateReport{deployment, thisMachine, state, false, terminal, vx::systemTicks() / vx::ticksPerSecond}, 0,
+        {}};
 }
 
 utils::Guid deploymentOf(const std::vector<ReportEvent>& events)

@@ -39,12 +39,11 @@ PluginSession::~PluginSession()
 
 void PluginSession::start()
 {
-    std::promise<std::uint32_t> result;
-    m_result = result.get_future().share();
-    m_main = std::thread([result = std::move(result), record = m_record, listener = m_onMainEnded]() mutable {
-        const auto code = record->get()->pluginMain(record->get());
-        result.set_value(code);
-        listener(code);
+    m_end = std::make_shared<MainEnd>();
+    m_main = std::thread([end = m_end, record = m_record, listener = m_onMainEnded] {
+        end->code = record->get()->pluginMain(record->get());
+        end->told.set();
+        listener(end->code);
     });
 }
 
@@ -55,9 +54,9 @@ std::uint32_t PluginSession::stop()
 
 std::optional<std::uint32_t> PluginSession::waitForEnd(std::chrono::milliseconds timeout)
 {
-    if (!m_result.valid() || m_result.wait_for(timeout) != std::future_status::ready)
+    if (!m_end || !m_end->told.wait(static_cast<unsigned long>(timeout.count())))
         return std::nullopt;
-    return m_result.get();
+    return m_end->code;
 }
 
 void PluginSession::resume()

@@ -3,6 +3,7 @@
 #include "host/printer.h"
 #include "host/stopsignal.h"
 #include "host/storemonitor.h"
+#include "vxtl/clock.h"
 
 #include <nlohmann/json.hpp>
 
@@ -38,7 +39,7 @@ void RemoteOperation::send(std::int64_t number)
 
 RemoteOperation::Outcome RemoteOperation::openAndWait(std::chrono::seconds timeout)
 {
-    const auto begin = std::chrono::steady_clock::now();
+    const auto begin = vx::uptime();
     const auto number = next();
     Signal closed;
     store::Client changes(m_context.instance);
@@ -56,8 +57,7 @@ RemoteOperation::Outcome RemoteOperation::openAndWait(std::chrono::seconds timeo
         return Outcome::TimedOut;
     if (!closed.isSet())
         return Outcome::Stopped;
-    const auto taken =
-        std::chrono::duration_cast<std::chrono::milliseconds>(std::chrono::steady_clock::now() - begin).count();
+    const auto taken = (vx::uptime() - begin).count();
     m_context.printer.event("acknowledged",
         "request " + std::to_string(number) + " was acknowledged after " + std::to_string(taken) + " ms",
         {{"ack", number}, {"milliseconds", taken}});

@@ -1,5 +1,6 @@
 #include "host/statuscommand.h"
 
+#include "common/timetext.h"
 #include "host/agentdirectory.h"
 #include "host/controlclient.h"
 #include "host/hostinstance.h"
@@ -8,8 +9,8 @@
 #include "host/systemtext.h"
 #include "store/client.h"
 #include "vxtl/parsejson.h"
+#include "vxtl/str.h"
 
-#include <ctime>
 #include <nlohmann/json.hpp>
 
 namespace devhost::host {
@@ -90,11 +91,7 @@ std::string timeText(const json& seconds)
 {
     if (!seconds.is_number_integer() || seconds.get<std::int64_t>() < 0)
         return "never";
-    const auto time = static_cast<std::time_t>(seconds.get<std::int64_t>());
-    char text[40] = "";
-    if (const auto* parts = std::localtime(&time))
-        std::strftime(text, sizeof(text), "%Y-%m-%d %H:%M:%S", parts);
-    return text;
+    return vx::str::toUtf8(vx::tarn::common::utils::timeToString(seconds.get<std::int64_t>()));
 }
 
 std::string requestText(const json& pair)

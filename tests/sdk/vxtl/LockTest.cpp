@@ -110,9 +110,7 @@ protected:
             isTold = true;
             changed.notify_all();
         });
-        while (!isTold && changed.waitFor(lock, timeout)) {
-        }
-        const bool wasTold = isTold;
+        const bool wasTold = changed.waitFor(lock, timeout, [&] { return isTold; });
         lock.unlock();
         teller.join();
         return wasTold;
@@ -146,8 +144,8 @@ TEST_F(ConditionVariableTest, endsAtOnceWhenNothingIsLeftAndLaterWhenSomethingWa
     std::unique_lock lock(mutex);
     for (const auto nothing : {0ms, -1ms, std::chrono::milliseconds::min()})
         EXPECT_FALSE(changed.waitFor(lock, nothing)) << nothing.count();
-    while (changed.waitFor(lock, 1ms)) {
-    }
+    EXPECT_FALSE(changed.waitFor(lock, 1ms, [] { return false; }));
+    EXPECT_TRUE(changed.waitFor(lock, 0ms, [] { return true; }));
     EXPECT_TRUE(lock.owns_lock());
     EXPECT_FALSE(mutex.try_lock());
 }

@@ -3,10 +3,10 @@
 #include "host/hostcallbacks.h"
 #include "host/pluginloader.h"
 #include "host/pluginrecord.h"
+#include "host/signal.h"
 
 #include <chrono>
 #include <functional>
-#include <future>
 #include <memory>
 #include <optional>
 #include <thread>
@@ -43,13 +43,18 @@ public:
     bool isRecordIntact() const { return m_record->isIntact(); }
 
 private:
+    struct MainEnd {
+        Signal told;
+        std::uint32_t code = 0; ///< written before `told` is set
+    };
+
     std::string m_name;
     HostCallbacks m_callbacks;
     std::shared_ptr<PluginRecord> m_record; ///< shared with the main thread, which may outlive this object
     PluginLoader m_loader;
     std::function<void(std::uint32_t)> m_onMainEnded;
     std::thread m_main;
-    std::shared_future<std::uint32_t> m_result;
+    std::shared_ptr<MainEnd> m_end; ///< shared with the main thread
 };
 
 } // namespace devhost::host

@@ -3,6 +3,7 @@
 #include "callchannel.h"
 #include "handshake.h"
 #include "notificationchannel.h"
+#include "vxtl/clock.h"
 
 #include <nlohmann/json.hpp>
 
@@ -50,12 +51,12 @@ Client::~Client() = default;
 bool Client::waitForServer(std::chrono::milliseconds timeout)
 {
     const CallChannel& calls = *m_implementation->calls;
-    const auto deadline = std::chrono::steady_clock::now() + timeout;
+    const auto begin = vx::uptime();
     for (;;) {
         // A connection of its own: a call would use up a planned fault.
         if (openChannel(calls.instance(), calls.role(), {{"channel", "calls"}}, nullptr))
             return true;
-        if (std::chrono::steady_clock::now() >= deadline)
+        if (vx::uptime() - begin >= timeout)
             return false;
         // The system can wait for a pipe that is busy, not for one that does not exist yet.
         Sleep(probePauseMs);

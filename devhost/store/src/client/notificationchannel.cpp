@@ -72,7 +72,7 @@ void NotificationChannel::awaitConnection()
         return;
     // The server has just answered, so the thread need not sit out its pause.
     SetEvent(m_retryEvent.get());
-    m_changed.wait_for(lock, std::chrono::milliseconds(m_pauses.connectMs), [&] { return m_online; });
+    m_changed.waitFor(lock, std::chrono::milliseconds(m_pauses.connectMs), [&] { return m_online; });
 }
 
 void NotificationChannel::unsubscribe(SubscriptionId id)

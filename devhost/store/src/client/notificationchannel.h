@@ -2,12 +2,11 @@
 
 #include "callchannel.h"
 #include "store/client.h"
+#include "vxtl/lock.h"
 
-#include <condition_variable>
 #include <cstdint>
 #include <map>
 #include <memory>
-#include <mutex>
 #include <string>
 #include <thread>
 #include <vector>
@@ -64,10 +63,10 @@ private:
     std::string m_session;
     vx::KernelHandle m_stopEvent;
     vx::KernelHandle m_retryEvent;
-    std::mutex m_order;   ///< held while the server is told what is subscribed; taken before m_mutex
-    std::thread m_thread; ///< begun under both locks, ended by stop
-    std::mutex m_mutex;
-    std::condition_variable m_changed;     ///< of m_online and of the subscriptions' running
+    vx::sync::Mutex m_order; ///< held while the server is told what is subscribed; taken before m_mutex
+    std::thread m_thread;    ///< begun under both locks, ended by stop
+    vx::sync::Mutex m_mutex;
+    vx::sync::ConditionVariable m_changed; ///< of m_online and of the subscriptions' running
     bool m_online = false;                 ///< guarded by m_mutex
     std::map<std::string, Topic> m_topics; ///< guarded by m_mutex
     SubscriptionId m_lastId = 0;           ///< guarded by m_mutex

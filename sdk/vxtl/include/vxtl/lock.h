@@ -1,5 +1,7 @@
 #pragma once
 
+#include "vxtl/clock.h"
+
 #include <atomic>
 #include <chrono>
 #include <mutex>
@@ -76,6 +78,16 @@ public:
     /// False when the time has passed, which is at once when nothing of it is left. A time beyond 24 days ends early
     /// and gives true, as a wait without a reason does.
     bool waitFor(std::unique_lock<Mutex>& lock, std::chrono::milliseconds timeout) noexcept;
+    /// What the condition says when the time has passed, if not true before.
+    template <typename Condition>
+    bool waitFor(std::unique_lock<Mutex>& lock, std::chrono::milliseconds timeout, Condition condition)
+    {
+        const std::chrono::milliseconds begin = uptime();
+        while (!condition())
+            if (!waitFor(lock, timeout - (uptime() - begin)))
+                return condition();
+        return true;
+    }
 
     void notify_one() noexcept;
     void notify_all() noexcept;
