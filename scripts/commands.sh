@@ -178,12 +178,27 @@ command_fuzz() {
     [ "$failed" -eq 0 ] || die "fuzzing found something; run the target with the input's path to see it again"
 }
 
+# The cross compiler's time_t ends in 2038, and the standard library's clocks and timed waits end with it; its locks
+# and threads leave handles behind in the host. vxtl/clock.h, vxtl/lock.h and tarnhd/joinedthread.h stand in.
+lint_standard_library() {
+    local clocks='std::(time|tm)\b|\btime_t\b|<(ctime|time\.h)>|\b(localtime|gmtime|mktime|strftime|wcsftime)\('
+    clocks+='|chrono::(system|steady|high_resolution|utc|tai|gps|file)_clock|\b(wait|sleep)_(for|until)\b'
+    local locks='std::((recursive_|shared_)?(timed_)?mutex|condition_variable(_any)?|call_once|once_flag|j?thread|this_thread'
+    locks+='|async|packaged_task|promise|(shared_)?future|latch|barrier|(counting|binary)_semaphore|stop_(token|source|callback))\b'
+    locks+='|<(condition_variable|thread|future|latch|barrier|semaphore|stop_token)>'
+    local shared_state='std::s?rand\b'
+    # Programs of the development host end with their threads, so these may use the standard ones.
+    ! git grep -nE "$clocks|$locks|$shared_state" -- sdk src && ! git grep -nE "$clocks" -- devhost
+}
+
 command_lint() {
     local failed=0
     install_packages clang-format cppcheck nlohmann-json3-dev
     cd "$project" || exit 1
     say "checking the format"
     git ls-files -z '*.cpp' '*.h' | xargs -0 clang-format --dry-run -Werror || failed=1
+    say "checking what is used of the standard library"
+    lint_standard_library || failed=1
     say "running cppcheck"
     # On: warning, performance, portability, that is what is likely wrong. Style is clang-format's and the
     # reviewer's. Off: what this version can't see through - members that braces initialise (uninitMemberVar),
