@@ -130,6 +130,40 @@ TEST_F(TaskSchedulerTest, saturatesWhatDoesNotFit)
     EXPECT_THAT(record.waitFor(2), ElementsAre("c", "d"));
 }
 
+// Around the ends of a time_t of 32 bits, with and without a sign; before the epoch; far away.
+TEST_F(TaskSchedulerTest, runsNothingEarlyInAnyYear)
+{
+    const Ticks real = vx::systemTicks();
+    for (const std::int64_t second :
+        {2'147'483'647LL, 2'147'483'648LL, 4'102'444'800LL, 4'294'967'296LL, -2'147'483'649LL, 900'000'000'000LL}) {
+        SCOPED_TRACE(second);
+        const auto now = [offset = second * vx::ticksPerSecond - real] { return vx::systemTicks() + offset; };
+        TaskScheduler shifted(now);
+        const auto scheduleIn = [&](int delay) {
+            return shifted.schedule(
+                std::make_unique<FuncTask>(std::to_string(delay), false, [] {}), milliseconds(delay), milliseconds(0));
+        };
+        const Ticks due = scheduleIn(2);
+        scheduleIn(0);
+        EXPECT_EQ(shifted.takeNext()->name(), "0");
+        EXPECT_EQ(shifted.takeNext()->name(), "2");
+        EXPECT_GE(now(), due);
+    }
+}
+
+TEST_F(TaskSchedulerTest, followsAClockThatIsSetBackAndForth)
+{
+    constexpr std::chrono::hours years(24 * 3652);
+    startLoop();
+    schedule("in an hour", 3'600'000);
+    clock.advance(-years);
+    schedule("at once", 0);
+    EXPECT_THAT(record.waitFor(1), ElementsAre("at once"));
+    clock.advance(years + std::chrono::hours(1));
+    scheduler.deferAtLeast(milliseconds(0));
+    EXPECT_THAT(record.waitFor(2), ElementsAre("at once", "in an hour"));
+}
+
 TEST_F(TaskSchedulerTest, stopsBehindTheRunningTaskAndRestartsEmpty)
 {
     const auto stopFromWithin = [this] {
