@@ -13,6 +13,18 @@ const wchar_t* nameOrNull(const std::wstring& name)
     return name.empty() ? nullptr : name.c_str();
 }
 
+void* createOrOpen(SECURITY_ATTRIBUTES& attributes, bool manualReset, bool initialState, const std::wstring& name)
+{
+    void* handle = CreateEventW(&attributes, manualReset, initialState, nameOrNull(name));
+    if (handle || GetLastError() != ERROR_ACCESS_DENIED)
+        return handle;
+    // Creating asks an existing event for rights that the accessible descriptor denies; its use needs none of them.
+    handle = OpenEventW(SYNCHRONIZE | EVENT_MODIFY_STATE, attributes.bInheritHandle, name.c_str());
+    if (!handle)
+        SetLastError(ERROR_ACCESS_DENIED);
+    return handle;
+}
+
 } // namespace
 
 std::shared_ptr<Event> Event::createAutoResetEvent(const std::wstring& name, bool inheritHandle)
@@ -41,7 +53,7 @@ std::shared_ptr<Event> createEvent(
     VX_LOG_SCOPE();
     VX_LOG_VALUES(manualReset, initialState, name, inheritHandle);
     SECURITY_ATTRIBUTES attributes = {sizeof(attributes), securityDescriptor, inheritHandle};
-    void* handle = CreateEventW(&attributes, manualReset, initialState, nameOrNull(name));
+    void* handle = createOrOpen(attributes, manualReset, initialState, name);
     if (!handle) {
         const DWORD error = GetLastError();
         logging::LogStream(logging::Level::Error) << "Failed to create event: " << name;

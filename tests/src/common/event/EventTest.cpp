@@ -2,12 +2,25 @@
 #include "support/childtest.h"
 #include "support/logcapture.h"
 #include "support/thrown.h"
+#include "vxtl/globalmutex.h"
 #include "vxtl/win32exception.h"
 
 using namespace vx;
 using namespace vx::tarn::common;
 
+namespace {
+
+/// Sets the event to tell that it is open, and keeps it until this process is ended.
+int keepOpen()
+{
+    const auto event = openEvent(SYNCHRONIZE | EVENT_MODIFY_STATE, support::ChildTest::argument(), false);
+    event->set();
+    return WaitForSingleObject(GetCurrentProcess(), INFINITE);
+}
+
 const auto isSet = [](const std::shared_ptr<Event>& event) { return sync::waitForSingleObject(*event, 0); };
+
+} // namespace
 
 TEST(Event, isOfTheKindThatIsAskedFor)
 {
@@ -42,4 +55,25 @@ TEST(Event, isReachedByItsNameAndFailsWithTheSystemsCode)
     EXPECT_EQ(failure.code(), ERROR_INVALID_HANDLE);
     EXPECT_THAT(failure.what(), testing::HasSubstr("Function: vx::tarn::common::createEvent,"));
     EXPECT_TRUE(log.has(2, "Failed to create event: EventTest-")) << log.text();
+}
+
+TEST(Event, isMadeAnewWhileAnotherProcessKeepsTheOldOne)
+{
+    const std::wstring name = support::uniqueName(L"Global\\EventTestKept");
+    const auto make = [&] { return createEvent(false, false, name, false, sync::accessibleSecurityDescriptor()); };
+    auto event = make();
+    const support::ChildTest keeper(L"keepOpen", name);
+    ASSERT_TRUE(sync::waitForSingleObject(*event, 30'000));
+    event.reset();
+    event = make();
+    EXPECT_TRUE(openEvent(EVENT_MODIFY_STATE, name, false)->set());
+    EXPECT_TRUE(isSet(event));
+    EXPECT_TRUE(event->set());
+    EXPECT_TRUE(event->reset());
+    EXPECT_FALSE(isSet(event));
+}
+
+int main(int argc, char** argv)
+{
+    return support::mainWithChildren(argc, argv, {{"keepOpen", &keepOpen}});
 }

@@ -26,8 +26,9 @@ private:
     SharedHandle m_handle;
 };
 
-/// Makes an event; an empty name makes an unnamed one. `securityDescriptor` is a native descriptor or null,
-/// borrowed for the call. Throws Win32Exception after logging "Failed to create event: ".
+/// Makes an event; an empty name makes an unnamed one. An existing event of the name is as good, also one that can only
+/// be waited on and set. `securityDescriptor` is a native descriptor or null, borrowed for the call. Throws
+/// Win32Exception after logging "Failed to create event: ".
 std::shared_ptr<Event> createEvent(bool manualReset, bool initialState, const std::wstring& name, bool inheritHandle,
     void* securityDescriptor = nullptr);
 
