@@ -1,8 +1,13 @@
-// The deployment queue between processes: each worker is a process of its own, on a real store server.
+// The deployment queue between processes: each worker is a process of its own, on a real store server. The environment
+// variable TARNHD_DEATHS says how many of them die.
 
 #include "childprocess.h"
 #include "common/commonfactory.h"
+#include "common/event.h"
 #include "common/ideploymentqueue.h"
+#include "meridia-settings/meridiasettingsapi.h"
+#include "settings-api/cachedsettings.h"
+#include "settings-api/settings.h"
 #include "store/client.h"
 #include "support/childtest.h"
 #include "vxtl/str.h"
@@ -11,14 +16,16 @@
 #include <nlohmann/json.hpp>
 #include <optional>
 #include <random>
-#include <set>
 #include <sstream>
+#include <thread>
 
 namespace {
 
 using Texts = std::vector<std::string>;
 using devhost::store::Value;
 using support::ChildProcess;
+using vx::tarn::common::CommonFactory;
+using vx::tarn::common::Event;
 
 const std::string queueKey = "windows.tarnpatch.installation.deployment_queue";
 const std::wstring instance = support::uniqueName(L"queue");
@@ -29,37 +36,86 @@ struct Step {
     std::string outcome; ///< empty when the worker did not come back from it
 };
 
-/// Three items are pushed, one of them is removed again and the oldest one popped.
-Step stepOf(const std::string& worker, unsigned number)
+std::string textOf(const std::string& worker, unsigned number)
 {
-    const auto text = [&](unsigned n) { return worker + '-' + std::to_string(n); };
+    return worker + '-' + std::to_string(number);
+}
+
+/// Three items are pushed, one of them is removed again and the oldest one popped.
+Step mixedStep(const std::string& worker, unsigned number)
+{
     switch (number % 5) {
-    case 2: return {"remove", text(number - 1), {}};
+    case 2: return {"remove", textOf(worker, number - 1), {}};
     case 4: return {"pop", "-", {}};
-    default: return {"push", text(number), {}};
+    default: return {"push", textOf(worker, number), {}};
     }
 }
 
-/// In the worker's process, with the argument "name steps": notes each step before and after.
+/// Two items are pushed and removed again, so each worker finds what it alone has left.
+Step ownStep(const std::string& worker, unsigned number)
+{
+    return number % 4 < 2 ? Step{"push", textOf(worker, number), {}} : Step{"remove", textOf(worker, number - 2), {}};
+}
+
+/// A worker's access to the store. Death in a write is what can harm others: it may be carried out afterwards.
+class MortalSettings : public vx::settings::CachedSettings {
+public:
+    MortalSettings() : CachedSettings(std::make_shared<vx::meridia::SettingsApi>(L"safe", L"S-1-5-18", L"worker")) {}
+
+    /// Ends the process so long after the next write has begun.
+    void dieInWrite(std::chrono::microseconds life) { m_life = life; }
+
+    void setJsonValue(const std::wstring& name, const nlohmann::json& value) override
+    {
+        if (m_life)
+            std::thread([end = std::chrono::steady_clock::now() + *m_life] {
+                while (std::chrono::steady_clock::now() < end)
+                    ;
+                TerminateProcess(GetCurrentProcess(), 1);
+            }).detach();
+        CachedSettings::setJsonValue(name, value);
+    }
+
+private:
+    std::optional<std::chrono::microseconds> m_life;
+};
+
+/// Ends all workers when it is set.
+std::shared_ptr<Event> makeEndEvent()
+{
+    return Event::createManualResetEvent(devhost::store::instanceFromEnvironment() + L"-end", false);
+}
+
+void carryOut(Step& step, vx::tarn::common::IDeploymentQueue& queue)
+{
+    step.outcome = "done";
+    if (step.kind == "push")
+        queue.pushBack(vx::str::fromUtf8(step.text));
+    else if (step.kind == "pop")
+        queue.pop();
+    else if (!queue.remove(vx::str::fromUtf8(step.text)))
+        step.outcome = "nothing";
+}
+
+/// In the worker's process, with the argument "name plan steps microseconds": notes each step before and after. With
+/// microseconds it dies in the write of its last step.
 int work()
 {
     std::istringstream argument(vx::str::toUtf8(support::ChildTest::argument()));
-    std::string name;
-    unsigned steps = 0;
-    argument >> name >> steps;
-    const auto queue = vx::tarn::common::CommonFactory().createDeploymentQueue();
-    for (unsigned i = 0; i < steps; ++i) {
-        const Step step = stepOf(name, i);
+    std::string name, plan;
+    unsigned steps = 0, life = 0;
+    argument >> name >> plan >> steps >> life;
+    const auto end = makeEndEvent();
+    const auto store = std::make_shared<MortalSettings>();
+    const auto queue = CommonFactory().createDeploymentQueue(std::make_shared<vx::settings::Settings>(store));
+    for (unsigned i = 0; i < steps && !vx::sync::waitForSingleObject(*end, 0); ++i) {
+        Step step = plan == "own" ? ownStep(name, i) : mixedStep(name, i);
         std::printf("%s %s", step.kind.c_str(), step.text.c_str());
         std::fflush(stdout);
-        bool changed = true;
-        if (step.kind == "push")
-            queue->pushBack(vx::str::fromUtf8(step.text));
-        else if (step.kind == "pop")
-            queue->pop();
-        else
-            changed = queue->remove(vx::str::fromUtf8(step.text));
-        std::printf(changed ? " done\n" : " nothing\n");
+        if (life > 0 && i + 1 == steps)
+            store->dieInWrite(std::chrono::microseconds(life));
+        carryOut(step, *queue);
+        std::printf(" %s\n", step.outcome.c_str());
         std::fflush(stdout);
     }
     return 0;
@@ -77,14 +133,28 @@ std::vector<Step> notesOf(const ChildProcess& worker)
     return notes;
 }
 
-void apply(const Step& step, Texts& queue)
+/// What a worker of the plan "own" has left by the steps that it came back from.
+Texts leftBy(const std::vector<Step>& notes)
 {
-    if (step.kind == "push")
-        queue.push_back(step.text);
-    else if (step.kind == "remove")
-        std::erase(queue, step.text);
-    else if (!queue.empty())
-        queue.erase(queue.begin());
+    Texts left;
+    for (const Step& note : notes)
+        if (note.outcome == "done" && note.kind == "push")
+            left.push_back(note.text);
+        else if (!note.outcome.empty())
+            std::erase(left, note.text);
+    return left;
+}
+
+/// How many items a worker wanted to remove and did not find.
+std::size_t missedBy(const std::vector<Step>& notes)
+{
+    return static_cast<std::size_t>(std::ranges::count(notes, "nothing", &Step::outcome));
+}
+
+std::size_t deathsWanted()
+{
+    wchar_t text[16];
+    return GetEnvironmentVariableW(L"TARNHD_DEATHS", text, 16) ? std::stoul(text) : 20;
 }
 
 class QueueTest : public testing::Test {
@@ -97,9 +167,9 @@ protected:
         EXPECT_TRUE(client.waitForServer(std::chrono::seconds(30)));
     }
 
-    ChildProcess startWorker(const std::string& nameAndSteps)
+    ChildProcess startWorker(const std::string& argument)
     {
-        SetEnvironmentVariableW(L"TARNHD_TEST_ARGUMENT", vx::str::fromUtf8(nameAndSteps).c_str());
+        SetEnvironmentVariableW(L"TARNHD_TEST_ARGUMENT", vx::str::fromUtf8(argument).c_str());
         return {"queue-tests.exe", L"--child work", folder.path()};
     }
 
@@ -119,7 +189,7 @@ protected:
 
 TEST_F(QueueTest, losesAndDoublesNothingBetweenTwoProcesses)
 {
-    const ChildProcess workers[] = {startWorker("a 1000"), startWorker("b 1000")};
+    const ChildProcess workers[] = {startWorker("a mixed 1000"), startWorker("b mixed 1000")};
     for (const ChildProcess& worker : workers)
         ASSERT_EQ(worker.wait(), 0u) << worker.errors();
     const Texts left = queue();
@@ -144,46 +214,44 @@ TEST_F(QueueTest, losesAndDoublesNothingBetweenTwoProcesses)
     std::printf("%zu items are left\n", left.size());
 }
 
-TEST_F(QueueTest, holdsWhatWasDoneWhenProcessesAreKilled)
+TEST_F(QueueTest, holdsWhatSurvivorsDidWhenOthersDieInTheirWrites)
 {
-    constexpr unsigned kills = 200;
+    const auto end = makeEndEvent();
+    const auto queueOfThisProcess = CommonFactory().createDeploymentQueue();
+    const auto remove = [&](const std::string& text) { return queueOfThisProcess->remove(vx::str::fromUtf8(text)); };
+    const ChildProcess survivors[] = {startWorker("a own 100000000"), startWorker("b own 100000000")};
     std::mt19937 random(20);
-    unsigned inFlight = 0;
-    // The server may carry out a dead process's last request a little later, so there may be two.
-    std::set<Texts> possible{{}};
-    for (unsigned round = 0; round < kills; ++round) {
-        auto worker = startWorker("r" + std::to_string(round) + " 1000000");
-        // It is killed somewhere in its first steps.
-        const std::size_t enough = random() % 6;
-        while (notesOf(worker).size() <= enough)
-            ASSERT_FALSE(worker.wait(std::chrono::milliseconds(random() % 4))) << worker.errors();
-        worker.kill();
-        const auto notes = notesOf(worker);
-        const bool cut = notes.back().outcome.empty();
-        inFlight += cut;
-        std::set<Texts> acknowledged, late;
-        for (Texts state : possible) {
-            for (const Step& note : notes)
-                if (note.outcome == "done")
-                    apply(note, state);
-            acknowledged.insert(state);
-            if (cut) {
-                apply(notes.back(), state);
-                late.insert(state);
-            }
-        }
-        const Texts left = queue();
-        ASSERT_TRUE(acknowledged.contains(left) || late.contains(left))
-            << "round " << round << ", left " << testing::PrintToString(left) << " after\n"
-            << worker.output();
-        possible = {left};
-        if (cut && acknowledged.contains(left)) {
-            Texts state = left;
-            apply(notes.back(), state);
-            possible.insert(state);
-        }
+    const std::size_t deaths = deathsWanted();
+    std::size_t inFlight = 0, lost = 0;
+    for (std::size_t round = 0; round < deaths; ++round) {
+        const auto victim = startWorker("r" + std::to_string(round) + " own " + std::to_string(1 + random() % 6) + ' ' +
+                                        std::to_string(1 + random() % 1500));
+        ASSERT_TRUE(victim.wait()) << victim.errors();
+        const auto notes = notesOf(victim);
+        // Its last step may have had its effect, or none.
+        const std::string doubtful = notes.back().outcome.empty() ? notes.back().text : "";
+        inFlight += !doubtful.empty();
+        lost += missedBy(notes);
+        for (const std::string& text : leftBy(notes))
+            lost += !remove(text) && text != doubtful;
+        if (!doubtful.empty())
+            remove(doubtful);
     }
-    EXPECT_GT(inFlight, 0u) << "no process was killed within a step";
+    end->set();
+    Texts expected, strays;
+    for (const ChildProcess& survivor : survivors) {
+        ASSERT_EQ(survivor.wait(), 0u) << survivor.errors();
+        lost += missedBy(notesOf(survivor));
+        std::ranges::copy(leftBy(notesOf(survivor)), std::back_inserter(expected));
+    }
+    Texts left = queue();
+    std::ranges::sort(left);
+    std::ranges::sort(expected);
+    std::ranges::set_symmetric_difference(left, expected, std::back_inserter(strays));
+    std::printf(
+        "%zu deaths, %zu within a step; %zu items lost, %zu come back\n", deaths, inFlight, lost, strays.size());
+    EXPECT_EQ(lost + strays.size(), 0u) << testing::PrintToString(strays);
+    EXPECT_GT(inFlight, 0u) << "no process died within a step";
 }
 
 } // namespace

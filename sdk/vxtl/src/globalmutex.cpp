@@ -1,5 +1,6 @@
 #include "vxtl/globalmutex.h"
 
+#include "vxtl/str.h"
 #include "vxtl/win32exception.h"
 
 #include <windows.h>
@@ -99,16 +100,29 @@ SharedHandle createAccessibleMutex(const std::wstring& name, bool openExisting)
     return opened;
 }
 
-GlobalMutex::GlobalMutex(const std::wstring& name, bool openExisting)
+GlobalMutex::GlobalMutex(const std::wstring& name, bool openExisting, std::shared_ptr<const IWaitable> stopEvent)
+    : m_name(name), m_stopEvent(std::move(stopEvent))
 {
     VX_LOG_SCOPE();
     VX_LOG_VALUES(name, openExisting);
     m_handle = createAccessibleMutex(name, openExisting);
 }
 
-void GlobalMutex::lock()
+PreviousOwner GlobalMutex::lock()
 {
-    waitForSingleObject(*this, infinite);
+    // The mutex comes first: one that is free is taken even during a stop.
+    void* const handles[] = {getHandle(), m_stopEvent ? m_stopEvent->getHandle() : nullptr};
+    // For whoever reads the log it is a wait for the mutex.
+    const details::Fired fired = details::waitForMultipleObjects(
+        std::span(handles, m_stopEvent ? 2 : 1), L"vx::sync::details::waitForSingleObject");
+    if (fired.index != 0)
+        throw StoppedException("Stopped while waiting for the mutex " + str::toUtf8(m_name));
+    return fired.isAbandoned ? PreviousOwner::Died : PreviousOwner::Released;
+}
+
+bool GlobalMutex::isStopped() const
+{
+    return m_stopEvent && waitForSingleObject(*m_stopEvent, 0);
 }
 
 bool GlobalMutex::tryLock(unsigned long timeoutMs)

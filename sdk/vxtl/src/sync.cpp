@@ -6,26 +6,40 @@
 
 namespace vx::sync::details {
 
-bool waitForSingleObject(void* handle, unsigned long timeoutMs)
+namespace {
+
+DWORD waitForOne(void* handle, DWORD timeoutMs)
 {
     const DWORD result = WaitForSingleObject(handle, timeoutMs);
     if (result == WAIT_FAILED)
-        VX_THROW_WIN32(GetLastError(), L"wait failed");
-    return result != WAIT_TIMEOUT;
+        VX_THROW_WIN32_AS(L"vx::sync::details::waitForSingleObject", GetLastError(), L"wait failed");
+    return result;
 }
 
-std::size_t waitForMultipleObjects(std::span<void* const> handles)
+DWORD waitForAny(std::span<void* const> handles, const wchar_t* function)
 {
-    if (handles.empty())
-        return 0;
-    if (handles.size() == 1)
-        return waitForSingleObject(handles[0], infinite) ? 0 : 1;
     const DWORD result = WaitForMultipleObjects(static_cast<DWORD>(handles.size()), handles.data(), FALSE, INFINITE);
     if (result == WAIT_FAILED)
-        VX_THROW_WIN32(GetLastError(), L"wait failed");
+        VX_THROW_WIN32_AS(function, GetLastError(), L"wait failed");
+    return result;
+}
+
+} // namespace
+
+bool waitForSingleObject(void* handle, unsigned long timeoutMs)
+{
+    return waitForOne(handle, timeoutMs) != WAIT_TIMEOUT;
+}
+
+Fired waitForMultipleObjects(std::span<void* const> handles, const wchar_t* function)
+{
+    if (handles.empty())
+        return {0, false};
+    const DWORD result = handles.size() == 1 ? waitForOne(handles[0], INFINITE) : waitForAny(handles, function);
     if (result == WAIT_TIMEOUT)
-        return handles.size();
-    return result >= WAIT_ABANDONED_0 ? result - WAIT_ABANDONED_0 : result - WAIT_OBJECT_0;
+        return {handles.size(), false};
+    const bool isAbandoned = result >= WAIT_ABANDONED_0;
+    return {result - (isAbandoned ? WAIT_ABANDONED_0 : WAIT_OBJECT_0), isAbandoned};
 }
 
 } // namespace vx::sync::details

@@ -2,8 +2,10 @@
 #include "support/childtest.h"
 #include "support/logcapture.h"
 #include "support/thrown.h"
+#include "vxtl/str.h"
 #include "vxtl/win32exception.h"
 
+#include <future>
 #include <sddl.h>
 
 using namespace vx;
@@ -12,6 +14,11 @@ using support::ChildTest;
 using support::thrown;
 
 namespace {
+
+struct Signal : IWaitable {
+    void* getHandle() const override { return event.get(); }
+    const KernelHandle event{CreateEventW(nullptr, TRUE, FALSE, nullptr)};
+};
 
 struct GlobalMutexTest : testing::Test {
     const std::wstring name = support::uniqueName(L"Global\\GlobalMutexTest");
@@ -46,8 +53,29 @@ TEST_F(GlobalMutexTest, excludesOtherProcessesAndIsTakenOverFromDeadOnes)
     mutex.unlock();
     EXPECT_EQ(ChildTest(L"tryToLock", name).wait(), 0u);
     ASSERT_EQ(ChildTest(L"dieOwningIt", name).wait(), 7u);
-    EXPECT_TRUE(mutex.tryLock(0));
+    EXPECT_EQ(mutex.lock(), PreviousOwner::Died);
+    EXPECT_EQ(mutex.lock(), PreviousOwner::Released) << "it is this thread's own by now";
     mutex.unlock();
+    mutex.unlock();
+}
+
+TEST_F(GlobalMutexTest, aStopEndsTheWaitAndLeavesAFreeMutexToItsTaker)
+{
+    const auto stop = std::make_shared<Signal>();
+    GlobalMutex mutex(name, true, stop);
+    mutex.lock();
+    // The first waits when the stop comes, the second one begins after it.
+    for (int i = 0; i < 2; ++i) {
+        auto refused = std::async(std::launch::async, [&] { return thrown<StoppedException>([&] { mutex.lock(); }); });
+        SetEvent(stop->getHandle());
+        EXPECT_EQ(std::string(refused.get().what()), "Stopped while waiting for the mutex " + str::toUtf8(name));
+    }
+    mutex.unlock();
+    ASSERT_EQ(ChildTest(L"dieOwningIt", name).wait(), 7u);
+    for (const PreviousOwner expected : {PreviousOwner::Died, PreviousOwner::Released}) {
+        EXPECT_EQ(mutex.lock(), expected);
+        mutex.unlock();
+    }
 }
 
 TEST_F(GlobalMutexTest, refusesWhatExistsAndWhatIsNoMutex)

@@ -23,8 +23,14 @@ inline constexpr unsigned long infinite = 0xFFFFFFFF;
 namespace details {
 /// False on a time-out.
 bool waitForSingleObject(void* handle, unsigned long timeoutMs);
-/// The index of the handle that fired, an abandoned mutex included; handles.size() on an empty list.
-std::size_t waitForMultipleObjects(std::span<void* const> handles);
+struct Fired {
+    std::size_t index;
+    bool isAbandoned; ///< a mutex whose owner has died
+};
+/// The handle that fired, an abandoned mutex included; the index is handles.size() on an empty list. A failure with
+/// several handles is reported as the named function's.
+Fired waitForMultipleObjects(
+    std::span<void* const> handles, const wchar_t* function = L"vx::sync::details::waitForMultipleObjects");
 } // namespace details
 
 /// Blocks until the object fires: true, also for an abandoned mutex. False on a time-out. Throws
@@ -43,7 +49,7 @@ auto waitForMultipleObjects(const List& list)
     std::vector<void*> handles;
     for (const auto& waitable : list)
         handles.push_back(waitable->getHandle());
-    return std::next(std::begin(list), static_cast<std::ptrdiff_t>(details::waitForMultipleObjects(handles)));
+    return std::next(std::begin(list), static_cast<std::ptrdiff_t>(details::waitForMultipleObjects(handles).index));
 }
 
 } // namespace sync

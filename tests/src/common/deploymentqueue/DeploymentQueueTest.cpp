@@ -19,8 +19,28 @@ using nlohmann::json;
 
 constexpr const wchar_t* key = L"windows.tarnpatch.installation.deployment_queue";
 
+/// Carries out a write that is still on its way just before the list is read for that many times more.
+struct LateStore : support::FakeSettings {
+    json getJsonValue(Name name) override
+    {
+        if (readsBefore > 0 && --readsBefore == 0)
+            setJsonValue(name, late());
+        return FakeSettings::getJsonValue(name);
+    }
+    std::function<json()> late;
+    int readsBefore = 0;
+};
+
+json items(const std::vector<std::string>& texts)
+{
+    json list = json::array();
+    for (const std::string& text : texts)
+        list.push_back({{"operation_id", "1"}, {"update_id", text}});
+    return list;
+}
+
 struct DeploymentQueueTest : testing::Test {
-    std::shared_ptr<support::FakeSettings> store = std::make_shared<support::FakeSettings>();
+    std::shared_ptr<LateStore> store = std::make_shared<LateStore>();
     std::shared_ptr<sync::GlobalMutex> mutex =
         std::make_shared<sync::GlobalMutex>(L"DeploymentQueueTest" + std::to_wstring(GetCurrentProcessId()));
     DeploymentQueue queue{support::FakeSettings::handle(store), mutex};
@@ -32,6 +52,11 @@ struct DeploymentQueueTest : testing::Test {
         for (const json& item : store->getJsonValue(key))
             result.push_back(item["update_id"]);
         return result;
+    }
+    /// Leaves the mutex as a process does that dies in an operation.
+    void dieWithin()
+    {
+        std::thread([this] { mutex->lock(); }).join();
     }
 };
 
@@ -113,6 +138,52 @@ TEST_F(DeploymentQueueTest, losesNothingWhenManyPushAndPopAtOnce)
     for (std::thread& thread : threads)
         thread.join();
     EXPECT_EQ(texts().size(), 100u);
+}
+
+TEST_F(DeploymentQueueTest, keepsItsChangeWhenADeadProcessesWriteComesLate)
+{
+    using Texts = std::vector<std::string>;
+    const struct {
+        const char* label;
+        void (*operate)(DeploymentQueue&);
+        Texts late; ///< made of a and b
+        Texts left;
+    } rows[] = {
+        {"push", [](auto& q) { q.pushBack(L"x"); }, {"a", "b", "w"}, {"a", "b", "w", "x"}},
+        {"push of the same", [](auto& q) { q.pushBack(L"w"); }, {"a", "b", "w"}, {"a", "b", "w"}},
+        {"push of what goes", [](auto& q) { q.pushBack(L"a"); }, {"b"}, {"b", "a"}},
+        {"pop", [](auto& q) { q.pop(); }, {"a", "b", "w"}, {"b", "w"}},
+        {"pop of what goes", [](auto& q) { q.pop(); }, {"b", "w"}, {"b", "w"}},
+        {"remove", [](auto& q) { EXPECT_TRUE(q.remove(L"b")); }, {"a", "b", "w"}, {"a", "w"}},
+        {"remove of what goes", [](auto& q) { EXPECT_TRUE(q.remove(L"a")); }, {"b"}, {"b"}},
+        {"remove of what comes", [](auto& q) { EXPECT_TRUE(q.remove(L"w")); }, {"a", "b", "w"}, {"a", "b"}},
+        {"look at the front", [](auto& q) { EXPECT_EQ(q.getFront(), L"b"); }, {"b"}, {"b"}},
+        {"look for any", [](auto& q) { EXPECT_TRUE(q.isEmpty()); }, {}, {}},
+    };
+    for (const auto& row : rows)
+        for (const int readsBefore : {2, 12, 21}) {
+            SCOPED_TRACE(row.label + (" before read " + std::to_string(readsBefore)));
+            store->setJsonValue(key, items({"a", "b"}));
+            store->late = [&] { return items(row.late); };
+            store->readsBefore = readsBefore;
+            dieWithin();
+            row.operate(queue);
+            EXPECT_EQ(store->readsBefore, 0);
+            EXPECT_EQ(texts(), row.left);
+        }
+}
+
+TEST_F(DeploymentQueueTest, comesToAnEndOnAListThatNeverSettles)
+{
+    store->late = [this, n = 0]() mutable {
+        store->readsBefore = 1;
+        return items({std::to_string(++n)});
+    };
+    store->readsBefore = 1;
+    dieWithin();
+    queue.pushBack(L"x");
+    store->readsBefore = 0;
+    EXPECT_EQ(texts().back(), "x");
 }
 
 } // namespace

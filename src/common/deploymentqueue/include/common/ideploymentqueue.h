@@ -12,7 +12,8 @@ public:
     /// True also when the list can't be read.
     virtual bool isEmpty() = 0;
     /// Appends a descriptor unless the same text is queued already. Throws what a malformed list throws
-    /// (std::invalid_argument, the JSON library's errors); the item is lost then.
+    /// (std::invalid_argument, the JSON library's errors); the item is lost then. Throws
+    /// sync::StoppedException when the program is stopped while another one holds the queue.
     virtual void pushBack(const std::wstring& updateId) = 0;
     /// The oldest descriptor; empty when there is none or it can't be read.
     virtual std::wstring getFront() = 0;
