@@ -1,6 +1,9 @@
 #include "rig.h"
 
 #include "host/bootatom.h"
+#include "vxtl/globalmutex.h"
+
+#include <mutex>
 
 namespace rig {
 namespace {
@@ -24,6 +27,27 @@ TEST_F(LifecycleTest, aStopLeavesTheRunningAgentAlone)
     EXPECT_EQ(logCount("Thread stop event detected while tarnag running."), 1u);
     EXPECT_EQ(logCount("Tarnag agent finished successfully."), 2u) << "the start time was recorded";
     EXPECT_EQ(agentStarts(), 2u);
+}
+
+TEST_F(LifecycleTest, aStopEndsTheWaitForAMutexThatAnotherProcessHolds)
+{
+    const std::string install = settings + "remote_operations.install_updates.";
+    std::int64_t request = 0;
+    for (const std::string name : {"Global\\ScanMutex{450C4D2D-AE20-440a-9AAA-F770900831AD}",
+             "TARN - DEPLOYMENT QUEUE - {D8AFE2BA-BD53-4D73-81D7-C8EF0DC5E27E}"}) {
+        SCOPED_TRACE(name);
+        startHost();
+        client.remove(install + "result");
+        client.set(install + "updates_to_install", Value::fromString("ALL"));
+        {
+            vx::sync::GlobalMutex mutex(vx::str::fromUtf8(name));
+            const std::lock_guard lock(mutex);
+            setNumber(install + "start", ++request);
+            waitForValue(install + "result", Value::fromString("failed"));
+            EXPECT_EQ(stopHost(), 0u);
+        }
+        EXPECT_GE(logCount("Stopped while waiting for the mutex " + name), 1u);
+    }
 }
 
 TEST_F(LifecycleTest, onlyTheFirstRunAfterABootScansOnStartUp)

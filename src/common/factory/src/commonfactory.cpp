@@ -38,6 +38,11 @@ CommonFactory::CommonFactory() = default;
 
 CommonFactory::~CommonFactory() = default;
 
+void CommonFactory::setStopEvent(std::shared_ptr<const IWaitable> stopEvent)
+{
+    m_stopEvent = std::move(stopEvent);
+}
+
 void CommonFactory::setSettings(std::shared_ptr<settings::Settings> settings)
 {
     m_settings = std::move(settings);
@@ -87,7 +92,7 @@ std::shared_ptr<IGlobalAtom> CommonFactory::createGlobalAtom(const std::wstring&
 
 std::shared_ptr<IUpdaterLauncher> CommonFactory::createUpdaterLauncher()
 {
-    return std::make_shared<UpdaterLauncher>();
+    return std::make_shared<UpdaterLauncher>(UpdaterLauncherOptions{}, m_stopEvent);
 }
 
 std::shared_ptr<Event> CommonFactory::createEvent(
@@ -123,8 +128,13 @@ std::shared_ptr<IUserSessions> CommonFactory::createUserSessions()
 
 std::shared_ptr<IDeploymentQueue> CommonFactory::createDeploymentQueue()
 {
+    return createDeploymentQueue(createSettings());
+}
+
+std::shared_ptr<IDeploymentQueue> CommonFactory::createDeploymentQueue(std::shared_ptr<settings::Settings> settings)
+{
     return std::make_shared<DeploymentQueue>(
-        createSettings(), std::make_shared<sync::GlobalMutex>(deploymentQueueMutex, true));
+        std::move(settings), std::make_shared<sync::GlobalMutex>(deploymentQueueMutex, true, m_stopEvent));
 }
 
 } // namespace vx::tarn::common

@@ -10,8 +10,9 @@
 
 namespace vx::tarn::common {
 
-UpdaterLauncher::UpdaterLauncher(const UpdaterLauncherOptions& options)
-    : m_mutex(options.mutexName, true), m_event(openStartEvent(options))
+UpdaterLauncher::UpdaterLauncher(
+    const UpdaterLauncherOptions& options, const std::shared_ptr<const IWaitable>& stopEvent)
+    : m_mutex(options.mutexName, true, stopEvent), m_event(openStartEvent(options, stopEvent.get()))
 {}
 
 void UpdaterLauncher::startScan()
@@ -39,7 +40,8 @@ void UpdaterLauncher::startScanAt(std::int64_t time)
     m_lastStart = time;
 }
 
-std::shared_ptr<Event> UpdaterLauncher::openStartEvent(const UpdaterLauncherOptions& options)
+std::shared_ptr<Event> UpdaterLauncher::openStartEvent(
+    const UpdaterLauncherOptions& options, const IWaitable* stopEvent)
 {
     // The event's maker may start later than this process, so its absence is waited out.
     const auto deadline = uptime() + options.openTimeout;
@@ -47,7 +49,11 @@ std::shared_ptr<Event> UpdaterLauncher::openStartEvent(const UpdaterLauncherOpti
         if (void* handle = OpenEventW(SYNCHRONIZE | EVENT_MODIFY_STATE, FALSE, options.eventName.c_str()))
             return std::make_shared<Event>(std::make_shared<KernelHandle>(handle));
         const DWORD error = GetLastError();
-        Sleep(static_cast<DWORD>(options.openPause.count()));
+        const auto pause = static_cast<DWORD>(options.openPause.count());
+        if (!stopEvent)
+            Sleep(pause);
+        else if (sync::waitForSingleObject(*stopEvent, pause))
+            throw sync::StoppedException("Stopped while waiting for the start event");
         if (uptime() >= deadline) {
             logging::LogStream(logging::Level::Error) << error;
             VX_THROW_WIN32(error, L"TarnpatchLauncherImpl::openStartEventImpl failed");

@@ -24,9 +24,10 @@ std::shared_ptr<TarnpatchManager> TarnhdFactory::createTarnpatchManager(
     return std::make_shared<TarnpatchManager>(settings, m_commonFactory, 1s);
 }
 
-std::shared_ptr<CurrentOperations> TarnhdFactory::createCurrentOperations()
+std::shared_ptr<CurrentOperations> TarnhdFactory::createCurrentOperations(
+    const std::shared_ptr<settings::Settings>& settings)
 {
-    return std::make_shared<CurrentOperations>(m_commonFactory->createSettings());
+    return std::make_shared<CurrentOperations>(settings);
 }
 
 } // namespace vx::tarn

@@ -63,6 +63,7 @@ TarnHandler::~TarnHandler() = default;
 void TarnHandler::initializeHandler()
 {
     VX_LOG_SCOPE();
+    m_commonFactory->setStopEvent(m_stopEvent);
     m_settings = createSettings();
     m_commonFactory->setSettings(m_settings);
     m_tarnpatchSettings = std::make_shared<TarnpatchSettings>(m_settings);
@@ -70,9 +71,10 @@ void TarnHandler::initializeHandler()
     // Makes the start event, which all launchers open.
     m_manager = m_factory->createTarnpatchManager(m_settings);
     m_updaterLauncher = m_commonFactory->createUpdaterLauncher();
-    m_deploymentQueue = m_commonFactory->createDeploymentQueue();
+    // Queue and publisher have store accesses of their own, and the store may have gone since the one above.
+    m_deploymentQueue = m_commonFactory->createDeploymentQueue(createSettings());
     m_actionScheduler = createActionScheduler();
-    m_currentOperations = m_factory->createCurrentOperations();
+    m_currentOperations = m_factory->createCurrentOperations(createSettings());
     m_initialized = true;
 }
 

@@ -36,18 +36,21 @@ class FakeCommonFactory : public common::CommonFactory,
                           public common::IGlobalAtom {
 public:
     std::shared_ptr<support::FakeSettings> store = std::make_shared<support::FakeSettings>();
-    int storeError = 0; ///< what opening the store answers, until the retry callable gives up
+    std::atomic<int> storeError = 0; ///< what opening the store answers, until the retry callable gives up
+    int goodOpenings = 0;            ///< that many succeed all the same
     bool atomExists = true;
     std::atomic<bool> installationFinished = false; ///< with states, as the storage tells
     support::Record done;
 
     std::shared_ptr<settings::Settings> createSettings(const RetryCallback& retry) override
     {
-        while (storeError != 0) {
+        const bool isGood = m_openings < goodOpenings;
+        while (const int error = isGood ? 0 : storeError.load()) {
             logging::LogStream(logging::Level::Warning) << "no store";
-            if (!retry(static_cast<meridia::QrlMeridiaError_enum>(storeError)))
+            if (!retry(static_cast<meridia::QrlMeridiaError_enum>(error)))
                 throw std::runtime_error("store unreachable");
         }
+        ++m_openings;
         return support::FakeSettings::handle(store);
     }
     using CommonFactory::createSettings;
@@ -71,6 +74,7 @@ public:
 
 private:
     const std::shared_ptr<void> notOwned;
+    int m_openings = 0;
 };
 
 /// A manager without a thread.
@@ -187,21 +191,24 @@ TEST(TarnHandler, endsOnAStopAtAnyMoment)
 {
     const struct {
         const char* moment; ///< a text in the log; none: before run
-        int storeError;
+        int storeError, goodOpenings;
         bool profile;
         const char* logged;
     } rows[] = {
-        {"", 0, true, "Plugin stop requested"},
-        {"", 0, false, "Meridia profile is not available yet."},
-        {"", 3, true, "Failed to initialize handler plugin: store unreachable"},
-        {"no store", 3, true, "Failed to initialize handler plugin: store unreachable"},
-        {"last_successful_update_timestamp' not found", 0, false, "Meridia profile is not available yet."},
-        {"Run processing", 0, true, "Processing stopped"},
+        {"", 0, 0, true, "Plugin stop requested"},
+        {"", 0, 0, false, "Meridia profile is not available yet."},
+        {"", 3, 0, true, "Failed to initialize handler plugin: store unreachable"},
+        {"no store", 3, 0, true, "Failed to initialize handler plugin: store unreachable"},
+        {"no store", 3, 1, true, "Failed to initialize handler plugin: store unreachable"},
+        {"no store", 3, 2, true, "Failed to initialize handler plugin: store unreachable"},
+        {"last_successful_update_timestamp' not found", 0, 0, false, "Meridia profile is not available yet."},
+        {"Run processing", 0, 0, true, "Processing stopped"},
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(row.moment + std::string(" ") + row.logged);
         FakedHandler stopped;
         stopped.common->storeError = row.storeError;
+        stopped.common->goodOpenings = row.goodOpenings;
         if (!row.profile)
             stopped.store.erase(profileKey);
         if (!*row.moment)
@@ -251,12 +258,24 @@ TEST_F(TarnHandlerTest, isOutOfReachAfterAStopDuringAnOutage)
     EXPECT_EQ(common->done.size(), 4u);
 }
 
-TEST_F(TarnHandlerTest, doesNotAskAStoreAgainThatRefuses)
+TEST(TarnHandler, waitsForAStoreThatCannotBeReachedAndEndsOnOneThatRefuses)
 {
-    common->storeError = 5;
-    begin();
-    expectEnd();
-    EXPECT_EQ(log.count("no store"), 1u);
+    for (const int goodOpenings : {0, 1, 2})
+        for (const int error : {3, 5}) {
+            SCOPED_TRACE(std::to_string(error) + " after " + std::to_string(goodOpenings));
+            FakedHandler started;
+            started.common->goodOpenings = goodOpenings;
+            started.common->storeError = error;
+            started.begin();
+            EXPECT_TRUE(started.log.waitFor("no store")) << started.log.text();
+            if (error == 5) {
+                started.expectEnd();
+                EXPECT_EQ(started.log.count("no store"), 1u);
+                continue;
+            }
+            started.common->storeError = 0;
+            EXPECT_TRUE(started.log.waitFor("Run processing")) << started.log.text();
+        }
 }
 
 TEST_F(TarnHandlerTest, emptiesTheStatusWhenSwitchedOffAndScansWhenSwitchedOn)

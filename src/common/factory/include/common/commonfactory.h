@@ -5,6 +5,9 @@
 #include <memory>
 #include <string>
 
+namespace vx {
+class IWaitable;
+}
 namespace vx::settings {
 class Settings;
 }
@@ -34,8 +37,8 @@ class IUpdaterLauncher;
 class IUserSessions;
 
 /// Makes what the plug-in shares with the agent; each call makes a new object. Two stages: before
-/// setSettings only operations that need no settings may be called. setSettings comes once, before other
-/// threads exist; afterwards any thread may call. Operations pass on what the constructors throw.
+/// setSettings only operations that need no settings may be called. setStopEvent and setSettings come once, before
+/// other threads exist; afterwards any thread may call. Operations pass on what the constructors throw.
 class CommonFactory {
 public:
     /// Answers whether the store is to be tried again after this error.
@@ -46,6 +49,9 @@ public:
     CommonFactory(const CommonFactory&) = delete;
     CommonFactory& operator=(const CommonFactory&) = delete;
 
+    /// Ends waits for named mutexes in all launchers and queues that are made from here on; without one they have no
+    /// end but the mutex.
+    virtual void setStopEvent(std::shared_ptr<const IWaitable> stopEvent);
     virtual void setSettings(std::shared_ptr<settings::Settings> settings);
     /// One attempt.
     virtual std::shared_ptr<settings::Settings> createSettings();
@@ -68,10 +74,12 @@ public:
     virtual std::shared_ptr<ITimeout> createTimeoutGenerator(std::uint64_t initialDelay);
     virtual std::shared_ptr<IPatchStorage> createPatchStorage();
     virtual std::shared_ptr<IUserSessions> createUserSessions();
-    /// With a store access of its own.
+    /// With a store access of its own; one attempt.
     virtual std::shared_ptr<IDeploymentQueue> createDeploymentQueue();
+    virtual std::shared_ptr<IDeploymentQueue> createDeploymentQueue(std::shared_ptr<settings::Settings> settings);
 
 protected:
+    std::shared_ptr<const IWaitable> m_stopEvent;           ///< empty without setStopEvent
     std::shared_ptr<settings::Settings> m_settings;         ///< empty until setSettings
     std::shared_ptr<TarnpatchSettings> m_tarnpatchSettings; ///< likewise
 };

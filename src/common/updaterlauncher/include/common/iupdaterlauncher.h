@@ -4,7 +4,8 @@
 
 namespace vx::tarn::common {
 
-/// Asks for an agent start by setting the shared start event.
+/// Asks for an agent start by setting the shared start event. What takes the scan mutex blocks while another launcher
+/// holds it, and throws sync::StoppedException when the program is stopped meanwhile.
 class IUpdaterLauncher {
 public:
     virtual ~IUpdaterLauncher() = default;

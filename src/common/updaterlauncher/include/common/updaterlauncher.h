@@ -23,8 +23,10 @@ struct UpdaterLauncherOptions {
 /// launchers of all processes, guards a start and the time of the last one.
 class UpdaterLauncher : public IUpdaterLauncher {
 public:
-    /// Blocks until the event can be opened, at most for the given time. Throws Win32Exception.
-    explicit UpdaterLauncher(const UpdaterLauncherOptions& options = {});
+    /// Blocks until the event can be opened, at most for the given time. `stopEvent` ends that
+    /// wait and those for the mutex, as in GlobalMutex. Throws Win32Exception and sync::StoppedException.
+    explicit UpdaterLauncher(
+        const UpdaterLauncherOptions& options = {}, const std::shared_ptr<const IWaitable>& stopEvent = nullptr);
 
     void startScan() override;
     void startScanIfOlderThan(std::int64_t seconds) override;
@@ -32,7 +34,7 @@ public:
     void startScanAt(std::int64_t time) override;
 
 private:
-    static std::shared_ptr<Event> openStartEvent(const UpdaterLauncherOptions& options);
+    static std::shared_ptr<Event> openStartEvent(const UpdaterLauncherOptions& options, const IWaitable* stopEvent);
 
     sync::GlobalMutex m_mutex;
     std::int64_t m_lastStart = 0; ///< ticks of 100 ns since the Unix epoch; guarded by m_mutex

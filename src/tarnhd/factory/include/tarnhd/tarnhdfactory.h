@@ -28,8 +28,8 @@ public:
     virtual std::shared_ptr<ActionScheduler> createActionScheduler();
     virtual std::shared_ptr<TarnpatchManager> createTarnpatchManager(
         const std::shared_ptr<settings::Settings>& settings);
-    /// With a store access of its own.
-    virtual std::shared_ptr<CurrentOperations> createCurrentOperations();
+    virtual std::shared_ptr<CurrentOperations> createCurrentOperations(
+        const std::shared_ptr<settings::Settings>& settings);
 
 private:
     common::CommonFactory* m_commonFactory;

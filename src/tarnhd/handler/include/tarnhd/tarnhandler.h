@@ -53,6 +53,7 @@ public:
 
 private:
     void initializeHandler();
+    /// A new store access. Waits while the store can't be reached; throws when stopped meanwhile.
     std::shared_ptr<settings::Settings> createSettings();
     std::shared_ptr<ActionScheduler> createActionScheduler();
     /// False when stopped meanwhile.
