@@ -16,8 +16,8 @@ namespace {
 static_assert(sizeof(pthread_mutex_t) == sizeof(SRWLOCK) && sizeof(pthread_cond_t) == sizeof(CONDITION_VARIABLE) &&
               sizeof(pthread_once_t) == sizeof(INIT_ONCE));
 
-// Negative values are the initialisers of the header. The system's locks never have them: they hold addresses, of
-// which no half of a process of 32 bits is all ones.
+// The header's initialisers are -1 to -3. A lock in use never has such a value: the system keeps addresses in it, and
+// there is no memory at the last bytes of the address space.
 template <typename Lock, typename Word>
 Lock* ready(Word* word)
 {
@@ -29,29 +29,53 @@ Lock* ready(Word* word)
 }
 
 /// The one slot that the run-time uses, for what it keeps of each thread. The system's slots for fibers call back
-/// for every thread's value when the slot is given back.
+/// for every thread's value when the slot is given back. Older systems have only 128 of them for a whole process; when
+/// they are used up, one of the many slots for threads does, whose values are then left behind: a run-time without a
+/// slot ends the process.
 class Slot {
 public:
     int create(void (*destroy)(void*))
     {
-        if (m_index != FLS_OUT_OF_INDEXES)
-            return EAGAIN;
         m_destroy = destroy;
-        m_index = FlsAlloc(&destroyValue);
-        return m_index == FLS_OUT_OF_INDEXES ? EAGAIN : 0;
+        m_fiberIndex = FlsAlloc(&destroyValue);
+        if (m_fiberIndex == FLS_OUT_OF_INDEXES)
+            m_threadIndex = TlsAlloc();
+        return isFibers() || m_threadIndex != TLS_OUT_OF_INDEXES ? 0 : EAGAIN;
     }
-    void* get() const { return FlsGetValue(m_index); }
-    int set(const void* value) const { return FlsSetValue(m_index, const_cast<void*>(value)) ? 0 : EINVAL; }
+    void* get() const
+    {
+        // The system's functions clear the thread's last error, which whoever throws or catches may be about to read.
+        const DWORD error = GetLastError();
+        void* const value = isFibers() ? FlsGetValue(m_fiberIndex) : TlsGetValue(m_threadIndex);
+        SetLastError(error);
+        return value;
+    }
+    int set(const void* value) const
+    {
+        const DWORD error = GetLastError();
+        void* const own = const_cast<void*>(value);
+        const bool done = isFibers() ? FlsSetValue(m_fiberIndex, own) : TlsSetValue(m_threadIndex, own);
+        SetLastError(error);
+        return done ? 0 : EINVAL;
+    }
     void release()
     {
-        FlsFree(m_index);
-        m_index = FLS_OUT_OF_INDEXES;
+        if (isFibers())
+            FlsFree(m_fiberIndex);
+        else
+            TlsFree(m_threadIndex);
+        // From here on the numbers are somebody else's.
+        m_fiberIndex = FLS_OUT_OF_INDEXES;
+        m_threadIndex = TLS_OUT_OF_INDEXES;
     }
 
 private:
     static void WINAPI destroyValue(void* value);
 
-    DWORD m_index = FLS_OUT_OF_INDEXES;
+    bool isFibers() const { return m_fiberIndex != FLS_OUT_OF_INDEXES; }
+
+    DWORD m_fiberIndex = FLS_OUT_OF_INDEXES;
+    DWORD m_threadIndex = TLS_OUT_OF_INDEXES;
     void (*m_destroy)(void*) = nullptr;
 };
 

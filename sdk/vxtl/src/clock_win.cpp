@@ -6,10 +6,9 @@ namespace vx {
 
 Ticks systemTicks() noexcept
 {
-    constexpr Ticks unixEpoch = 116'444'736'000'000'000; // since 1601-01-01
     FILETIME now;
     GetSystemTimeAsFileTime(&now);
-    return static_cast<Ticks>((static_cast<std::uint64_t>(now.dwHighDateTime) << 32 | now.dwLowDateTime)) - unixEpoch;
+    return static_cast<Ticks>(std::uint64_t{now.dwHighDateTime} << 32 | now.dwLowDateTime) - unixEpochAsFileTime;
 }
 
 std::chrono::milliseconds uptime() noexcept

@@ -7,8 +7,8 @@ namespace vx {
 
 namespace {
 
-constexpr std::uint64_t ticksPerMinute = 600'000'000;
-constexpr std::uint64_t ticksPerHour = 36'000'000'000;
+constexpr std::uint64_t ticksPerMinute = 60 * ticksPerSecond;
+constexpr std::uint64_t ticksPerHour = 60 * ticksPerMinute;
 constexpr std::uint64_t ticksPerDay = 24 * ticksPerHour;
 
 constexpr bool isLeap(unsigned year)

@@ -52,7 +52,7 @@ TEST(ThreadLayer, keepsTheExceptionsOfThreadsApart)
     std::atomic<int> failures = 0;
     onThreads(4, [&](int thread) {
         for (int i = 0; i < 500; ++i)
-            failures += !library.throwNested(thread * 1000 + i);
+            failures += !library.throwNested(thread * 1000 + i + 1);
     });
     EXPECT_EQ(failures, 0);
 }
@@ -89,13 +89,26 @@ TEST(ThreadLayer, isDoneWithAThreadThatOutlivesTheLibrary)
     outliving.join();
 }
 
+TEST(ThreadLayer, worksInAProcessWithoutSlotsForFibers)
+{
+    std::vector<DWORD> taken;
+    for (DWORD slot = FlsAlloc(nullptr); slot != FLS_OUT_OF_INDEXES; slot = FlsAlloc(nullptr))
+        taken.push_back(slot);
+    {
+        const Library library;
+        onThreads(2, [&](int i) { EXPECT_TRUE(library.throwNested(i + 1)); });
+    }
+    for (const DWORD slot : taken)
+        FlsFree(slot);
+}
+
 TEST(ThreadLayer, leavesNothingBehindInItsProcess)
 {
     constexpr int cycles = 20;
     const auto cycle = [] {
         const Library library;
-        onThreads(2, [&](int i) { library.throwNested(i); });
-        EXPECT_TRUE(library.throwNested(0));
+        onThreads(2, [&](int i) { library.throwNested(i + 1); });
+        EXPECT_TRUE(library.throwNested(1));
     };
     cycle();
     const support::Footprint before = support::footprint();

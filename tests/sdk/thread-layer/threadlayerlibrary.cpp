@@ -12,10 +12,12 @@ struct Made {
 
 } // namespace
 
-/// Throws, throws again while the first is being handled, and answers whether each handler got its own.
+/// Throws, throws again while the first is being handled, and answers whether each handler got its own, and the
+/// thread's last error was left alone.
 extern "C" __declspec(dllexport) bool throwNested(int value)
 {
     bool areOwn = false;
+    SetLastError(static_cast<DWORD>(value));
     try {
         try {
             throw value;
@@ -32,6 +34,7 @@ extern "C" __declspec(dllexport) bool throwNested(int value)
     } catch (int again) {
         areOwn &= again == value;
     }
+    areOwn &= GetLastError() == static_cast<DWORD>(value);
     return areOwn && std::uncaught_exceptions() == 0 && !std::current_exception();
 }
 

@@ -12,6 +12,8 @@ using Ticks = std::int64_t;
 
 inline constexpr Ticks ticksPerMillisecond = 10'000;
 inline constexpr Ticks ticksPerSecond = 10'000'000;
+/// The Unix epoch in ticks since 1601-01-01, where the system's file times begin.
+inline constexpr Ticks unixEpochAsFileTime = 116'444'736'000'000'000;
 
 /// Tells the time; called from any thread.
 using WallClock = std::function<Ticks()>;

@@ -8,11 +8,10 @@ namespace vx::tarn::common::utils {
 
 std::optional<DateTime::Parts> toLocalTime(std::int64_t time) noexcept
 {
-    constexpr std::int64_t unixEpoch = 11'644'473'600; // seconds since 1601-01-01
-    if (time < 0 || time > std::numeric_limits<Ticks>::max() / ticksPerSecond - unixEpoch)
+    if (time < 0 || time > (std::numeric_limits<Ticks>::max() - unixEpochAsFileTime) / ticksPerSecond)
         return std::nullopt;
     ULARGE_INTEGER ticks;
-    ticks.QuadPart = static_cast<std::uint64_t>((time + unixEpoch) * ticksPerSecond);
+    ticks.QuadPart = static_cast<std::uint64_t>(time * ticksPerSecond + unixEpochAsFileTime);
     const FILETIME fileTime = {ticks.LowPart, ticks.HighPart};
     SYSTEMTIME utc, local;
     if (!FileTimeToSystemTime(&fileTime, &utc) || !SystemTimeToTzSpecificLocalTime(nullptr, &utc, &local))

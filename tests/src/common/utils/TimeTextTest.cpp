@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdlib>
 #include <ctime>
 #include <cwchar>
 
@@ -9,6 +10,11 @@ using namespace vx::tarn::common::utils;
 
 TEST(TimeText, writesLocalTimes)
 {
+#ifdef _WIN32
+    // The C library takes this variable for the zone, but reads another form than the one that Wine is given.
+    _putenv("TZ=");
+    _tzset();
+#endif
     for (const std::time_t time : {0x65E0, 1'709'210'096, 2'147'383'647}) {
         wchar_t expected[20] = L"";
         std::wcsftime(expected, 20, L"%Y-%m-%d %H:%M:%S", std::localtime(&time));
