@@ -13,8 +13,8 @@ namespace vx::qrl {
 /// every pointer that comes back from the host and turns failures into log lines and codes. There is one per
 /// process. The host gives up a thread to main; everything else may come from any thread meanwhile.
 ///
-/// A stop holds for as long as the module stays loaded by its host alone. In a module that is kept in memory against its host's will
-/// each instance begins as in a fresh one: no stop from before it counts, nor one for another record.
+/// A stop holds for as long as the module stays loaded by its host alone. In a module that something else has kept in
+/// memory each instance begins as in a fresh one: no stop from before it counts, nor one for another record.
 class PluginFrame {
 public:
     using IsModuleKept = bool (*)() noexcept;

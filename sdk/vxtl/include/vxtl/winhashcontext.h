@@ -7,8 +7,8 @@
 
 namespace vx::crypto {
 
-/// One computation of a hash by the system. One thread; the provider behind it is shared by the process
-/// and kept for its life. Throws Win32Exception.
+/// One computation of a hash by the system. One thread; the provider behind it is made once
+/// for each load of the module and never given back, as that must not happen while a library is unloaded. Throws Win32Exception.
 class WinHashContext {
 public:
     /// `algorithm` is the system's number of it.
