@@ -193,12 +193,14 @@ lint_standard_library() {
 
 command_lint() {
     local failed=0
-    install_packages clang-format cppcheck nlohmann-json3-dev
+    install_packages clang-format cppcheck nlohmann-json3-dev python3
     cd "$project" || exit 1
     say "checking the format"
     git ls-files -z '*.cpp' '*.h' | xargs -0 clang-format --dry-run -Werror || failed=1
     say "checking what is used of the standard library"
     lint_standard_library || failed=1
+    say "checking the includes"
+    python3 scripts/includes.py || failed=1
     say "running cppcheck"
     # On: warning, performance, portability, that is what is likely wrong. Style is clang-format's and the
     # reviewer's. Off: what this version can't see through - members that braces initialise (uninitMemberVar),
@@ -209,7 +211,7 @@ command_lint() {
         --error-exitcode=1 --inline-suppr --library=windows --library=googletest -j "$(nproc)" \
         --suppress=missingInclude --suppress=missingIncludeSystem --suppress=uninitMemberVar \
         --suppress=unknownMacro --suppress=throwInNoexceptFunction --suppress=passedByValue --suppress=danglingTemporaryLifetime \
-        $(find sdk src devhost -type d -name include -printf '-I%p ') \
+        -Isrc -Idevhost $(printf -- '-I%s ' sdk/*/include sdk/*/src) \
         sdk src devhost bench || failed=1
     [ "$failed" -eq 0 ] || die "lint found something"
 }

@@ -1,4 +1,4 @@
-#include "common/updateid.h"
+#include "common/patches/updateid.h"
 #include "rows.h"
 
 #include <windows.h>

@@ -1,6 +1,6 @@
 #include "inputs.h"
 
-#include "common/updateid.h"
+#include "common/patches/updateid.h"
 #include "vxtl/str.h"
 
 #include <cstdio>

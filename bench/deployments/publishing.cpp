@@ -1,6 +1,6 @@
 #include "inputs.h"
 #include "rows.h"
-#include "tarnhd/currentoperations.h"
+#include "tarnhd/currentoperations/currentoperations.h"
 #include "textstore.h"
 
 #include <nlohmann/json.hpp>

@@ -1,4 +1,4 @@
-#include "common/deploymentqueue.h"
+#include "common/deploymentqueue/deploymentqueue.h"
 #include "inputs.h"
 #include "rows.h"
 #include "textstore.h"

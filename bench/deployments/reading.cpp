@@ -1,4 +1,4 @@
-#include "common/patchrecords.h"
+#include "common/patches/patchrecords.h"
 #include "inputs.h"
 #include "rows.h"
 #include "vxtl/str.h"

@@ -1,8 +1,8 @@
 #include "writtenrecord.h"
 
 #include "barefile.h"
+#include "logging-backend/processlogger.h"
 #include "logging/logstream.h"
-#include "logging/processlogger.h"
 
 #include <string>
 

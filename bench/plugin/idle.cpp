@@ -1,13 +1,13 @@
 #include "idle.h"
 
 #include "host/directorywatch.h"
-#include "host/keycatalogue.h"
 #include "host/loglocation.h"
 #include "host/logreader.h"
 #include "host/pluginsession.h"
+#include "keys/keycatalogue.h"
 #include "reading.h"
-#include "store/client.h"
-#include "store/server.h"
+#include "store/client/client.h"
+#include "store/server/server.h"
 #include "threadswitches.h"
 
 #include <cstdio>

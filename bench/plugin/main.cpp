@@ -1,6 +1,6 @@
 #include "bench/comparison.h"
 #include "idle.h"
-#include "logging/processlogger.h"
+#include "logging-backend/processlogger.h"
 #include "reading.h"
 #include "sandbox.h"
 #include "startlatency.h"

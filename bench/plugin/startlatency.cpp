@@ -1,11 +1,11 @@
 #include "startlatency.h"
 
-#include "common/commonfactory.h"
-#include "common/event.h"
-#include "common/iprocess.h"
+#include "common/event/event.h"
+#include "common/factory/commonfactory.h"
+#include "common/process/iprocess.h"
 #include "reading.h"
 #include "settings-api/settings.h"
-#include "tarnhd/tarnpatchmanager.h"
+#include "tarnhd/manager/tarnpatchmanager.h"
 
 #include <algorithm>
 #include <nlohmann/json.hpp>

@@ -1,5 +1,5 @@
 #include "bench/comparison.h"
-#include "tarnhd/taskscheduler.h"
+#include "tarnhd/actionscheduler/taskscheduler.h"
 
 #include <condition_variable>
 #include <cstdio>

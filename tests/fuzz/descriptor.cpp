@@ -1,9 +1,9 @@
 // Any text parses without an exception into what a second, plainer reading finds, and covers the patches that
 // this reading names.
 
-#include "common/operationinfo.h"
-#include "common/patchinfo.h"
-#include "common/updateid.h"
+#include "common/operationinfo/operationinfo.h"
+#include "common/patches/patchinfo.h"
+#include "common/patches/updateid.h"
 #include "input.h"
 #include "support/logcapture.h"
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "common/guid.h"
+#include "common/utils/guid.h"
 #include "vxtl/parsejson.h"
 #include "vxtl/str.h"
 #include "vxtl/win32exception.h"

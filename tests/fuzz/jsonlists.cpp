@@ -1,8 +1,8 @@
 // Any JSON is read as a second, plainer reading reads it: refused with a type error or a conversion's
 // std::invalid_argument when a member does not fit, and otherwise written back as what was read.
 
-#include "common/patchinfo.h"
-#include "common/patchrecords.h"
+#include "common/patches/patchinfo.h"
+#include "common/patches/patchrecords.h"
 #include "input.h"
 
 #include <nlohmann/json.hpp>

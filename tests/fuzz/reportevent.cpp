@@ -1,7 +1,7 @@
 // Any JSON is refused with one of the named errors or gives an event that carries what its type's name says and is
 // written and read again as the same.
 
-#include "common/reportevent.h"
+#include "common/reportevents/reportevent.h"
 #include "input.h"
 
 #include <nlohmann/json.hpp>

@@ -1,7 +1,7 @@
 // A rule never throws, and parse, verdict and number of warnings are those of a second, plainer reading.
 
-#include "common/parametricrule.h"
-#include "common/patchinfo.h"
+#include "common/operationinfo/parametricrule.h"
+#include "common/patches/patchinfo.h"
 #include "input.h"
 #include "support/logcapture.h"
 

@@ -1,9 +1,9 @@
 #include "rig.h"
 
-#include "common/commonfactory.h"
-#include "common/patchinfo.h"
-#include "common/patchregistrystorage.h"
-#include "common/updateid.h"
+#include "common/factory/commonfactory.h"
+#include "common/patches/patchinfo.h"
+#include "common/patches/updateid.h"
+#include "common/patchstorage/patchregistrystorage.h"
 #include "support/record.h"
 #include "vxtl/registry.h"
 #include "vxtl/str.h"

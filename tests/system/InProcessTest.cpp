@@ -1,8 +1,8 @@
 #include "rig.h"
 
 #include "clockahead.h"
-#include "host/keycatalogue.h"
 #include "host/pluginsession.h"
+#include "keys/keycatalogue.h"
 #include "support/footprint.h"
 
 namespace rig {

@@ -2,13 +2,13 @@
 // variable TARNHD_DEATHS says how many of them die.
 
 #include "childprocess.h"
-#include "common/commonfactory.h"
-#include "common/event.h"
-#include "common/ideploymentqueue.h"
+#include "common/deploymentqueue/ideploymentqueue.h"
+#include "common/event/event.h"
+#include "common/factory/commonfactory.h"
 #include "meridia-settings/meridiasettingsapi.h"
 #include "settings-api/cachedsettings.h"
 #include "settings-api/settings.h"
-#include "store/client.h"
+#include "store/client/client.h"
 #include "support/childtest.h"
 #include "vxtl/str.h"
 

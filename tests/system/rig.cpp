@@ -4,7 +4,7 @@
 #include "host/bootatom.h"
 #include "host/directorywatch.h"
 #include "host/loglocation.h"
-#include "store/errorcode.h"
+#include "store/protocol/errorcode.h"
 
 #include <algorithm>
 

@@ -2,7 +2,7 @@
 
 #include "childprocess.h"
 #include "host/logreader.h"
-#include "store/client.h"
+#include "store/client/client.h"
 #include "vxtl/handle.h"
 #include "vxtl/str.h"
 

@@ -1,4 +1,4 @@
-#include "logging/logcontext.h"
+#include "logcontext.h"
 
 #include "logging/details/lasterror.h"
 #include "logging/details/messagetext.h"

@@ -1,7 +1,7 @@
 #include "logging/logstream.h"
 
+#include "logcontext.h"
 #include "logging/details/utf8.h"
-#include "logging/logcontext.h"
 
 #include <algorithm>
 

@@ -3,8 +3,8 @@
 #include "valuekinds.h"
 
 #include "logging/logstream.h"
-#include "settings-api/details/synchronize.h"
 #include "settings-api/exceptions.h"
+#include "synchronize.h"
 
 namespace vx::settings {
 

@@ -1,4 +1,4 @@
-#include "settings-api/details/synchronize.h"
+#include "synchronize.h"
 
 #include "valuekinds.h"
 

@@ -1,4 +1,4 @@
-#include "vxtl/comerror.h"
+#include "comerror.h"
 
 #include <cstdint>
 #include <cstdio>

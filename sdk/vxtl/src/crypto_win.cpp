@@ -1,7 +1,7 @@
 #include "vxtl/crypto.h"
 #include "vxtl/str.h"
 #include "vxtl/win32exception.h"
-#include "vxtl/winhashcontext.h"
+#include "winhashcontext.h"
 
 #include <windows.h>
 

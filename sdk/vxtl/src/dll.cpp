@@ -1,4 +1,4 @@
-#include "vxtl/dll.h"
+#include "dll.h"
 
 #include "vxtl/str.h"
 #include "vxtl/win32exception.h"

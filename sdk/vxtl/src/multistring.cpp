@@ -1,4 +1,4 @@
-#include "vxtl/multistring.h"
+#include "multistring.h"
 
 namespace vx::registry::details {
 

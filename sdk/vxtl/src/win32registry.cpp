@@ -1,9 +1,9 @@
-#include "vxtl/win32registry.h"
+#include "win32registry.h"
 
+#include "parsekeyname.h"
 #include "vxtl/exception.h"
-#include "vxtl/parsekeyname.h"
 #include "vxtl/registry.h"
-#include "vxtl/win32registrykey.h"
+#include "win32registrykey.h"
 
 #include <windows.h>
 

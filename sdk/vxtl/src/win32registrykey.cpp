@@ -1,6 +1,6 @@
-#include "vxtl/win32registrykey.h"
+#include "win32registrykey.h"
 
-#include "vxtl/multistring.h"
+#include "multistring.h"
 #include "vxtl/win32exception.h"
 
 #include <windows.h>

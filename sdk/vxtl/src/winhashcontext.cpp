@@ -1,4 +1,4 @@
-#include "vxtl/winhashcontext.h"
+#include "winhashcontext.h"
 
 #include "vxtl/win32exception.h"
 

@@ -1,6 +1,6 @@
 #include "vxtl/wow64.h"
 
-#include "vxtl/dll.h"
+#include "dll.h"
 #include "vxtl/win32exception.h"
 
 #include <windows.h>

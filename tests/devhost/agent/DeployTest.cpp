@@ -1,11 +1,11 @@
 #include "agent/gate.h"
 #include "childprocess.h"
-#include "common/commonfactory.h"
-#include "common/ipatchstorage.h"
-#include "common/updateid.h"
-#include "host/keycatalogue.h"
-#include "store/client.h"
-#include "store/server.h"
+#include "common/factory/commonfactory.h"
+#include "common/patches/updateid.h"
+#include "common/patchstorage/ipatchstorage.h"
+#include "keys/keycatalogue.h"
+#include "store/client/client.h"
+#include "store/server/server.h"
 #include "vxtl/str.h"
 
 #include <gmock/gmock.h>

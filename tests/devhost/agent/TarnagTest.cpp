@@ -1,6 +1,6 @@
 #include "childprocess.h"
-#include "store/client.h"
-#include "store/server.h"
+#include "store/client/client.h"
+#include "store/server/server.h"
 
 #include <algorithm>
 #include <gmock/gmock.h>

@@ -1,10 +1,10 @@
 #include "childprocess.h"
-#include "common/commonfactory.h"
-#include "common/globalatom.h"
-#include "common/ipatchstorage.h"
-#include "host/keycatalogue.h"
-#include "store/client.h"
-#include "store/server.h"
+#include "common/factory/commonfactory.h"
+#include "common/globalatom/globalatom.h"
+#include "common/patchstorage/ipatchstorage.h"
+#include "keys/keycatalogue.h"
+#include "store/client/client.h"
+#include "store/server/server.h"
 
 #include <algorithm>
 #include <gmock/gmock.h>

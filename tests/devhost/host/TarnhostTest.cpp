@@ -1,6 +1,6 @@
 #include "childprocess.h"
 #include "host/directorywatch.h"
-#include "store/client.h"
+#include "store/client/client.h"
 
 #include <algorithm>
 #include <gmock/gmock.h>

@@ -1,4 +1,4 @@
-#include "requesthandler.h"
+#include "store/server/requesthandler.h"
 
 #include <nlohmann/json.hpp>
 #include <stdexcept>

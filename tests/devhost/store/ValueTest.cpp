@@ -1,5 +1,5 @@
-#include "store/value.h"
-#include "store/errorcode.h"
+#include "store/protocol/value.h"
+#include "store/protocol/errorcode.h"
 
 #include <nlohmann/json.hpp>
 

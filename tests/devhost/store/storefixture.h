@@ -1,8 +1,8 @@
 #pragma once
 
 #include "childprocess.h"
-#include "store/client.h"
-#include "store/server.h"
+#include "store/client/client.h"
+#include "store/server/server.h"
 #include "support/record.h"
 
 #include <gmock/gmock.h>

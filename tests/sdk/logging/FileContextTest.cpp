@@ -1,7 +1,7 @@
-#include "logging/filecontext.h"
+#include "filecontext.h"
 
 #include "logfolder.h"
-#include "logging/logger.h"
+#include "logging-backend/logger.h"
 
 #include <optional>
 #include <thread>

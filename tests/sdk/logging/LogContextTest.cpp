@@ -1,4 +1,4 @@
-#include "logging/logcontext.h"
+#include "logcontext.h"
 #include "support/logcapture.h"
 
 #include <map>

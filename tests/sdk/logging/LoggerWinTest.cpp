@@ -1,8 +1,8 @@
-#include "logging/loggerwin.h"
+#include "loggerwin.h"
 
 #include "logfolder.h"
+#include "logging-backend/processlogger.h"
 #include "logging/logstream.h"
-#include "logging/processlogger.h"
 
 #include <cstdio>
 #include <fstream>

@@ -1,6 +1,6 @@
-#include "logging/details/banner.h"
-#include "logging/details/recordheader.h"
+#include "banner.h"
 #include "logging/startupheader.h"
+#include "recordheader.h"
 
 #include <bit>
 #include <cstdint>

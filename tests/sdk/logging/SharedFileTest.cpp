@@ -1,6 +1,6 @@
 #include "logfolder.h"
+#include "logging-backend/processlogger.h"
 #include "logging/logstream.h"
-#include "logging/processlogger.h"
 #include "logging/startupheader.h"
 #include "support/childtest.h"
 

@@ -1,9 +1,9 @@
 #include "fakeaccountdriver.h"
 #include "ownaccount.h"
+#include "priveleges/iprivelegesholder.h"
 #include "support/logcapture.h"
-#include "vxtl/priveleges/iprivelegesholder.h"
-#include "vxtl/process/process.h"
-#include "vxtl/users/useraccountpropertiesimpl.h"
+#include "vxtl-process/process/process.h"
+#include "vxtl-process/users/useraccountpropertiesimpl.h"
 #include "vxtl/win32exception.h"
 
 using namespace vx;

@@ -1,6 +1,6 @@
-#include "vxtl/process/pipestreambuf.h"
+#include "process/pipestreambuf.h"
+#include "process/pipe.h"
 #include "support/thrown.h"
-#include "vxtl/process/pipe.h"
 
 #include <windows.h>
 

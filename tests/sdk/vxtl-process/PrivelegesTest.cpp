@@ -1,7 +1,7 @@
+#include "priveleges/lsauserprivilegesholerimpl.h"
+#include "priveleges/privilegesgrantscopeimpl.h"
 #include "support/logcapture.h"
 #include "support/thrown.h"
-#include "vxtl/priveleges/lsauserprivilegesholerimpl.h"
-#include "vxtl/priveleges/privilegesgrantscopeimpl.h"
 #include "vxtl/win32exception.h"
 
 #include <windows.h>

@@ -1,4 +1,4 @@
-#include "vxtl/process/process.h"
+#include "vxtl-process/process/process.h"
 #include "ownaccount.h"
 #include "support/childtest.h"
 #include "support/footprint.h"

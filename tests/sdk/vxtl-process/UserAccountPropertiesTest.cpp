@@ -1,6 +1,6 @@
 #include "fakeaccountdriver.h"
 #include "support/thrown.h"
-#include "vxtl/users/useraccountpropertiesimpl.h"
+#include "vxtl-process/users/useraccountpropertiesimpl.h"
 #include "vxtl/win32exception.h"
 
 using namespace vx;

@@ -1,8 +1,8 @@
-#include "vxtl/users/useraccount.h"
+#include "vxtl-process/users/useraccount.h"
 #include "ownaccount.h"
+#include "process/effectiveadminrights.h"
 #include "support/thrown.h"
-#include "vxtl/process/effectiveadminrights.h"
-#include "vxtl/users/impersonatedscope.h"
+#include "users/impersonatedscope.h"
 #include "vxtl/win32exception.h"
 
 using namespace vx::users;

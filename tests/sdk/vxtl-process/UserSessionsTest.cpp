@@ -1,4 +1,4 @@
-#include "vxtl/users/usersessions.h"
+#include "vxtl-process/users/usersessions.h"
 #include "support/logcapture.h"
 #include "support/thrown.h"
 #include "vxtl/win32exception.h"

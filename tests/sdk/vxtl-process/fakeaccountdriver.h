@@ -1,6 +1,6 @@
 #pragma once
 
-#include "vxtl/users/accountdriver.h"
+#include "vxtl-process/users/accountdriver.h"
 
 #include <windows.h>
 

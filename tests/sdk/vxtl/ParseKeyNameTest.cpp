@@ -1,4 +1,4 @@
-#include "vxtl/parsekeyname.h"
+#include "parsekeyname.h"
 #include "support/thrown.h"
 #include "vxtl/exception.h"
 

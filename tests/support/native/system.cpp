@@ -1,6 +1,6 @@
 // Native twins of single calls to the system; errno stands for the last error.
 
-#include "common/localtime.h"
+#include "common/utils/localtime.h"
 #include "logging/details/criticalsection.h"
 #include "logging/details/lasterror.h"
 #include "logging/details/threadid.h"

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "vxtl/comerror.h"
+#include "comerror.h"
 #include "vxtl/exception.h"
 
 namespace vx {

@@ -1,4 +1,4 @@
-#include "common/deploymentqueue.h"
+#include "common/deploymentqueue/deploymentqueue.h"
 
 #include "settings-api/exceptions.h"
 #include "support/fakesettings.h"

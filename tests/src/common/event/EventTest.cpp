@@ -1,4 +1,4 @@
-#include "common/event.h"
+#include "common/event/event.h"
 #include "support/childtest.h"
 #include "support/logcapture.h"
 #include "support/thrown.h"

@@ -1,4 +1,4 @@
-#include "createsettings.h"
+#include "common/factory/createsettings.h"
 
 #include "meridia-settings/qrlmeridiaerror.h"
 #include "settings-api/settings.h"

@@ -1,4 +1,4 @@
-#include "common/globalatom.h"
+#include "common/globalatom/globalatom.h"
 #include "support/childtest.h"
 #include "support/logcapture.h"
 

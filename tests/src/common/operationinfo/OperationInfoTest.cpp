@@ -1,6 +1,6 @@
-#include "common/operationinfo.h"
-#include "common/patchinfo.h"
-#include "common/updateid.h"
+#include "common/operationinfo/operationinfo.h"
+#include "common/patches/patchinfo.h"
+#include "common/patches/updateid.h"
 #include "support/logcapture.h"
 
 #include <gmock/gmock.h>

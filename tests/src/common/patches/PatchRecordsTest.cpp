@@ -1,5 +1,5 @@
-#include "common/patchrecords.h"
-#include "common/patchinfo.h"
+#include "common/patches/patchrecords.h"
+#include "common/patches/patchinfo.h"
 #include "support/thrown.h"
 
 #include <gmock/gmock.h>

@@ -1,5 +1,5 @@
-#include "common/updateid.h"
-#include "common/patchinfo.h"
+#include "common/patches/updateid.h"
+#include "common/patches/patchinfo.h"
 #include "support/thrown.h"
 #include "vxtl/exception.h"
 #include "vxtl/str.h"

@@ -1,4 +1,4 @@
-#include "common/patchregistrystorage.h"
+#include "common/patchstorage/patchregistrystorage.h"
 #include "support/logcapture.h"
 #include "vxtl/registry.h"
 

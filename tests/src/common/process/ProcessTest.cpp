@@ -1,7 +1,7 @@
-#include "common/process.h"
+#include "common/process/process.h"
 #include "support/logcapture.h"
-#include "vxtl/process/credentials.h"
-#include "vxtl/process/redirect.h"
+#include "vxtl-process/process/credentials.h"
+#include "vxtl-process/process/redirect.h"
 #include "vxtl/win32exception.h"
 
 using namespace vx;

@@ -1,5 +1,5 @@
-#include "common/registrykeynotifier.h"
-#include "common/event.h"
+#include "common/registrykeynotifier/registrykeynotifier.h"
+#include "common/event/event.h"
 #include "support/thrown.h"
 #include "vxtl/registry.h"
 #include "vxtl/win32exception.h"

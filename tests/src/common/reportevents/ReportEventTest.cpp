@@ -1,4 +1,4 @@
-#include "common/reportevent.h"
+#include "common/reportevents/reportevent.h"
 
 #include <gmock/gmock.h>
 #include <nlohmann/json.hpp>

@@ -1,4 +1,4 @@
-#include "common/serviceoperation.h"
+#include "common/serviceproxy/serviceoperation.h"
 #include "support/thrown.h"
 
 #include <gtest/gtest.h>

@@ -1,5 +1,5 @@
-#include "common/serviceproxy.h"
-#include "common/event.h"
+#include "common/serviceproxy/serviceproxy.h"
+#include "common/event/event.h"
 #include "vxtl/win32exception.h"
 
 #include <gtest/gtest.h>

@@ -1,4 +1,4 @@
-#include "common/settingsenumerations.h"
+#include "common/settings/settingsenumerations.h"
 
 #include <gmock/gmock.h>
 #include <stdexcept>

@@ -1,5 +1,5 @@
-#include "common/syncfolders.h"
-#include "common/directories.h"
+#include "common/syncfolders/syncfolders.h"
+#include "common/syncfolders/directories.h"
 #include "support/logcapture.h"
 
 #include <filesystem>

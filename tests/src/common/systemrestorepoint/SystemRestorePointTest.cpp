@@ -1,4 +1,4 @@
-#include "common/systemrestorepoint.h"
+#include "common/systemrestorepoint/systemrestorepoint.h"
 #include "support/logcapture.h"
 #include "vxtl/exception.h"
 

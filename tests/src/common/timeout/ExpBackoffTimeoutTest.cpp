@@ -1,4 +1,4 @@
-#include "common/expbackofftimeout.h"
+#include "common/timeout/expbackofftimeout.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "common/startage.h"
+#include "common/updaterlauncher/startage.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "common/updaterlauncher.h"
+#include "common/updaterlauncher/updaterlauncher.h"
 #include "support/childtest.h"
 #include "support/logcapture.h"
 #include "support/thrown.h"

@@ -1,4 +1,4 @@
-#include "common/folders.h"
+#include "common/utils/folders.h"
 #include "support/logcapture.h"
 #include "vxtl/registry.h"
 

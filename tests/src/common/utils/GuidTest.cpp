@@ -1,4 +1,4 @@
-#include "common/guid.h"
+#include "common/utils/guid.h"
 
 #include <gmock/gmock.h>
 

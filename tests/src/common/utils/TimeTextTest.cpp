@@ -1,4 +1,4 @@
-#include "common/timetext.h"
+#include "common/utils/timetext.h"
 
 #include <gtest/gtest.h>
 

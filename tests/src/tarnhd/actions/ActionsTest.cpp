@@ -1,13 +1,13 @@
-#include "common/commonfactory.h"
-#include "common/iupdaterlauncher.h"
-#include "common/tarnpatchsettings.h"
+#include "common/factory/commonfactory.h"
+#include "common/settings/tarnpatchsettings.h"
+#include "common/updaterlauncher/iupdaterlauncher.h"
 #include "support/fakeclock.h"
 #include "support/fakesettings.h"
 #include "support/logcapture.h"
-#include "tarnhd/scanifexpired.h"
-#include "tarnhd/scanonce.h"
-#include "tarnhd/startupautoscan.h"
-#include "tarnhd/startupdeploywatchdog.h"
+#include "tarnhd/actions/scanifexpired.h"
+#include "tarnhd/actions/scanonce.h"
+#include "tarnhd/actions/startupautoscan.h"
+#include "tarnhd/actions/startupdeploywatchdog.h"
 
 #include <cstdlib>
 

@@ -1,4 +1,4 @@
-#include "tarnhd/actionscheduler.h"
+#include "tarnhd/actionscheduler/actionscheduler.h"
 
 #include "support/fakeclock.h"
 #include "support/logcapture.h"

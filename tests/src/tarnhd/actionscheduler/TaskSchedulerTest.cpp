@@ -1,4 +1,4 @@
-#include "tarnhd/taskscheduler.h"
+#include "tarnhd/actionscheduler/taskscheduler.h"
 
 #include "support/fakeclock.h"
 #include "support/record.h"

@@ -1,6 +1,6 @@
-#include "tarnhd/currentoperations.h"
+#include "tarnhd/currentoperations/currentoperations.h"
 
-#include "common/updateid.h"
+#include "common/patches/updateid.h"
 #include "support/fakesettings.h"
 #include "support/logcapture.h"
 #include "vxtl/str.h"

@@ -1,7 +1,7 @@
 // Counts the hashes of a pass. The hash below takes the place of the system's when the program is linked.
 
 #include "support/fakesettings.h"
-#include "tarnhd/currentoperations.h"
+#include "tarnhd/currentoperations/currentoperations.h"
 #include "vxtl/crypto.h"
 
 #include <gmock/gmock.h>

@@ -1,15 +1,15 @@
-#include "tarnhd/tarnhandler.h"
+#include "tarnhd/handler/tarnhandler.h"
 
-#include "common/commonfactory.h"
-#include "common/iglobalatom.h"
-#include "common/ipatchstorage.h"
-#include "common/iupdaterlauncher.h"
+#include "common/factory/commonfactory.h"
+#include "common/globalatom/iglobalatom.h"
+#include "common/patchstorage/ipatchstorage.h"
+#include "common/updaterlauncher/iupdaterlauncher.h"
 #include "logging/logstream.h"
 #include "support/fakesettings.h"
 #include "support/logcapture.h"
 #include "support/record.h"
-#include "tarnhd/tarnhdfactory.h"
-#include "tarnhd/tarnpatchmanager.h"
+#include "tarnhd/factory/tarnhdfactory.h"
+#include "tarnhd/manager/tarnpatchmanager.h"
 
 #include <future>
 

@@ -1,8 +1,8 @@
-#include "tarnhd/tarnpatchmanager.h"
+#include "tarnhd/manager/tarnpatchmanager.h"
 
-#include "common/commonfactory.h"
-#include "common/event.h"
-#include "common/iprocess.h"
+#include "common/event/event.h"
+#include "common/factory/commonfactory.h"
+#include "common/process/iprocess.h"
 #include "support/fakeclock.h"
 #include "support/fakesettings.h"
 #include "support/logcapture.h"

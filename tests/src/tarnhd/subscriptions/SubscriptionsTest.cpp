@@ -1,4 +1,4 @@
-#include "tarnhd/subscriptions.h"
+#include "tarnhd/subscriptions/subscriptions.h"
 
 #include "support/fakesettings.h"
 #include "support/logcapture.h"

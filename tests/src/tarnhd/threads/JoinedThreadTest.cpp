@@ -1,4 +1,4 @@
-#include "tarnhd/joinedthread.h"
+#include "tarnhd/threads/joinedthread.h"
 
 #include "support/logcapture.h"
 

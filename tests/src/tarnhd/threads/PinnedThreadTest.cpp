@@ -1,4 +1,4 @@
-#include "tarnhd/pinnedthread.h"
+#include "tarnhd/threads/pinnedthread.h"
 #include "support/logcapture.h"
 #include "vxtl/modulelife.h"
 

@@ -1,4 +1,4 @@
-#include "tarnhd/pinnedthread.h"
+#include "tarnhd/threads/pinnedthread.h"
 #include "vxtl/modulelife.h"
 
 #include <stdexcept>

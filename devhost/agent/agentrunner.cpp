@@ -1,0 +1,104 @@
+#include "agent/agentrunner.h"
+
+#include "agent/deployer.h"
+#include "agent/say.h"
+#include "agent/suspendeddeployment.h"
+#include "common/deploymentqueue/ideploymentqueue.h"
+#include "common/factory/commonfactory.h"
+#include "settings-api/settings.h"
+#include "vxtl/parsejson.h"
+#include "vxtl/str.h"
+
+#include <nlohmann/json.hpp>
+#include <windows.h>
+
+namespace devhost::agent {
+
+namespace {
+
+void linger(const AgentRun& run)
+{
+    pass(run.gate);
+    if (run.gate.waitForEvent.empty() && run.duration.count() > 0) {
+        say("working for " + std::to_string(run.duration.count()) + " ms");
+        Sleep(static_cast<DWORD>(run.duration.count()));
+    }
+}
+
+void writeValue(const vx::settings::Settings& settings, const ScriptedValue& scripted)
+{
+    const auto key = vx::str::fromUtf8(scripted.key);
+    const auto value = vx::parseJson(scripted.json);
+    switch (scripted.type) {
+    case store::Type::Boolean: return settings.setBoolValue(key, value.get<bool>());
+    case store::Type::Int32: return settings.setInt32Value(key, value.get<std::int32_t>());
+    case store::Type::Int64: return settings.setInt64Value(key, value.get<std::int64_t>());
+    case store::Type::String: return settings.setStringValue(key, vx::str::fromUtf8(value.get<std::string>()));
+    case store::Type::Object: return settings.setJsonValue(key, value);
+    }
+}
+
+} // namespace
+
+void AgentRunner::perform(const AgentRun& run, Task task)
+{
+    if (!run.output.empty())
+        say(run.output);
+    linger(run);
+    if (!run.idle)
+        performTask(task);
+    if (!run.values.empty())
+        write(run.values);
+    if (run.deploy)
+        deploy(*run.deploy);
+}
+
+std::shared_ptr<vx::settings::Settings> AgentRunner::settings()
+{
+    if (!m_settings)
+        m_settings = m_factory.createSettings();
+    return m_settings;
+}
+
+void AgentRunner::performTask(Task task)
+{
+    if (task == Task::Ordinary)
+        return;
+    const SuspendedDeployment suspended(m_factory.createPatchStorage());
+    if (task == Task::Continue)
+        say(suspended.finish() ? "the deployment is finished" : "no deployment waits for a boot");
+    else
+        say(suspended.complete([this] { return settings(); }) ? "the deployment is complete"
+                                                              : "no deployment is to be completed");
+}
+
+void AgentRunner::write(const std::vector<ScriptedValue>& values)
+{
+    for (const auto& value : values) {
+        say("writing " + value.key);
+        writeValue(*settings(), value);
+    }
+}
+
+void AgentRunner::deploy(const DeployScript& script)
+{
+    Deployer(settings(), m_factory.createDeploymentQueue(), m_factory.createPatchStorage()).deploy(script);
+}
+
+int AgentRunner::end(const AgentRun& run)
+{
+    switch (run.ending) {
+    case Ending::Exit: break;
+    case Ending::Hang:
+        say("hanging");
+        Sleep(INFINITE);
+        break;
+    case Ending::Crash:
+        say("crashing");
+        *reinterpret_cast<volatile int*>(sizeof(int)) = 0;
+        break;
+    }
+    return run.exitCode;
+}
+
+} // namespace devhost::agent

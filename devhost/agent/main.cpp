@@ -1,0 +1,147 @@
+#include "agent/agentrunner.h"
+#include "agent/runjournal.h"
+
+#include "common/factory/commonfactory.h"
+#include "logging-backend/processlogger.h"
+#include "settings-api/settings.h"
+#include "vxtl/str.h"
+
+#include <CLI/CLI.hpp>
+#include <cstdio>
+#include <fcntl.h>
+#include <io.h>
+#include <windows.h>
+
+namespace {
+
+using devhost::agent::AgentRunner;
+using devhost::agent::AgentScript;
+using devhost::agent::RunJournal;
+using devhost::agent::Task;
+
+// The agent's own codes for what can go wrong outside its script.
+constexpr int badArgument = 2;
+constexpr int noStore = 21;
+
+constexpr auto description =
+    R"(tarnag: a scripted stand-in for the agent.
+
+The n-th start carries out the n-th entry of the script's list "runs"; the last one repeats. Starts with -c continue
+and -c complete have lists of their own, "continue" and "complete". Members of an entry, all optional: stdout (text),
+startedEvent (named event to set), waitForEvent (named event to wait for) or durationMs, idle (true: the command is
+left undone), missingUpdates (array), set (object of key and value; {"type": T, "value": V} gives a type), deploy,
+then hang or crash (true), or exitCode. Without a script a scan finds two updates, and the queue is deployed.
+
+deploy is true or an object with any of: items (how many of the queue's; all), states (each update's, in order),
+result (of the last state's log entries), code (of all states), stepMs (length of a state; 100), pauses (list of
+{"at": STATE, "startedEvent": E, "waitForEvent": E}), reboot (true: the updates and the plug-in wait for a reboot).)";
+
+std::filesystem::path ownFolder()
+{
+    wchar_t path[MAX_PATH];
+    GetModuleFileNameW(nullptr, path, MAX_PATH);
+    return std::filesystem::path(path).parent_path();
+}
+
+struct CommandLine {
+    std::string command;
+    std::string severity;
+    std::string script;
+
+    Task task() const
+    {
+        return command == listOf(Task::Continue)   ? Task::Continue
+               : command == listOf(Task::Complete) ? Task::Complete
+                                                   : Task::Ordinary;
+    }
+};
+
+AgentScript findScript(const std::string& named)
+{
+    if (!named.empty())
+        return AgentScript::load(vx::str::fromUtf8(named));
+    const auto file = ownFolder() / "tarnag.script.json";
+    return std::filesystem::exists(file) ? AgentScript::load(file) : AgentScript();
+}
+
+int failed(int code, const std::exception& exception)
+{
+    std::fprintf(stderr, "tarnag: %s\n", exception.what());
+    return code;
+}
+
+/// The agent's own log beside the plug-in's, open while a run lasts.
+struct Log {
+    Log() { VxQrlLogging::open("tarn", "tarnag", 4, 0); }
+    ~Log() { VxQrlLogging::close(); }
+};
+
+int runScript(const RunJournal& journal, const devhost::agent::AgentRun& run, Task task)
+{
+    const Log log;
+    int code = noStore;
+    try {
+        vx::tarn::common::CommonFactory factory;
+        AgentRunner(factory).perform(run, task);
+        // Noted before the end, which a hang or a crash does not come back from.
+        if (run.ending == devhost::agent::Ending::Exit)
+            journal.appendEnd(run.exitCode);
+        code = AgentRunner::end(run);
+    } catch (const std::exception& exception) {
+        failed(code, exception);
+        journal.appendEnd(code);
+    }
+    std::printf("tarnag: ending with %d\n", code);
+    return code;
+}
+
+int start(const CommandLine& commandLine, const std::vector<std::string>& arguments)
+{
+    const RunJournal journal(ownFolder() / "tarnag.runs.jsonl");
+    const auto task = commandLine.task();
+    const auto number = journal.appendStart(arguments, listOf(task));
+    std::printf("tarnag: start %u, command \"%s\", severity \"%s\"\n", static_cast<unsigned>(number + 1),
+        commandLine.command.c_str(), commandLine.severity.c_str());
+    std::optional<AgentScript> script;
+    try {
+        script = findScript(commandLine.script);
+    } catch (const std::exception& exception) {
+        journal.appendEnd(badArgument);
+        return failed(badArgument, exception);
+    }
+    return runScript(journal, script->runOf(number, task), task);
+}
+
+} // namespace
+
+int wmain(int count, wchar_t** texts)
+{
+    // A scripted crash must end the process at once, without a dialog.
+    SetErrorMode(SEM_FAILCRITICALERRORS | SEM_NOGPFAULTERRORBOX);
+    _setmode(_fileno(stdout), _O_BINARY);
+    _setmode(_fileno(stderr), _O_BINARY);
+    std::vector<std::string> arguments;
+    for (int i = 1; i < count; ++i)
+        arguments.push_back(vx::str::toUtf8(texts[i]));
+
+    CLI::App app(description, "tarnag");
+    CommandLine commandLine;
+    app.add_option("-c,--command", commandLine.command,
+        "what to do, as the plug-in or a scheduled task asks:\n"
+        "continue finishes a deployment at the boot that it waited for, complete closes it after that");
+    // The scheduled task's command line may end in "--severity=".
+    app.add_option("--severity", commandLine.severity, "lowest severity to install")->expected(0, 1);
+    app.add_option("--script", commandLine.script, "script file; tarnag.script.json beside the program without it")
+        ->envname("TARNHD_AGENT_SCRIPT");
+    app.footer(
+        "Starts and ends are listed in tarnag.runs.jsonl beside the program.\n"
+        "Exit codes: the script's; 2 bad command line or script, 21 the store, or what it holds, cannot be used.");
+    try {
+        app.parse(std::vector<std::string>(arguments.rbegin(), arguments.rend()));
+        return start(commandLine, arguments);
+    } catch (const CLI::ParseError& error) {
+        return error.get_exit_code() == 0 ? app.exit(error) : failed(badArgument, error);
+    } catch (const std::exception& exception) {
+        return failed(1, exception);
+    }
+}

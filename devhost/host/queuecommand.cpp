@@ -1,0 +1,114 @@
+#include "host/queuecommand.h"
+
+#include "common/deploymentqueue/ideploymentqueue.h"
+#include "common/factory/commonfactory.h"
+#include "common/operationinfo/operationinfo.h"
+#include "common/patches/patchrecords.h"
+#include "common/utils/number.h"
+#include "common/utils/timetext.h"
+#include "host/hostinstance.h"
+#include "host/printer.h"
+#include "keys/keycatalogue.h"
+#include "meridia-settings/qrlmeridiaerror.h"
+#include "store/client/client.h"
+#include "vxtl/parsejson.h"
+#include "vxtl/str.h"
+
+#include <algorithm>
+#include <nlohmann/json.hpp>
+
+namespace devhost::host {
+
+namespace {
+
+using nlohmann::json;
+using vx::str::fromUtf8;
+using vx::str::toUtf8;
+using namespace vx::tarn::common;
+
+std::vector<DeploymentItem> readQueue(const Context& context)
+{
+    const auto value = store::Client(context.instance).get(std::string(keys::deploymentQueue));
+    if (!value)
+        return {};
+    try {
+        return listFromJson<DeploymentItem>(vx::parseJson(value->asObject()));
+    } catch (const std::exception& exception) {
+        throw CommandError(ExitCode::Failed, std::string("the queue cannot be read: ") + exception.what());
+    }
+}
+
+bool contains(const std::vector<DeploymentItem>& items, const std::wstring& descriptor)
+{
+    return std::ranges::find(items, descriptor, &DeploymentItem::updateId) != items.end();
+}
+
+std::shared_ptr<IDeploymentQueue> openQueue(const Context& context)
+{
+    exportInstance(context.instance);
+    try {
+        return CommonFactory().createDeploymentQueue();
+    } catch (const vx::QrlMeridiaException& exception) {
+        throw CommandError(ExitCode::NotRunning, exception.what());
+    }
+}
+
+/// The moment of queueing; the identifier itself when it is none.
+std::string timeOf(const DeploymentItem& item)
+{
+    try {
+        if (const auto text = utils::timeToString(utils::toInt64(item.operationId) / 1000); !text.empty())
+            return toUtf8(text);
+    } catch (const std::logic_error&) {
+        // No number: shown as it stands.
+    }
+    return toUtf8(item.operationId);
+}
+
+} // namespace
+
+ExitCode showQueue(const Context& context)
+{
+    const auto items = readQueue(context);
+    if (items.empty() && !context.printer.isJson())
+        context.printer.line("the queue is empty");
+    for (const auto& item : items) {
+        const bool isKnown = OperationInfo(item.updateId).scope() != OperationScope::Unknown;
+        const auto descriptor = toUtf8(item.updateId);
+        context.printer.result(timeOf(item) + "  " + descriptor + (isKnown ? "" : "  (means no update)"),
+            {{"operation_id", toUtf8(item.operationId)}, {"time", timeOf(item)}, {"descriptor", descriptor},
+                {"known", isKnown}});
+    }
+    return ExitCode::Done;
+}
+
+ExitCode pushToQueue(const Context& context, const std::string& descriptor)
+{
+    if (contains(readQueue(context), fromUtf8(descriptor)))
+        throw CommandError(ExitCode::Failed, "\"" + descriptor + "\" is in the queue already");
+    openQueue(context)->pushBack(fromUtf8(descriptor));
+    context.printer.result("queued " + descriptor, {{"queued", descriptor}});
+    return ExitCode::Done;
+}
+
+ExitCode popQueue(const Context& context)
+{
+    if (readQueue(context).empty())
+        throw CommandError(ExitCode::Failed, "the queue is empty");
+    const auto queue = openQueue(context);
+    const auto descriptor = toUtf8(queue->getFront());
+    queue->pop();
+    context.printer.result("took " + descriptor, {{"taken", descriptor}});
+    return ExitCode::Done;
+}
+
+ExitCode removeFromQueue(const Context& context, const std::string& descriptor)
+{
+    readQueue(context);
+    if (!openQueue(context)->remove(fromUtf8(descriptor)))
+        throw CommandError(ExitCode::Failed, "\"" + descriptor + "\" is not in the queue");
+    context.printer.result("removed " + descriptor, {{"removed", descriptor}});
+    return ExitCode::Done;
+}
+
+} // namespace devhost::host

@@ -1,0 +1,65 @@
+#include "store/protocol/fault.h"
+
+#include <array>
+#include <nlohmann/json.hpp>
+
+namespace devhost::store {
+
+namespace {
+
+constexpr std::array<std::string_view, 6> operationNames{"get", "set", "subscribe", "unsubscribe", "open", "all"};
+
+nlohmann::json faultToJson(const Fault& fault)
+{
+    return {{"operation", operationName(fault.operation)}, {"code", static_cast<int>(fault.code)},
+        {"count", fault.count}, {"name", fault.name}};
+}
+
+Fault faultFromJson(const nlohmann::json& json)
+{
+    const int code = json.value("code", 1);
+    if (code == 0)
+        throw StoreException(ErrorCode::InvalidParameter, "fault", "the code 0 is no failure");
+    return {parseOperation(json.value("operation", "all")), static_cast<ErrorCode>(code), json.value("count", 1U),
+        json.value("name", std::string())};
+}
+
+} // namespace
+
+std::string_view operationName(Operation operation) noexcept
+{
+    return operationNames[static_cast<std::size_t>(operation)];
+}
+
+Operation parseOperation(std::string_view name)
+{
+    for (std::size_t i = 0; i < operationNames.size(); ++i)
+        if (operationNames[i] == name)
+            return static_cast<Operation>(i);
+    throw StoreException(ErrorCode::InvalidParameter, "'" + std::string(name) + "'",
+        "not an operation (get, set, subscribe, unsubscribe, open, all)");
+}
+
+nlohmann::json toJson(const FaultState& state)
+{
+    nlohmann::json faults = nlohmann::json::array();
+    for (const Fault& fault : state.faults)
+        faults.push_back(faultToJson(fault));
+    return {{"faults", faults}, {"refuse", state.refuse}, {"delayMs", state.delayMs}};
+}
+
+FaultState faultStateFromJson(const nlohmann::json& json)
+{
+    try {
+        FaultState state;
+        for (const nlohmann::json& fault : json.value("faults", nlohmann::json::array()))
+            state.faults.push_back(faultFromJson(fault));
+        state.refuse = json.value("refuse", false);
+        state.delayMs = json.value("delayMs", 0U);
+        return state;
+    } catch (const nlohmann::json::exception& exception) {
+        throw StoreException(ErrorCode::InvalidParameter, "fault plan", exception.what());
+    }
+}
+
+} // namespace devhost::store

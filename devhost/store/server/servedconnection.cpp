@@ -1,0 +1,79 @@
+#include "store/server/servedconnection.h"
+
+#include "logging/logstream.h"
+#include "vxtl/parsejson.h"
+
+#include <nlohmann/json.hpp>
+
+#include <windows.h>
+
+namespace devhost::store {
+
+namespace {
+
+constexpr auto welcome = R"({"code":0})";
+
+} // namespace
+
+ServedConnection::ServedConnection(vx::SharedHandle pipe, RequestHandler& handler, void* stopEvent)
+    : m_pipe(std::move(pipe), stopEvent), m_handler(handler), m_stopEvent(stopEvent)
+{}
+
+void ServedConnection::run() noexcept
+{
+    try {
+        serve();
+    } catch (const std::exception& exception) {
+        vx::logging::LogStream(vx::logging::Level::Warning)
+            << "A client's connection was dropped. " << exception.what();
+    }
+}
+
+void ServedConnection::serve()
+{
+    const auto frame = m_pipe.receive();
+    if (!frame)
+        return;
+    const nlohmann::json hello = vx::parseJson(*frame);
+    const Role role = hello.at("role") == "tool" ? Role::Tool : Role::Application;
+    if (refused(role))
+        return;
+    if (hello.at("channel") == "notifications")
+        serveNotifications(hello, role);
+    else if (m_pipe.send(welcome))
+        serveCalls(role);
+}
+
+void ServedConnection::serveCalls(Role role)
+{
+    while (const auto request = m_pipe.receive()) {
+        if (refused(role) || !pause(role) || !m_pipe.send(m_handler.handle(*request, role)))
+            return;
+    }
+}
+
+void ServedConnection::serveNotifications(const nlohmann::json& hello, Role role)
+{
+    const auto awake = std::make_shared<vx::KernelHandle>(CreateEventW(nullptr, FALSE, FALSE, nullptr));
+    const auto subscriber = m_handler.attach(hello, [awake] { SetEvent(awake->get()); });
+    bool open = m_pipe.send(welcome);
+    void* const events[] = {m_stopEvent, m_pipe.watchForClose(), awake->get()};
+    while (open && WaitForMultipleObjects(3, events, FALSE, INFINITE) == WAIT_OBJECT_0 + 2 && !refused(role)) {
+        for (const std::string& frame : subscriber->take())
+            open = open && m_pipe.send(frame);
+    }
+    m_handler.detach(hello.at("session").get<std::string>(), subscriber.get());
+}
+
+bool ServedConnection::refused(Role role) const
+{
+    return role == Role::Application && m_handler.faults().refuses();
+}
+
+bool ServedConnection::pause(Role role) const
+{
+    const unsigned milliseconds = role == Role::Application ? m_handler.faults().delayMs() : 0;
+    return milliseconds == 0 || WaitForSingleObject(m_stopEvent, milliseconds) == WAIT_TIMEOUT;
+}
+
+} // namespace devhost::store

@@ -1,0 +1,12 @@
+#pragma once
+
+#include "filesystem.h"
+
+namespace VxQrlLogging {
+
+/// For folders: system and administrators everything, signed-in users reading, inherited by what is inside.
+FileSystem::SecurityAttributesPointer inheritingAttributes();
+/// System and administrators only.
+FileSystem::SecurityAttributesPointer restrictedAttributes();
+
+} // namespace VxQrlLogging

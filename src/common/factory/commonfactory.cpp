@@ -1,0 +1,140 @@
+#include "common/factory/commonfactory.h"
+
+#include "common/factory/createsettings.h"
+
+#include "common/deploymentqueue/deploymentqueue.h"
+#include "common/event/event.h"
+#include "common/globalatom/globalatom.h"
+#include "common/patchstorage/patchregistrystorage.h"
+#include "common/process/process.h"
+#include "common/registrykeynotifier/registrykeynotifier.h"
+#include "common/serviceproxy/serviceproxy.h"
+#include "common/settings/tarnpatchsettings.h"
+#include "common/syncfolders/syncfolders.h"
+#include "common/systemrestorepoint/systemrestorepoint.h"
+#include "common/timeout/expbackofftimeout.h"
+#include "common/updaterlauncher/updaterlauncher.h"
+#include "common/usersessions/usersessions.h"
+#include "meridia-settings/meridiasettingsapi.h"
+#include "settings-api/cachedsettings.h"
+#include "vxtl/globalmutex.h"
+#include "vxtl/registry.h"
+
+namespace vx::tarn::common {
+
+namespace {
+
+constexpr wchar_t deploymentQueueMutex[] = L"TARN - DEPLOYMENT QUEUE - {D8AFE2BA-BD53-4D73-81D7-C8EF0DC5E27E}";
+
+std::shared_ptr<settings::Settings> openStore()
+{
+    auto store = std::make_shared<meridia::SettingsApi>(L"safe", L"S-1-5-18", L"Vantorix Tarnpatch Handler");
+    return std::make_shared<settings::Settings>(std::make_shared<settings::CachedSettings>(std::move(store)));
+}
+
+} // namespace
+
+CommonFactory::CommonFactory() = default;
+
+CommonFactory::~CommonFactory() = default;
+
+void CommonFactory::setStopEvent(std::shared_ptr<const IWaitable> stopEvent)
+{
+    m_stopEvent = std::move(stopEvent);
+}
+
+void CommonFactory::setSettings(std::shared_ptr<settings::Settings> settings)
+{
+    m_settings = std::move(settings);
+    m_tarnpatchSettings = std::make_shared<TarnpatchSettings>(m_settings);
+}
+
+std::shared_ptr<settings::Settings> CommonFactory::createSettings()
+{
+    return createSettings([](meridia::QrlMeridiaError_enum) { return false; });
+}
+
+std::shared_ptr<settings::Settings> CommonFactory::createSettings(const RetryCallback& retry)
+{
+    VX_LOG_SCOPE();
+    return common::createSettings(openStore, retry);
+}
+
+std::shared_ptr<ISyncFolders> CommonFactory::createSyncFolders()
+{
+    return std::make_shared<SyncFolders>();
+}
+
+std::shared_ptr<ISystemRestorePoint> CommonFactory::createSystemRestorePoint()
+{
+    return std::make_shared<SystemRestorePoint>(std::make_unique<SystemRestoreDriver>());
+}
+
+std::shared_ptr<registry::Registry> CommonFactory::createRegistry()
+{
+    return registry::createWin32Registry();
+}
+
+std::shared_ptr<IService> CommonFactory::createServiceProxy(const std::wstring& name)
+{
+    return std::make_shared<ServiceProxy>(name);
+}
+
+std::shared_ptr<IRegistryKeyNotifier> CommonFactory::createRegistryKeyNotifier()
+{
+    return std::make_shared<RegistryKeyNotifier>();
+}
+
+std::shared_ptr<IGlobalAtom> CommonFactory::createGlobalAtom(const std::wstring& name)
+{
+    return std::make_shared<GlobalAtom>(name);
+}
+
+std::shared_ptr<IUpdaterLauncher> CommonFactory::createUpdaterLauncher()
+{
+    return std::make_shared<UpdaterLauncher>(UpdaterLauncherOptions{}, m_stopEvent);
+}
+
+std::shared_ptr<Event> CommonFactory::createEvent(
+    bool manualReset, bool initialState, const std::wstring& name, bool inheritHandle, void* securityDescriptor)
+{
+    return common::createEvent(manualReset, initialState, name, inheritHandle, securityDescriptor);
+}
+
+std::shared_ptr<Event> CommonFactory::openEvent(unsigned long access, const std::wstring& name, bool inheritHandle)
+{
+    return common::openEvent(access, name, inheritHandle);
+}
+
+std::shared_ptr<IProcess> CommonFactory::createProcess()
+{
+    return std::make_shared<Process>();
+}
+
+std::shared_ptr<ITimeout> CommonFactory::createTimeoutGenerator(std::uint64_t initialDelay)
+{
+    return std::make_shared<ExpBackoffTimeout>(initialDelay);
+}
+
+std::shared_ptr<IPatchStorage> CommonFactory::createPatchStorage()
+{
+    return std::make_shared<PatchRegistryStorage>(L"finished", L"patches", L"statuses", createRegistry());
+}
+
+std::shared_ptr<IUserSessions> CommonFactory::createUserSessions()
+{
+    return std::make_shared<UserSessions>();
+}
+
+std::shared_ptr<IDeploymentQueue> CommonFactory::createDeploymentQueue()
+{
+    return createDeploymentQueue(createSettings());
+}
+
+std::shared_ptr<IDeploymentQueue> CommonFactory::createDeploymentQueue(std::shared_ptr<settings::Settings> settings)
+{
+    return std::make_shared<DeploymentQueue>(
+        std::move(settings), std::make_shared<sync::GlobalMutex>(deploymentQueueMutex, true, m_stopEvent));
+}
+
+} // namespace vx::tarn::common

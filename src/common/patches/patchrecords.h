@@ -1,0 +1,102 @@
+#pragma once
+
+#include "common/settings/settingsenumerations.h"
+
+#include <cstdint>
+#include <functional>
+#include <nlohmann/json_fwd.hpp>
+#include <string>
+#include <vector>
+
+// Records that the plug-in and the agent exchange as JSON in the store and the registry. Plain values.
+//
+// Reading: every key is optional; a missing key or null keeps the default, unknown keys are ignored. A
+// wrong type throws the JSON library's type error 302, an unknown enumeration text
+// std::invalid_argument. Writing: every field is written; a value outside its enumeration throws
+// std::invalid_argument.
+
+namespace vx::tarn::common {
+
+struct PatchSpecifier {
+    std::wstring id; ///< a GUID's text
+    std::int64_t region = 0;
+};
+
+struct PatchStatus {
+    ValueItem value{};
+    std::wstring code; ///< free text that the agent gives with the state
+};
+
+/// One element of the deployment queue.
+struct DeploymentItem {
+    std::wstring operationId; ///< decimal milliseconds since the Unix epoch of the moment of queueing
+    std::wstring updateId;    ///< despite its name the whole operation descriptor
+};
+
+struct MissingUpdate {
+    PatchSpecifier patchSpecifier;
+    std::wstring updateId;
+    std::wstring bulletinId;
+    std::wstring productName;
+    std::wstring servicePack;
+    std::wstring updateName;
+    std::wstring endOfLife;
+    std::int64_t severity = 0; ///< 1 critical, 2 important
+    std::int64_t category = 0;
+    std::wstring vendor;
+    std::wstring userFriendlyUpdateName;
+    std::vector<std::wstring> cveIds;
+    std::wstring descriptionUrl;
+};
+
+/// A MissingUpdate without the members that neither identify a patch nor are matched by filters: they stay empty.
+/// Read with the same checks as the whole.
+struct ListedUpdate : MissingUpdate {};
+
+/// A patch that is about to be installed or being installed, as published.
+struct PatchToInstall : MissingUpdate {
+    PatchStatus status;
+};
+
+struct InstallationLogEntry {
+    PatchSpecifier patchSpecifier;
+    std::wstring updateId;
+    std::int64_t installationTime = 0; ///< in the agent's unit
+    std::wstring bulletinId;
+    std::wstring productName;
+    std::wstring servicePack;
+    std::wstring updateName;
+    InstallationResultItem installationResult{};
+    PatchStatus status;
+};
+
+/// What the publisher needs of an InstallationLogEntry. Read with the same checks as the whole.
+struct LoggedState {
+    std::wstring updateId;
+    PatchStatus status;
+};
+
+nlohmann::json toJson(const DeploymentItem& item);
+nlohmann::json toJson(const MissingUpdate& update);
+nlohmann::json toJson(const PatchStatus& status);
+nlohmann::json toJson(const PatchToInstall& patch);
+
+/// Reads one record: DeploymentItem, MissingUpdate or InstallationLogEntry.
+template <typename Record>
+Record fromJson(const nlohmann::json& value);
+
+/// Reads an array of records in order. Anything but an array throws type error 302.
+template <typename Record>
+std::vector<Record> listFromJson(const nlohmann::json& value);
+/// Reads an array one by one, DeploymentItem, ListedUpdate or LoggedState, and hands each record over together with
+/// its element, while that is still in the processor's cache: a long list is far larger. isAsWritten tells that the
+/// element is just as the record, a ListedUpdate's the whole MissingUpdate, would be written.
+template <typename Record>
+void readEach(
+    nlohmann::json& list, const std::function<void(Record&, nlohmann::json& element, bool isAsWritten)>& take);
+
+/// Writes an array of records in order.
+template <typename Record>
+nlohmann::json listToJson(const std::vector<Record>& records);
+
+} // namespace vx::tarn::common

@@ -1,0 +1,33 @@
+#include "tarnhd/factory/tarnhdfactory.h"
+
+#include "common/factory/commonfactory.h"
+#include "tarnhd/actionscheduler/actionscheduler.h"
+#include "tarnhd/currentoperations/currentoperations.h"
+#include "tarnhd/manager/tarnpatchmanager.h"
+
+namespace vx::tarn {
+
+using namespace std::chrono_literals;
+
+TarnhdFactory::TarnhdFactory(common::CommonFactory* commonFactory) : m_commonFactory(commonFactory) {}
+
+TarnhdFactory::~TarnhdFactory() = default;
+
+std::shared_ptr<ActionScheduler> TarnhdFactory::createActionScheduler()
+{
+    return std::make_shared<ActionScheduler>();
+}
+
+std::shared_ptr<TarnpatchManager> TarnhdFactory::createTarnpatchManager(
+    const std::shared_ptr<settings::Settings>& settings)
+{
+    return std::make_shared<TarnpatchManager>(settings, m_commonFactory, 1s);
+}
+
+std::shared_ptr<CurrentOperations> TarnhdFactory::createCurrentOperations(
+    const std::shared_ptr<settings::Settings>& settings)
+{
+    return std::make_shared<CurrentOperations>(settings);
+}
+
+} // namespace vx::tarn

@@ -1,0 +1,176 @@
+// The change handlers of TarnHandler and the table that leads to them.
+
+#include "tarnhd/handler/tarnhandler.h"
+
+#include "common/deploymentqueue/ideploymentqueue.h"
+#include "common/event/event.h"
+#include "common/factory/commonfactory.h"
+#include "common/settings/tarnpatchsettings.h"
+#include "common/settings/tarnpatchstatus.h"
+#include "common/updaterlauncher/iupdaterlauncher.h"
+#include "logging/logstream.h"
+#include "tarnhd/actions/scanonce.h"
+#include "tarnhd/actionscheduler/actionscheduler.h"
+#include "tarnhd/manager/agentstartreason.h"
+#include "tarnhd/manager/tarnpatchmanager.h"
+#include "tarnhd/subscriptions/subscriptions.h"
+
+#include <functional>
+#include <map>
+#include <nlohmann/json.hpp>
+
+namespace vx::tarn {
+
+using logging::Level;
+using logging::LogStream;
+
+namespace {
+
+/// What a request that names no updates means.
+std::wstring defaultTask(ModeItem mode)
+{
+    switch (mode) {
+    case ModeItem::InstallAll: return L"all";
+    case ModeItem::InstallCritical: return L"critical";
+    case ModeItem::InstallCriticalAndImportant: return L"important";
+    default: return {};
+    }
+}
+
+} // namespace
+
+std::unique_ptr<Subscriptions> TarnHandler::subscribeToChanges()
+{
+    VX_LOG_SCOPE();
+    const auto setStatusChanged = [this] { m_statusChangedEvent->set(); };
+    const auto scan = [this] { startScan(); };
+    const std::map<std::wstring, std::function<void()>> handlers{
+        {L"status.windows.tarnpatch.installation.log.entries", setStatusChanged},
+        {L"status.windows.tarnpatch.scanning.last_scanning.missing_updates", setStatusChanged},
+        {L"windows.tarnpatch.enabled", [this] { updateEnabledStatus(); }},
+        {L"windows.tarnpatch.installation.completion.wait", [this] { onPostRebootDeployCompleted(); }},
+        {L"windows.tarnpatch.installation.deployment_queue", [this] { startDeploymentQueueInstallation(); }},
+        {L"windows.tarnpatch.remote_operations.install_updates.start", [this] { startInstallSignalChanged(); }},
+        {L"windows.tarnpatch.remote_operations.scan_for_updates.start", [this] { startScanSignalChanged(); }},
+        {L"windows.tarnpatch.scanning.automatic.polling_interval", [this] { setupActionScheduler(); }},
+        {ScanningSettings::excludeUpdatesByRuleKey, scan},
+        {ScanningSettings::excludeUpdatesByTypeKey, scan},
+    };
+    auto subscriptions = std::make_unique<Subscriptions>(m_settings.get());
+    for (const auto& [key, handler] : handlers)
+        subscriptions->subscribe(key, [handler](const std::wstring&) { handler(); });
+    return subscriptions;
+}
+
+void TarnHandler::setupActionScheduler()
+{
+    VX_LOG_SCOPE();
+    const auto interval = m_tarnpatchSettings->scanning.automatic.pollingInterval();
+    LogStream(Level::Info) << "Setup action scheduler. Polling interval: " << interval.count() << " minute(s)";
+    const std::chrono::milliseconds period = interval;
+    // A started scheduler keeps its period. One that is not would take this thread for its loop.
+    if (m_actionScheduler->isStarted())
+        m_actionScheduler->start(period, true);
+}
+
+void TarnHandler::updateEnabledStatus()
+{
+    VX_LOG_SCOPE();
+    const bool wasEnabled = m_tarnpatchStatus->enabled();
+    const bool enable = m_tarnpatchSettings->enabled();
+    LogStream(Level::Info) << "Tarnpatch enabled status: wasEnabled = " << wasEnabled << ", enable = " << enable;
+    m_tarnpatchStatus->setEnabled(enable);
+    m_manager->update();
+    m_actionScheduler->setEnabled(enable);
+    if (wasEnabled && !enable)
+        m_tarnpatchStatus->scanning.lastScanning.setMissingUpdates(nlohmann::json::array());
+    if (enable && !wasEnabled)
+        m_actionScheduler->runOnce(
+            std::make_shared<ScanOnce>(m_commonFactory.get(), m_tarnpatchSettings.get(), systemTicks()),
+            std::chrono::milliseconds(0));
+}
+
+void TarnHandler::startScan()
+{
+    VX_LOG_SCOPE();
+    LogStream(Level::Info) << "tarnag.exe start requested";
+    m_updaterLauncher->startScan();
+}
+
+void TarnHandler::startScanSignalChanged()
+{
+    VX_LOG_SCOPE();
+    const auto& request = m_tarnpatchSettings->remoteOperations.scanForUpdates;
+    const auto start = request.start();
+    const auto ack = request.ack();
+    if (start == ack) {
+        LogStream(Level::Info) << "No need to start scanning. start=" << start << ", ack=" << ack;
+    } else if (m_tarnpatchStatus->enabled()) {
+        // The manager acknowledges when the agent has finished.
+        m_manager->setStartReason(AgentStartReason::RemoteScan);
+        m_updaterLauncher->startScan();
+    } else {
+        LogStream(Level::Error) << "Can't start tarnag.exe for a remote scan: Tarnpatch is disabled.";
+        request.setAck(start);
+    }
+}
+
+void TarnHandler::startInstallSignalChanged()
+{
+    VX_LOG_SCOPE();
+    const auto& request = m_tarnpatchSettings->remoteOperations.installUpdates;
+    const auto start = request.start();
+    const auto ack = request.ack();
+    if (start == ack) {
+        LogStream(Level::Info) << "No need to start deploying. start=" << start << ", ack=" << ack;
+        return;
+    }
+    // Stands until the manager knows better, also when something goes wrong below.
+    request.setResult(ResultItem::Failed);
+    if (!m_tarnpatchStatus->enabled()) {
+        LogStream(Level::Error) << "Can't start tarnag.exe for a remote installation: Tarnpatch is disabled.";
+        finishRemoteInstall(ResultItem::Failed);
+        return;
+    }
+    std::wstring task = request.updatesToInstall();
+    if (task.empty())
+        task = defaultTask(m_tarnpatchSettings->installation.automatic.mode());
+    if (task.empty()) {
+        LogStream(Level::Warning) << "Deployment task with empty scope was not started.";
+        finishRemoteInstall(ResultItem::Success);
+        return;
+    }
+    m_deploymentQueue->pushBack(task);
+    LogStream(Level::Info) << "Deployment task was put to the queue. '" << task << "'.";
+    // The manager acknowledges when the agent has finished.
+    m_manager->setStartReason(AgentStartReason::RemoteDeployment);
+    m_updaterLauncher->startScan();
+}
+
+void TarnHandler::finishRemoteInstall(ResultItem result)
+{
+    const auto& request = m_tarnpatchSettings->remoteOperations.installUpdates;
+    const auto start = request.start();
+    request.setResult(result);
+    request.setAck(start);
+}
+
+void TarnHandler::startDeploymentQueueInstallation()
+{
+    VX_LOG_SCOPE();
+    m_statusChangedEvent->set();
+    if (m_tarnpatchSettings->installation.deploymentQueue().empty())
+        LogStream(Level::Debug) << "No items in a deployment queue. No need to start tarnag.";
+    else
+        startScan();
+}
+
+void TarnHandler::onPostRebootDeployCompleted()
+{
+    VX_LOG_SCOPE();
+    m_actionScheduler->cancelOneTimeTasks();
+    m_manager->update();
+    m_updaterLauncher->startScan();
+}
+
+} // namespace vx::tarn

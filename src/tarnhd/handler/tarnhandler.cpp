@@ -1,0 +1,284 @@
+#include "tarnhd/handler/tarnhandler.h"
+
+#include "tarnhd/handler/schedulerthread.h"
+
+#include "common/deploymentqueue/ideploymentqueue.h"
+#include "common/event/event.h"
+#include "common/factory/commonfactory.h"
+#include "common/globalatom/iglobalatom.h"
+#include "common/patchstorage/ipatchstorage.h"
+#include "common/settings/hostsettings.h"
+#include "common/settings/tarnpatchsettings.h"
+#include "common/settings/tarnpatchstatus.h"
+#include "common/updaterlauncher/iupdaterlauncher.h"
+#include "meridia-settings/qrlmeridiaerror.h"
+#include "tarnhd/actions/scanifexpired.h"
+#include "tarnhd/actions/startupautoscan.h"
+#include "tarnhd/actions/startupdeploywatchdog.h"
+#include "tarnhd/actionscheduler/actionscheduler.h"
+#include "tarnhd/currentoperations/currentoperations.h"
+#include "tarnhd/factory/tarnhdfactory.h"
+#include "tarnhd/manager/tarnpatchmanager.h"
+#include "tarnhd/subscriptions/subscriptions.h"
+#include "tarnhd/threads/joinedthread.h"
+#include "vxtl/guarded.h"
+
+#include <optional>
+#include <windows.h>
+
+namespace vx::tarn {
+
+using namespace std::chrono_literals;
+using logging::Level;
+using logging::LogStream;
+
+namespace {
+
+constexpr auto storeRetryPause = 500ms;
+constexpr auto profilePollPause = 100ms;
+constexpr auto deploymentPollPause = 1s;
+constexpr std::chrono::minutes shortestPollingInterval(1);
+constexpr wchar_t postRebootAtom[] = L"Global\\PostRebootATOM{894D1810-89A9-4363-A8C5-9F429B518809}";
+
+// A failure leaves a handle that is none; run looks at it.
+std::shared_ptr<common::Event> makeEvent()
+{
+    return std::make_shared<common::Event>(std::make_shared<KernelHandle>(CreateEventW(nullptr, TRUE, FALSE, nullptr)));
+}
+
+bool isValid(const common::Event& event)
+{
+    return !NoKernelHandle{}(event.getHandle());
+}
+
+} // namespace
+
+TarnHandler::TarnHandler(std::shared_ptr<common::CommonFactory> commonFactory, std::shared_ptr<TarnhdFactory> factory)
+    : m_commonFactory(std::move(commonFactory)), m_factory(std::move(factory)), m_stopEvent(makeEvent()),
+      m_statusChangedEvent(makeEvent())
+{}
+
+TarnHandler::~TarnHandler() = default;
+
+void TarnHandler::initializeHandler()
+{
+    VX_LOG_SCOPE();
+    m_commonFactory->setStopEvent(m_stopEvent);
+    m_settings = createSettings();
+    m_commonFactory->setSettings(m_settings);
+    m_tarnpatchSettings = std::make_shared<TarnpatchSettings>(m_settings);
+    m_tarnpatchStatus = std::make_shared<TarnpatchStatus>(m_settings);
+    // Makes the start event, which all launchers open.
+    m_manager = m_factory->createTarnpatchManager(m_settings);
+    m_updaterLauncher = m_commonFactory->createUpdaterLauncher();
+    // Queue and publisher have store accesses of their own, and the store may have gone since the one above.
+    m_deploymentQueue = m_commonFactory->createDeploymentQueue(createSettings());
+    m_actionScheduler = createActionScheduler();
+    m_currentOperations = m_factory->createCurrentOperations(createSettings());
+    m_initialized = true;
+}
+
+std::shared_ptr<settings::Settings> TarnHandler::createSettings()
+{
+    return m_commonFactory->createSettings([this](meridia::QrlMeridiaError_enum error) {
+        return !waitForStop(storeRetryPause) && error == meridia::QrlMeridiaError_enum::ServerUnreachable;
+    });
+}
+
+std::shared_ptr<ActionScheduler> TarnHandler::createActionScheduler()
+{
+    auto scheduler = m_factory->createActionScheduler();
+    scheduler->addTask(std::make_shared<ScanIfExpired>(m_commonFactory.get(), m_tarnpatchSettings.get()));
+    return scheduler;
+}
+
+void TarnHandler::run()
+{
+    VX_LOG_SCOPE();
+    if (!guarded("Failed to initialize handler plugin: ", [this] { initializeHandler(); }))
+        return;
+    if (!waitForProfile()) {
+        LogStream(Level::Warning) << "Meridia profile is not available yet.";
+        return;
+    }
+    m_running = false;
+    if (!isValid(*m_stopEvent)) {
+        LogStream(Level::Error) << "Stop event handle is invalid";
+        return;
+    }
+    // With a profile at hand the wait for it does not look at the event.
+    if (waitForStop(0ms))
+        return;
+    if (!m_tarnpatchSettings->enabled())
+        LogStream(Level::Warning) << "Tarnpatch is disabled. Waiting for it to be enabled.";
+    process();
+}
+
+void TarnHandler::process()
+{
+    struct ManagerStop {
+        TarnHandler& handler;
+        ~ManagerStop() { handler.stopManager(); }
+    };
+    struct EventSetter {
+        common::Event& event;
+        ~EventSetter()
+        {
+            guarded([this] { event.set(); });
+        }
+    };
+
+    processFirstRun();
+    // Outlives the subscriptions: a change handler may start the manager until the last one is gone.
+    const ManagerStop managerStop{*this};
+    const auto subscriptions = subscribeToChanges();
+    updateEnabledStatus();
+    const std::chrono::milliseconds period = pollingPeriod();
+    LogStream(Level::Info) << "Scheduler period: " << period.count() << " ms.";
+    LogStream(Level::Info) << "Run processing";
+    {
+        std::optional<JoinedThread> watcher; // joined last
+        const SchedulerThread actions(*m_actionScheduler, period);
+        watcher.emplace([this] { waitPostRebootDeployCompleted(); });
+        // A way out that is no stop must end the threads too.
+        const EventSetter end{*m_stopEvent};
+        m_running = true;
+        waitForEvents();
+    }
+    m_running = false;
+    LogStream(Level::Info) << "Processing stopped";
+    guarded([this] { sync::waitForSingleObject(*m_stopEvent, sync::infinite); });
+}
+
+// An interval of nothing would keep a processor busy for as long as the plug-in runs.
+std::chrono::milliseconds TarnHandler::pollingPeriod() const
+{
+    const std::chrono::minutes interval = m_tarnpatchSettings->scanning.automatic.pollingInterval();
+    if (interval >= shortestPollingInterval)
+        return interval;
+    LogStream(Level::Warning) << "Polling interval of " << interval.count() << " minute(s) is too short, "
+                              << shortestPollingInterval.count() << " minute(s) is used.";
+    return shortestPollingInterval;
+}
+
+bool TarnHandler::hasProfile() const
+{
+    return HostSettings(m_settings).lastSuccessfulUpdateTimestamp() > 0;
+}
+
+bool TarnHandler::waitForProfile()
+{
+    do {
+        bool found = false;
+        guarded("Failed to read the time of the last update: ", [&] { found = hasProfile(); });
+        if (found)
+            return true;
+    } while (!waitForStop(profilePollPause));
+    return false;
+}
+
+void TarnHandler::processFirstRun()
+{
+    VX_LOG_SCOPE();
+    const auto atom = m_commonFactory->createGlobalAtom(postRebootAtom);
+    if (atom->exists())
+        return;
+    LogStream(Level::Info) << "It's a first run after reboot.";
+    const auto& lastInstallation = m_tarnpatchStatus->installation.lastInstallation;
+    lastInstallation.setRestartComputerNeeded(false);
+    const auto watchdog = std::make_shared<StartupDeployWatchdog>(m_commonFactory.get(), m_tarnpatchSettings.get());
+    m_actionScheduler->runOnce(watchdog, watchdog->getDelay());
+    if (lastInstallation.restartComputerNeeded() ||
+        m_tarnpatchSettings->scanning.automatic.scanningOnSystemStartup.enabled()) {
+        LogStream(Level::Info) << "Scan on startup";
+        const auto scan = std::make_shared<StartupAutoScan>(m_commonFactory.get(), m_tarnpatchSettings.get());
+        m_actionScheduler->runOnce(scan, scan->getDelay());
+    } else {
+        LogStream(Level::Info) << "Scan on startup is not enabled.";
+    }
+    atom->create();
+}
+
+void TarnHandler::waitForEvents()
+{
+    // The order decides when both are set: what has changed is published before the stop is seen.
+    const common::Event* const events[] = {m_statusChangedEvent.get(), m_stopEvent.get()};
+    while (*sync::waitForMultipleObjects(events) == m_statusChangedEvent.get())
+        publishStatus();
+}
+
+// What changes during the pass waits for the next change.
+void TarnHandler::publishStatus()
+{
+    guarded("Failed to publish the current operations: ", [this] { m_currentOperations->update(); });
+    m_statusChangedEvent->reset();
+}
+
+void TarnHandler::waitPostRebootDeployCompleted()
+{
+    VX_LOG_SCOPE();
+    const auto storage = m_commonFactory->createPatchStorage();
+    bool completed = false;
+    while (!completed) {
+        if (waitForStop(deploymentPollPause)) {
+            LogStream(Level::Info) << "waitPostRebootDeployCompleted: Stop event has been signaled";
+            return;
+        }
+        guarded("Failed to complete a deployment: ", [&] { completed = completeFinishedDeployment(*storage); });
+    }
+}
+
+bool TarnHandler::completeFinishedDeployment(common::IPatchStorage& storage)
+{
+    if (!storage.isInstallationFinished() || !storage.hasPatchStates())
+        return false;
+    LogStream(Level::Info) << "waitPostRebootDeployCompleted: Found that installation has been finished.";
+    if (m_manager->isAgentRunning()) {
+        LogStream(Level::Info) << "waitPostRebootDeployCompleted: Agent is already running. Waiting for be finished.";
+        return false;
+    }
+    m_tarnpatchSettings->installation.completion.setWait(false);
+    m_tarnpatchSettings->installation.setInProgress(false);
+    m_manager->update();
+    m_manager->setArguments(L"-c complete");
+    m_updaterLauncher->startScan();
+    return true;
+}
+
+bool TarnHandler::waitForStop(std::chrono::milliseconds timeout) const
+{
+    return sync::waitForSingleObject(*m_stopEvent, static_cast<unsigned long>(timeout.count()));
+}
+
+void TarnHandler::stop()
+{
+    VX_LOG_SCOPE();
+    LogStream(Level::Info) << "Plugin stop requested";
+    const std::lock_guard lock(m_stopMutex);
+    if (isValid(*m_stopEvent))
+        m_stopEvent->set();
+    if (!m_initialized)
+        return;
+    m_actionScheduler->stop();
+    m_manager->stop();
+}
+
+// A stop that came before the manager was started could not stop it.
+void TarnHandler::stopManager() noexcept
+{
+    guarded([this] {
+        const std::lock_guard lock(m_stopMutex);
+        if (m_manager->isRunning())
+            m_manager->stop();
+    });
+}
+
+void TarnHandler::onPowerEvent(std::uint32_t type, std::uint32_t)
+{
+    VX_LOG_SCOPE();
+    VX_LOG_VALUES(type);
+    if (type == PBT_APMRESUMEAUTOMATIC && m_initialized)
+        m_actionScheduler->onResume();
+}
+
+} // namespace vx::tarn

@@ -1,0 +1,236 @@
+#include "tarnhd/manager/agentrunner.h"
+
+#include "common/event/event.h"
+#include "common/exitstatus/exitstatus.h"
+#include "common/factory/commonfactory.h"
+#include "common/process/iprocess.h"
+#include "vxtl-process/process/credentials.h"
+#include "vxtl/exception.h"
+#include "vxtl/guarded.h"
+#include "vxtl/registry.h"
+
+#include <array>
+#include <filesystem>
+
+namespace vx::tarn {
+
+using logging::Level;
+using logging::LogStream;
+
+namespace {
+
+constexpr auto installationKey = L"HKEY_LOCAL_MACHINE\\Software\\Vantorix\\tarn";
+
+class WaitableHandle : public IWaitable {
+public:
+    explicit WaitableHandle(SharedHandle handle) : m_handle(std::move(handle)) {}
+    void* getHandle() const override { return m_handle->get(); }
+
+private:
+    const SharedHandle m_handle;
+};
+
+// A late thread may still count when the next one does: a flag would be cleared under the other's agent.
+class CountedAgent {
+public:
+    explicit CountedAgent(std::atomic<int>& count) : m_count(count) { ++m_count; }
+    ~CountedAgent() { --m_count; }
+    CountedAgent(const CountedAgent&) = delete;
+    CountedAgent& operator=(const CountedAgent&) = delete;
+
+private:
+    std::atomic<int>& m_count;
+};
+
+} // namespace
+
+// The log names these operations after the manager that they belong to.
+#define MANAGER_SCOPE(name) const logging::LogScope scope("vx::tarn::TarnpatchManager::" name)
+
+AgentRunner::AgentRunner(const TarnpatchSettings& settings, const TarnpatchStatus& status,
+    common::CommonFactory* commonFactory, std::shared_ptr<common::Event> startEvent,
+    std::chrono::milliseconds retryPause, WallClock now)
+    : m_commonFactory(commonFactory), m_settings(settings), m_status(status), m_startEvent(std::move(startEvent)),
+      m_retryPause(retryPause), m_now(std::move(now))
+{}
+
+void AgentRunner::actionThread(common::Event& stopEvent)
+{
+    MANAGER_SCOPE("actionThread");
+    const std::array<IWaitable*, 2> waitSet{&stopEvent, m_startEvent.get()};
+    guarded("Exception caught: ", [&] {
+        for (bool goOn = true; goOn;) {
+            LogStream(Level::Info) << "Waiting for event...";
+            const auto fired = sync::waitForMultipleObjects(waitSet);
+            if (fired == waitSet.begin()) {
+                LogStream(Level::Info) << "Thread stop event signaled";
+                goOn = false;
+            } else if (fired == waitSet.begin() + 1) {
+                guarded("Exception caught: ", [&] { goOn = startEventSignaled(stopEvent); });
+            } else {
+                LogStream(Level::Warning) << "Unexpected wait state, exiting thread";
+                goOn = false;
+            }
+        }
+    });
+    LogStream(Level::Info) << "Tarnpatch action thread exited";
+}
+
+bool AgentRunner::startEventSignaled(common::Event& stopEvent)
+{
+    m_startEvent->reset();
+    LogStream(Level::Info) << "tarnag.exe start event signaled.";
+    const AgentStartReason reason = takeStartReason();
+    LogStream(Level::Info) << "Start reason is: " << static_cast<std::int32_t>(reason);
+    return agentStartRequested(reason, stopEvent);
+}
+
+bool AgentRunner::agentStartRequested(AgentStartReason reason, common::Event& stopEvent)
+{
+    MANAGER_SCOPE("agentStartRequested");
+    const auto pause = static_cast<unsigned long>(m_retryPause.count());
+    std::int32_t attempt = 0;
+    Result result = Result::AlreadyRunning;
+    while (result == Result::AlreadyRunning && attempt < m_maxRetries) {
+        const std::int64_t timestamp = m_now() / ticksPerSecond;
+        LogStream(Level::Info) << "tarnag.exe start timestamp: " << timestamp;
+        result = startAgent(reason, stopEvent);
+        if (result == Result::Finished) {
+            LogStream(Level::Info) << "Tarnag agent finished successfully. Updating last successfull start timestamp.";
+            storeLastStartTimestamp(timestamp);
+        } else if (result == Result::Failed) {
+            LogStream(Level::Error) << "Failed to start tarnpatch agent (tarnag.exe)";
+        } else {
+            LogStream(Level::Info) << "Tarnag agent has been already started.";
+            if (sync::waitForSingleObject(stopEvent, pause)) {
+                LogStream(Level::Info) << "Thread stop event signaled";
+                return false;
+            }
+            ++attempt;
+            LogStream(Level::Info) << "Scheduling next try to run tarnag.exe (" << attempt + 1 << "/" << m_maxRetries
+                                   << ")";
+        }
+    }
+    return true;
+}
+
+AgentRunner::Result AgentRunner::startAgent(AgentStartReason reason, common::Event& stopEvent)
+{
+    MANAGER_SCOPE("startAgent");
+    try {
+        return runAgent(reason, stopEvent);
+    } catch (const BaseException& e) {
+        LogStream(Level::Error) << "Failed to start tarnpatch agent. Exception caught: " << What(e);
+        return Result::Failed;
+    }
+}
+
+AgentRunner::Result AgentRunner::runAgent(AgentStartReason reason, common::Event& stopEvent)
+{
+    const auto process = m_commonFactory->createProcess();
+    const std::wstring args = arguments();
+    if (!startProcess(*process, args)) {
+        LogStream(Level::Error) << "Failed to start tarnag.exe process.";
+        return Result::Failed;
+    }
+    useUpArguments(args);
+    const CountedAgent counted(m_agentsWaitedFor);
+    const WaitableHandle agent(process->getHandle());
+    const std::array<const IWaitable*, 2> waitSet{&stopEvent, &agent};
+    if (sync::waitForMultipleObjects(waitSet) == waitSet.begin()) {
+        LogStream(Level::Info) << "Thread stop event detected while tarnag running. Tarnag will continue working, but "
+                                  "thread will be finished";
+        return Result::Finished;
+    }
+    const std::uint32_t code = process->getReturnCode();
+    LogStream(Level::Info) << "Process finished with return code: " << code;
+    // Before the code is looked at: a remote request is answered by a failed run and by a busy agent, too.
+    closeRemoteOperation(reason);
+    const common::ExitStatus status(static_cast<std::int32_t>(code), {});
+    if (status == common::exitstatus::success)
+        return Result::Finished;
+    return status == common::exitstatus::resourceAlreadyExists ? Result::AlreadyRunning : Result::Failed;
+}
+
+bool AgentRunner::startProcess(common::IProcess& process, const std::wstring& args)
+{
+    const auto key = m_commonFactory->createRegistry()->openKey(installationKey);
+    const std::wstring directory = key->getStringValue(L"InstallationDirectory");
+    const std::wstring path = (std::filesystem::path(directory) / L"tarnag.exe").wstring();
+    LogStream(Level::Info) << "Starting process " << path << ". Arguments: " << args;
+    return process.start(path, args, process::Credentials{});
+}
+
+void AgentRunner::closeRemoteOperation(AgentStartReason reason)
+{
+    if (reason == AgentStartReason::RemoteDeployment) {
+        const auto& operation = m_settings.remoteOperations.installUpdates;
+        const std::int64_t start = operation.start();
+        operation.setAck(start);
+        LogStream(Level::Info) << "Update a deployment remote operation status: " << start;
+    } else if (reason == AgentStartReason::RemoteScan) {
+        const auto& operation = m_settings.remoteOperations.scanForUpdates;
+        const std::int64_t start = operation.start();
+        operation.setAck(start);
+        LogStream(Level::Info) << "Update a scanning remote operation status: " << start;
+    } else {
+        LogStream(Level::Info) << "There was no remote operation for tarnag, nothing to update";
+    }
+}
+
+void AgentRunner::loadLastStartTimestamp()
+{
+    const std::lock_guard lock(m_timestampMutex);
+    m_lastStartTimestamp = m_status.scanning.lastScanning.timestamp();
+}
+
+void AgentRunner::storeLastStartTimestamp(std::int64_t timestamp)
+{
+    {
+        const std::lock_guard lock(m_timestampMutex);
+        m_lastStartTimestamp = timestamp;
+    }
+    m_status.scanning.lastScanning.setTimestamp(timestamp);
+}
+
+void AgentRunner::setArguments(const std::wstring& args)
+{
+    MANAGER_SCOPE("setArguments");
+    VX_LOG_VALUES(args);
+    const std::lock_guard lock(m_argumentsMutex);
+    m_arguments = args;
+}
+
+// Those that were set while the process was being started are for the next one.
+void AgentRunner::useUpArguments(const std::wstring& used)
+{
+    const std::lock_guard lock(m_argumentsMutex);
+    if (m_arguments == used)
+        setArguments(L"");
+}
+
+std::wstring AgentRunner::arguments() const
+{
+    const std::lock_guard lock(m_argumentsMutex);
+    return m_arguments;
+}
+
+void AgentRunner::setStartReason(AgentStartReason reason)
+{
+    const std::lock_guard lock(m_reasonMutex);
+    m_startReason = reason;
+}
+
+AgentStartReason AgentRunner::getStartReason() const
+{
+    const std::lock_guard lock(m_reasonMutex);
+    return m_startReason;
+}
+
+AgentStartReason AgentRunner::takeStartReason()
+{
+    const std::lock_guard lock(m_reasonMutex);
+    return std::exchange(m_startReason, AgentStartReason::None);
+}
+
+} // namespace vx::tarn
