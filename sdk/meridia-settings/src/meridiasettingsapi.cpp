@@ -92,7 +92,7 @@ bool SettingsApi::getBoolValue(const std::wstring& name)
     VX_LOG_VALUES(name);
     Error error = Error::Success;
     const bool value = m_api.getBool(m_handles[0], name.c_str(), 0, &error) != 0;
-    throwOnReadError(error, name, L"vx::meridia::SettingsApi::getBoolValue");
+    throwOnReadError(error, name, vxScopeName);
     return value;
 }
 
@@ -102,7 +102,7 @@ std::int32_t SettingsApi::getInt32Value(const std::wstring& name)
     VX_LOG_VALUES(name);
     Error error = Error::Success;
     const std::int32_t value = m_api.getInt32(m_handles[0], name.c_str(), 0, &error);
-    throwOnReadError(error, name, L"vx::meridia::SettingsApi::getInt32Value");
+    throwOnReadError(error, name, vxScopeName);
     return value;
 }
 
@@ -112,7 +112,7 @@ std::int64_t SettingsApi::getInt64Value(const std::wstring& name)
     VX_LOG_VALUES(name);
     Error error = Error::Success;
     const std::int64_t value = m_api.getInt64(m_handles[0], name.c_str(), 0, &error);
-    throwOnReadError(error, name, L"vx::meridia::SettingsApi::getInt64Value");
+    throwOnReadError(error, name, vxScopeName);
     return value;
 }
 
@@ -123,7 +123,7 @@ double SettingsApi::getDoubleValue(const std::wstring& name)
     Error error = Error::Success;
     const std::wstring text =
         copyOf(LibraryText<wchar_t>(m_api.getString(m_handles[0], name.c_str(), L"", &error), m_api.freeString));
-    throwOnReadError(error, name, L"vx::meridia::SettingsApi::getDoubleValue");
+    throwOnReadError(error, name, vxScopeName);
     return parseDouble(text);
 }
 
@@ -133,7 +133,7 @@ std::wstring SettingsApi::getStringValue(const std::wstring& name)
     VX_LOG_VALUES(name);
     Error error = Error::Success;
     const LibraryText<wchar_t> text(m_api.getString(m_handles[0], name.c_str(), L"", &error), m_api.freeString);
-    throwOnReadError(error, name, L"vx::meridia::SettingsApi::getStringValue");
+    throwOnReadError(error, name, vxScopeName);
     return copyOf(text);
 }
 
@@ -143,7 +143,7 @@ nlohmann::json SettingsApi::getJsonValue(const std::wstring& name)
     VX_LOG_VALUES(name);
     Error error = Error::Success;
     const LibraryText<char> text(m_api.getObjectAsStringUtf8(m_handles[0], name.c_str(), &error), m_api.freeString);
-    throwOnReadError(error, name, L"vx::meridia::SettingsApi::getJsonValue");
+    throwOnReadError(error, name, vxScopeName);
     return parseJson(text ? text.get() : "");
 }
 
@@ -151,40 +151,36 @@ void SettingsApi::setBoolValue(const std::wstring& name, bool value)
 {
     VX_LOG_SCOPE();
     VX_LOG_VALUES(name, value);
-    writeRepeatedly([&] { return m_api.setBool(m_handles[0], name.c_str(), value); }, name,
-        L"vx::meridia::SettingsApi::setBoolValue");
+    writeRepeatedly([&] { return m_api.setBool(m_handles[0], name.c_str(), value); }, name, vxScopeName);
 }
 
 void SettingsApi::setInt32Value(const std::wstring& name, std::int32_t value)
 {
     VX_LOG_SCOPE();
     VX_LOG_VALUES(name, value);
-    writeRepeatedly([&] { return m_api.setInt32(m_handles[0], name.c_str(), value); }, name,
-        L"vx::meridia::SettingsApi::setInt32Value");
+    writeRepeatedly([&] { return m_api.setInt32(m_handles[0], name.c_str(), value); }, name, vxScopeName);
 }
 
 void SettingsApi::setInt64Value(const std::wstring& name, std::int64_t value)
 {
     VX_LOG_SCOPE();
     VX_LOG_VALUES(name, value);
-    writeRepeatedly([&] { return m_api.setInt64(m_handles[0], name.c_str(), value); }, name,
-        L"vx::meridia::SettingsApi::setInt64Value");
+    writeRepeatedly([&] { return m_api.setInt64(m_handles[0], name.c_str(), value); }, name, vxScopeName);
 }
 
 void SettingsApi::setDoubleValue(const std::wstring& name, double value)
 {
     VX_LOG_SCOPE();
     VX_LOG_VALUES(name, value);
-    writeRepeatedly([&] { return m_api.setString(m_handles[0], name.c_str(), formatDouble(value).c_str()); }, name,
-        L"vx::meridia::SettingsApi::setDoubleValue");
+    writeRepeatedly(
+        [&] { return m_api.setString(m_handles[0], name.c_str(), formatDouble(value).c_str()); }, name, vxScopeName);
 }
 
 void SettingsApi::setStringValue(const std::wstring& name, const std::wstring& value)
 {
     VX_LOG_SCOPE();
     VX_LOG_VALUES(name, value);
-    writeRepeatedly([&] { return m_api.setString(m_handles[0], name.c_str(), value.c_str()); }, name,
-        L"vx::meridia::SettingsApi::setStringValue");
+    writeRepeatedly([&] { return m_api.setString(m_handles[0], name.c_str(), value.c_str()); }, name, vxScopeName);
 }
 
 void SettingsApi::setJsonValue(const std::wstring& name, const nlohmann::json& data)
@@ -192,7 +188,7 @@ void SettingsApi::setJsonValue(const std::wstring& name, const nlohmann::json& d
     VX_LOG_SCOPE();
     VX_LOG_VALUES(name, data.dump());
     writeRepeatedly([&] { return m_api.setObjectFromStringUtf8(m_handles[0], name.c_str(), data.dump().c_str()); },
-        name, L"vx::meridia::SettingsApi::setJsonValue");
+        name, vxScopeName);
 }
 
 settings::SubscriptionId SettingsApi::subscribeForChanges(

@@ -54,7 +54,7 @@ CachedSettings::CachedSettings(std::shared_ptr<details::SettingsImpl> provider) 
 CachedSettings::~CachedSettings() = default;
 
 template <typename Kind>
-typename Kind::Value CachedSettings::read(const std::wstring& name, const wchar_t* function)
+typename Kind::Value CachedSettings::read(const std::wstring& name, const logging::FunctionName& function)
 {
     const SettingsCache::Version before = m_cache.version();
     std::optional<typename Kind::Value> value;
@@ -66,17 +66,17 @@ typename Kind::Value CachedSettings::read(const std::wstring& name, const wchar_
         return readCached<Kind>(name, function);
     }
     // What is pending goes out first, and then the older value that was just read takes its place.
-    const SettingsCache::Synchronized synchronized = synchronize();
+    const details::SynchronizeResult synchronized = synchronize();
     m_cache.storeRead(name, {Kind::type, Kind::toJson(*value), true}, before, synchronized);
     return std::move(*value);
 }
 
 template <typename Kind>
-typename Kind::Value CachedSettings::readCached(const std::wstring& name, const wchar_t* function) const
+typename Kind::Value CachedSettings::readCached(const std::wstring& name, const logging::FunctionName& function) const
 {
     const auto cached = m_cache.find(name);
     if (!cached)
-        VX_THROW_AS(NotFoundException, function, L"Cached value doesn't exist");
+        VX_THROW_FROM(NotFoundException, function, L"Cached value doesn't exist");
     return Kind::fromJson(*cached);
 }
 
@@ -87,51 +87,48 @@ void CachedSettings::write(const std::wstring& name, const typename Kind::Value&
         synchronize();
 }
 
-SettingsCache::Synchronized CachedSettings::synchronize()
+details::SynchronizeResult CachedSettings::synchronize()
 {
     const auto result = details::synchronize(m_cache, *m_provider);
     if (result == details::SynchronizeResult::Incomplete)
         LogStream(Level::Warning) << "Failed to synchronize cached settings with settings provider.";
-    // Idle counts as No: the last pending value may have been on its way on another thread, and fail after this.
-    const bool tried =
-        result == details::SynchronizeResult::Complete || result == details::SynchronizeResult::Incomplete;
-    return tried ? SettingsCache::Synchronized::Yes : SettingsCache::Synchronized::No;
+    return result;
 }
 
 bool CachedSettings::getBoolValue(const std::wstring& name)
 {
     VX_LOG_SCOPE();
-    return read<details::BoolKind>(name, L"vx::settings::CachedSettings::getBoolValue");
+    return read<details::BoolKind>(name, vxScopeName);
 }
 
 std::int32_t CachedSettings::getInt32Value(const std::wstring& name)
 {
     VX_LOG_SCOPE();
-    return read<details::Int32Kind>(name, L"vx::settings::CachedSettings::getInt32Value");
+    return read<details::Int32Kind>(name, vxScopeName);
 }
 
 std::int64_t CachedSettings::getInt64Value(const std::wstring& name)
 {
     VX_LOG_SCOPE();
-    return read<details::Int64Kind>(name, L"vx::settings::CachedSettings::getInt64Value");
+    return read<details::Int64Kind>(name, vxScopeName);
 }
 
 double CachedSettings::getDoubleValue(const std::wstring& name)
 {
     VX_LOG_SCOPE();
-    return read<details::DoubleKind>(name, L"vx::settings::CachedSettings::getDoubleValue");
+    return read<details::DoubleKind>(name, vxScopeName);
 }
 
 std::wstring CachedSettings::getStringValue(const std::wstring& name)
 {
     VX_LOG_SCOPE();
-    return read<details::StringKind>(name, L"vx::settings::CachedSettings::getStringValue");
+    return read<details::StringKind>(name, vxScopeName);
 }
 
 nlohmann::json CachedSettings::getJsonValue(const std::wstring& name)
 {
     VX_LOG_SCOPE();
-    return read<details::JsonKind>(name, L"vx::settings::CachedSettings::getJsonValue");
+    return read<details::JsonKind>(name, vxScopeName);
 }
 
 void CachedSettings::setBoolValue(const std::wstring& name, bool value)

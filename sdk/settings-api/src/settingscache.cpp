@@ -42,11 +42,14 @@ SettingsCache::Slot& SettingsCache::slotOf(const std::wstring& name)
     return position->second;
 }
 
-void SettingsCache::storeRead(const std::wstring& name, CacheEntry&& entry, Version before, Synchronized synchronized)
+void SettingsCache::storeRead(
+    const std::wstring& name, CacheEntry&& entry, Version before, SynchronizeResult synchronized)
 {
     const std::lock_guard lock(m_mutex);
     Slot& slot = slotOf(name);
-    const bool untried = !slot.entry.saved && synchronized == Synchronized::No;
+    // Idle counts as no attempt: the last pending value may have been on its way on another thread, and fail after it.
+    const bool tried = synchronized == SynchronizeResult::Complete || synchronized == SynchronizeResult::Incomplete;
+    const bool untried = !slot.entry.saved && !tried;
     if (slot.underway != 0 || slot.touched > before || untried)
         return;
     change(slot, [&] { replace(slot.entry, entry); });

@@ -157,7 +157,7 @@ void logValues(std::string_view names, const Values&... values) noexcept
 
 } // namespace vx::logging
 
-/// Opens a LogScope named after the enclosing function.
+/// Opens a LogScope named after the enclosing function. Reports of failures take the name from vxScopeName.
 #define VX_LOG_SCOPE()                                                                                                 \
     static constexpr ::vx::logging::FunctionName vxScopeName{__PRETTY_FUNCTION__};                                     \
     const ::vx::logging::LogScope vxScope(vxScopeName.c_str())

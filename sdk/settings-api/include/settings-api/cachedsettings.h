@@ -1,5 +1,6 @@
 #pragma once
 
+#include "logging/functionname.h"
 #include "settings-api/details/settingscache.h"
 #include "settings-api/settingsimpl.h"
 
@@ -40,13 +41,12 @@ public:
 
 private:
     template <typename Kind>
-    typename Kind::Value read(const std::wstring& name, const wchar_t* function);
+    typename Kind::Value read(const std::wstring& name, const logging::FunctionName& function);
     template <typename Kind>
-    typename Kind::Value readCached(const std::wstring& name, const wchar_t* function) const;
+    typename Kind::Value readCached(const std::wstring& name, const logging::FunctionName& function) const;
     template <typename Kind>
     void write(const std::wstring& name, const typename Kind::Value& value);
-    /// Answers whether this thread did the work.
-    details::SettingsCache::Synchronized synchronize();
+    details::SynchronizeResult synchronize();
 
     std::shared_ptr<details::SettingsImpl> m_provider;
     details::SettingsCache m_cache;

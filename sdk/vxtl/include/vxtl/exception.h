@@ -75,8 +75,11 @@ inline LogStream& operator<<(LogStream&& stream, const std::exception& exception
 #define VX_THROW_AS(exceptionType, functionName, ...)                                                                  \
     throw exceptionType(__VA_ARGS__, functionName, ::vx::details::widenSource(__FILE__).c_str(), __LINE__)
 
+/// The same with the name that VX_LOG_SCOPE keeps, or another logging::FunctionName.
+#define VX_THROW_FROM(exceptionType, function, ...)                                                                    \
+    VX_THROW_AS(exceptionType, ::vx::details::widenSource((function).view()).c_str(), __VA_ARGS__)
+
 /// Throws an exception of the tree with the enclosing function's name, the file and the line behind
 /// the given arguments: VX_THROW(vx::BaseException, L"reason").
 #define VX_THROW(exceptionType, ...)                                                                                   \
-    VX_THROW_AS(exceptionType,                                                                                         \
-        ::vx::details::widenSource(::vx::logging::FunctionName(__PRETTY_FUNCTION__).view()).c_str(), __VA_ARGS__)
+    VX_THROW_FROM(exceptionType, ::vx::logging::FunctionName(__PRETTY_FUNCTION__), __VA_ARGS__)

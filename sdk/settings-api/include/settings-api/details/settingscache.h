@@ -15,6 +15,14 @@ namespace vx::settings::details {
 
 enum class ValueType : std::int32_t { Bool = 1, Int32 = 2, Int64 = 3, Double = 4, String = 5, Json = 6 };
 
+/// What became of an attempt to give the provider what was pending.
+enum class SynchronizeResult {
+    Idle,       ///< nothing was waiting, so nothing was tried
+    Complete,   ///< all that was waiting is saved
+    Incomplete, ///< some values could not be saved and stay pending
+    Busy        ///< another thread is at it, or this one further up its stack; nothing was tried
+};
+
 /// The last value seen or written of one setting.
 struct CacheEntry {
     ValueType type;
@@ -30,8 +38,6 @@ class SettingsCache {
 public:
     using Version = std::uint64_t;
     enum class Outcome { Saved, Failed };
-    /// Whether the reading thread itself has tried to save what was pending, since its read.
-    enum class Synchronized { Yes, No };
 
     /// A value on its way to the provider; goes back through end.
     struct Passage {
@@ -55,8 +61,8 @@ public:
     std::optional<nlohmann::json> find(const std::wstring& name) const;
 
     /// Keeps what the provider answered, unless the name's entry may be newer than that answer: a write since
-    /// `before`, a value on its way, or a pending value that this reader has not tried to save.
-    void storeRead(const std::wstring& name, CacheEntry&& entry, Version before, Synchronized synchronized);
+    /// `before`, a value on its way, or a pending value that this reader has not tried to save since.
+    void storeRead(const std::wstring& name, CacheEntry&& entry, Version before, SynchronizeResult synchronized);
 
     /// Puts in an unsaved value that its writer is about to give to the provider.
     Passage beginWrite(const std::wstring& name, CacheEntry&& entry);
