@@ -40,7 +40,7 @@ std::vector<DeploymentItem> readQueue(const Context& context)
 
 bool contains(const std::vector<DeploymentItem>& items, const std::wstring& descriptor)
 {
-    return std::ranges::find(items, descriptor, &DeploymentItem::updateId) != items.end();
+    return std::ranges::find(items, descriptor, &DeploymentItem::descriptor) != items.end();
 }
 
 std::shared_ptr<IDeploymentQueue> openQueue(const Context& context)
@@ -73,8 +73,8 @@ ExitCode showQueue(const Context& context)
     if (items.empty() && !context.printer.isJson())
         context.printer.line("the queue is empty");
     for (const auto& item : items) {
-        const bool isKnown = OperationInfo(item.updateId).scope() != OperationScope::Unknown;
-        const auto descriptor = toUtf8(item.updateId);
+        const bool isKnown = OperationInfo(item.descriptor).scope() != OperationScope::Unknown;
+        const auto descriptor = toUtf8(item.descriptor);
         context.printer.result(timeOf(item) + "  " + descriptor + (isKnown ? "" : "  (means no update)"),
             {{"operation_id", toUtf8(item.operationId)}, {"time", timeOf(item)}, {"descriptor", descriptor},
                 {"known", isKnown}});

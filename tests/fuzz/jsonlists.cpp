@@ -106,10 +106,10 @@ json written(const MissingUpdate& update)
     return toJson(back);
 }
 
-/// The log has no writer of its own: a patch to install carries what both have in common.
+/// The log has no writer of its own: a missing update carries what both have in common.
 json written(const InstallationLogEntry& entry)
 {
-    PatchToInstall patch;
+    MissingUpdate patch;
     patch.patchSpecifier = entry.patchSpecifier;
     patch.updateId = entry.updateId;
     patch.severity = entry.installationTime;
@@ -117,8 +117,8 @@ json written(const InstallationLogEntry& entry)
     patch.productName = entry.productName;
     patch.servicePack = entry.servicePack;
     patch.updateName = entry.updateName;
-    patch.status = entry.status;
     json record = toJson(patch);
+    record["status"] = toJson(entry.status);
     record["installation_time"] = record["severity"];
     return record;
 }
@@ -130,7 +130,9 @@ json written(const LoggedState& state)
 
 json written(const ListedUpdate& update)
 {
-    json record = written(static_cast<const MissingUpdate&>(update));
+    MissingUpdate whole;
+    static_cast<ListedUpdate&>(whole) = update;
+    json record = written(whole);
     for (const char* key :
         {"cve_id", "description_url", "end_of_life", "update_id", "user_friendly_update_name", "vendor"})
         record.erase(key);

@@ -39,13 +39,13 @@ void requireItem(bool found)
 
 auto withText(const std::wstring& updateId)
 {
-    return [&updateId](const DeploymentItem& item) { return item.updateId == updateId; };
+    return [&updateId](const DeploymentItem& item) { return item.descriptor == updateId; };
 }
 
 auto sameAs(const DeploymentItem& other)
 {
     return [&other](const DeploymentItem& item) {
-        return item.operationId == other.operationId && item.updateId == other.updateId;
+        return item.operationId == other.operationId && item.descriptor == other.descriptor;
     };
 }
 
@@ -159,7 +159,7 @@ std::wstring DeploymentQueue::getFront()
             return false;
         });
         requireItem(!items.empty());
-        return items.front().updateId;
+        return items.front().descriptor;
     } catch (const std::exception& e) {
         LogStream(Level::Error) << e;
         return {};

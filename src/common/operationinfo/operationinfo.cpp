@@ -117,12 +117,12 @@ void OperationInfo::parseGuids(std::wstring_view text)
     }
 }
 
-bool OperationInfo::isApplicable(const PatchInfo& patch) const
+bool OperationInfo::isApplicable(const ListedPatch& patch) const
 {
     return isApplicable(patch, m_scope == OperationScope::ByIds ? deriveUpdateId(patch) : std::wstring());
 }
 
-bool OperationInfo::isApplicable(const PatchInfo& patch, const std::wstring& updateId) const
+bool OperationInfo::isApplicable(const ListedPatch& patch, const std::wstring& updateId) const
 {
     switch (m_scope) {
     case OperationScope::BySeverity: return isSeverityApplicable(patch);
@@ -134,7 +134,7 @@ bool OperationInfo::isApplicable(const PatchInfo& patch, const std::wstring& upd
     return false;
 }
 
-bool OperationInfo::isSeverityApplicable(const PatchInfo& patch) const
+bool OperationInfo::isSeverityApplicable(const ListedPatch& patch) const
 {
     const auto severity = static_cast<std::uint8_t>(patch.severity);
     switch (m_severity) {

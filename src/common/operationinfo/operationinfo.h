@@ -10,7 +10,7 @@
 
 namespace vx::tarn::common {
 
-struct PatchInfo;
+struct ListedPatch;
 
 enum class OperationScope : std::int32_t { Unknown = 0, BySeverity = 1, ByIds = 2, ByGuids = 3, ByRule = 4 };
 enum class SeverityFilter : std::int32_t { None = 0, Critical = 1, Important = 2, All = 3 };
@@ -26,9 +26,9 @@ public:
     void fromString(const std::wstring& deploymentTask);
 
     /// Derives the patch's update_id when the scope needs it, and throws what that throws.
-    bool isApplicable(const PatchInfo& patch) const;
+    bool isApplicable(const ListedPatch& patch) const;
     /// The same for a caller that has the patch's update_id at hand.
-    bool isApplicable(const PatchInfo& patch, const std::wstring& updateId) const;
+    bool isApplicable(const ListedPatch& patch, const std::wstring& updateId) const;
 
     OperationScope scope() const { return m_scope; }
     /// The agent's business; no effect on isApplicable.
@@ -43,7 +43,7 @@ private:
     void parseSeverity(std::wstring_view text);
     void parseIds(std::wstring_view text);
     void parseGuids(std::wstring_view text);
-    bool isSeverityApplicable(const PatchInfo& patch) const;
+    bool isSeverityApplicable(const ListedPatch& patch) const;
 
     OperationScope m_scope = OperationScope::Unknown;
     bool m_allowUnsigned = false;

@@ -34,7 +34,7 @@ std::optional<RuleParameterType> parameterType(std::wstring_view name)
     return static_cast<RuleParameterType>(1 + (found - names.begin()));
 }
 
-bool matches(const RuleParameter& parameter, const PatchInfo& patch)
+bool matches(const RuleParameter& parameter, const ListedPatch& patch)
 {
     switch (parameter.type) {
     case RuleParameterType::Product: return parameter.value == patch.productName;
@@ -69,7 +69,7 @@ std::vector<RuleParameter> parseParametricRule(std::wstring_view rule)
     return parameters;
 }
 
-bool matchesParametricRule(const std::vector<RuleParameter>& parameters, const PatchInfo& patch)
+bool matchesParametricRule(const std::vector<RuleParameter>& parameters, const ListedPatch& patch)
 {
     try {
         return std::any_of(parameters.begin(), parameters.end(),

@@ -7,7 +7,7 @@
 
 namespace vx::tarn::common {
 
-struct PatchInfo;
+struct ListedPatch;
 
 enum class RuleParameterType : std::int32_t { Product = 1, Bulletin = 2, ServicePack = 3, Patch = 4, Severity = 5 };
 
@@ -23,6 +23,6 @@ std::vector<RuleParameter> parseParametricRule(std::wstring_view rule);
 
 /// Whether any parameter matches; they are alternatives, tried in order. A severity that is no number is
 /// logged at each evaluation and ends it with false.
-bool matchesParametricRule(const std::vector<RuleParameter>& parameters, const PatchInfo& patch);
+bool matchesParametricRule(const std::vector<RuleParameter>& parameters, const ListedPatch& patch);
 
 } // namespace vx::tarn::common

@@ -4,11 +4,15 @@
 
 namespace vx::tarn::common {
 
-PatchInfo::PatchInfo(MissingUpdate update)
+ListedPatch::ListedPatch(ListedUpdate update)
     : bulletinId(std::move(update.bulletinId)), productName(std::move(update.productName)),
       servicePack(std::move(update.servicePack)), updateName(std::move(update.updateName)),
       severity(static_cast<std::uint16_t>(update.severity)), specifier(std::move(update.patchSpecifier)),
-      endOfLife(std::move(update.endOfLife)), category(static_cast<std::uint16_t>(update.category)),
+      category(static_cast<std::uint16_t>(update.category))
+{}
+
+PatchInfo::PatchInfo(MissingUpdate update)
+    : ListedPatch(static_cast<ListedUpdate&&>(update)), endOfLife(std::move(update.endOfLife)),
       vendor(std::move(update.vendor)), userFriendlyUpdateName(std::move(update.userFriendlyUpdateName)),
       cveIds(std::move(update.cveIds)), descriptionUrl(std::move(update.descriptionUrl))
 {}

@@ -8,12 +8,11 @@
 
 namespace vx::tarn::common {
 
-/// One patch in memory, as filters and the publisher use it. A plain value without an update_id: that is
-/// derived when it is needed, and the one the agent wrote is dropped.
-struct PatchInfo {
-    PatchInfo() = default;
+/// What identifies a patch and what filters match: a filter that looks at more does not compile. A plain value.
+struct ListedPatch {
+    ListedPatch() = default;
     /// Severity and category are cut to 16 bits.
-    explicit PatchInfo(MissingUpdate update);
+    explicit ListedPatch(ListedUpdate update);
 
     std::wstring bulletinId;
     std::wstring productName;
@@ -21,8 +20,17 @@ struct PatchInfo {
     std::wstring updateName;
     std::uint16_t severity = 0; ///< 1 critical, 2 important
     PatchSpecifier specifier{L"00000000-0000-0000-0000-000000000000", 0};
-    std::wstring endOfLife;
     std::uint16_t category = 0;
+};
+
+/// One patch in memory. Without an update_id: that is derived when it is needed, and the one the agent wrote is
+/// dropped.
+struct PatchInfo : ListedPatch {
+    PatchInfo() = default;
+    /// As ListedPatch.
+    explicit PatchInfo(MissingUpdate update);
+
+    std::wstring endOfLife;
     std::wstring vendor;
     std::wstring userFriendlyUpdateName;
     std::vector<std::wstring> cveIds;

@@ -15,75 +15,78 @@ template <typename Record>
 constexpr Field fields[] = {};
 
 template <>
-constexpr Field fields<PatchSpecifier>[] = {field<&PatchSpecifier::id>("id"), field<&PatchSpecifier::region>("region")};
+constexpr Field fields<PatchSpecifier>[] = {
+    field<PatchSpecifier, &PatchSpecifier::id>("id"), field<PatchSpecifier, &PatchSpecifier::region>("region")};
 
-constexpr Field droppedSpecifier[] = {dropped<std::wstring>("id"), dropped<std::int64_t>("region")};
+constexpr Field droppedSpecifier[] = {
+    dropped<void, &PatchSpecifier::id>("id"), dropped<void, &PatchSpecifier::region>("region")};
 
 template <>
-constexpr Field fields<PatchStatus>[] = {field<&PatchStatus::code>("code"), field<&PatchStatus::value>("value")};
+constexpr Field fields<PatchStatus>[] = {
+    field<PatchStatus, &PatchStatus::code>("code"), field<PatchStatus, &PatchStatus::value>("value")};
 
 template <>
-constexpr Field fields<DeploymentItem>[] = {
-    field<&DeploymentItem::operationId>("operation_id"), field<&DeploymentItem::updateId>("update_id")};
+constexpr Field fields<DeploymentItem>[] = {field<DeploymentItem, &DeploymentItem::operationId>("operation_id"),
+    field<DeploymentItem, &DeploymentItem::descriptor>("update_id")};
 
 template <>
 constexpr Field fields<MissingUpdate>[] = {
-    field<&MissingUpdate::bulletinId>("bulletin_id"),
-    field<&MissingUpdate::category>("category"),
-    field<&MissingUpdate::cveIds>("cve_id"),
-    field<&MissingUpdate::descriptionUrl>("description_url"),
-    field<&MissingUpdate::endOfLife>("end_of_life"),
-    field<&MissingUpdate::patchSpecifier>("patch_specifier"),
-    field<&MissingUpdate::productName>("product_name"),
-    field<&MissingUpdate::servicePack>("service_pack"),
-    field<&MissingUpdate::severity>("severity"),
-    field<&MissingUpdate::updateId>("update_id"),
-    field<&MissingUpdate::updateName>("update_name"),
-    field<&MissingUpdate::userFriendlyUpdateName>("user_friendly_update_name"),
-    field<&MissingUpdate::vendor>("vendor"),
+    field<MissingUpdate, &MissingUpdate::bulletinId>("bulletin_id"),
+    field<MissingUpdate, &MissingUpdate::category>("category"),
+    field<MissingUpdate, &MissingUpdate::cveIds>("cve_id"),
+    field<MissingUpdate, &MissingUpdate::descriptionUrl>("description_url"),
+    field<MissingUpdate, &MissingUpdate::endOfLife>("end_of_life"),
+    field<MissingUpdate, &MissingUpdate::patchSpecifier>("patch_specifier"),
+    field<MissingUpdate, &MissingUpdate::productName>("product_name"),
+    field<MissingUpdate, &MissingUpdate::servicePack>("service_pack"),
+    field<MissingUpdate, &MissingUpdate::severity>("severity"),
+    field<MissingUpdate, &MissingUpdate::updateId>("update_id"),
+    field<MissingUpdate, &MissingUpdate::updateName>("update_name"),
+    field<MissingUpdate, &MissingUpdate::userFriendlyUpdateName>("user_friendly_update_name"),
+    field<MissingUpdate, &MissingUpdate::vendor>("vendor"),
 };
 
 template <>
 constexpr Field fields<ListedUpdate>[] = {
-    readOnly<&MissingUpdate::bulletinId>("bulletin_id"),
-    readOnly<&MissingUpdate::category>("category"),
-    dropped<std::vector<std::wstring>>("cve_id"),
-    dropped<std::wstring>("description_url"),
-    dropped<std::wstring>("end_of_life"),
-    readOnly<&MissingUpdate::patchSpecifier>("patch_specifier"),
-    readOnly<&MissingUpdate::productName>("product_name"),
-    readOnly<&MissingUpdate::servicePack>("service_pack"),
-    readOnly<&MissingUpdate::severity>("severity"),
-    dropped<std::wstring>("update_id"),
-    readOnly<&MissingUpdate::updateName>("update_name"),
-    dropped<std::wstring>("user_friendly_update_name"),
-    dropped<std::wstring>("vendor"),
+    readOnly<ListedUpdate, &ListedUpdate::bulletinId>("bulletin_id"),
+    readOnly<ListedUpdate, &ListedUpdate::category>("category"),
+    dropped<ListedUpdate, &MissingUpdate::cveIds>("cve_id"),
+    dropped<ListedUpdate, &MissingUpdate::descriptionUrl>("description_url"),
+    dropped<ListedUpdate, &MissingUpdate::endOfLife>("end_of_life"),
+    readOnly<ListedUpdate, &ListedUpdate::patchSpecifier>("patch_specifier"),
+    readOnly<ListedUpdate, &ListedUpdate::productName>("product_name"),
+    readOnly<ListedUpdate, &ListedUpdate::servicePack>("service_pack"),
+    readOnly<ListedUpdate, &ListedUpdate::severity>("severity"),
+    dropped<ListedUpdate, &MissingUpdate::updateId>("update_id"),
+    readOnly<ListedUpdate, &ListedUpdate::updateName>("update_name"),
+    dropped<ListedUpdate, &MissingUpdate::userFriendlyUpdateName>("user_friendly_update_name"),
+    dropped<ListedUpdate, &MissingUpdate::vendor>("vendor"),
 };
 
 template <>
 constexpr Field fields<InstallationLogEntry>[] = {
-    readOnly<&InstallationLogEntry::bulletinId>("bulletin_id"),
-    readOnly<&InstallationLogEntry::installationResult>("installation_result"),
-    readOnly<&InstallationLogEntry::installationTime>("installation_time"),
-    readOnly<&InstallationLogEntry::patchSpecifier>("patch_specifier"),
-    readOnly<&InstallationLogEntry::productName>("product_name"),
-    readOnly<&InstallationLogEntry::servicePack>("service_pack"),
-    readOnly<&InstallationLogEntry::status>("status"),
-    readOnly<&InstallationLogEntry::updateId>("update_id"),
-    readOnly<&InstallationLogEntry::updateName>("update_name"),
+    readOnly<InstallationLogEntry, &InstallationLogEntry::bulletinId>("bulletin_id"),
+    readOnly<InstallationLogEntry, &InstallationLogEntry::installationResult>("installation_result"),
+    readOnly<InstallationLogEntry, &InstallationLogEntry::installationTime>("installation_time"),
+    readOnly<InstallationLogEntry, &InstallationLogEntry::patchSpecifier>("patch_specifier"),
+    readOnly<InstallationLogEntry, &InstallationLogEntry::productName>("product_name"),
+    readOnly<InstallationLogEntry, &InstallationLogEntry::servicePack>("service_pack"),
+    readOnly<InstallationLogEntry, &InstallationLogEntry::status>("status"),
+    readOnly<InstallationLogEntry, &InstallationLogEntry::updateId>("update_id"),
+    readOnly<InstallationLogEntry, &InstallationLogEntry::updateName>("update_name"),
 };
 
 template <>
 constexpr Field fields<LoggedState>[] = {
-    dropped<std::wstring>("bulletin_id"),
-    dropped<InstallationResultItem>("installation_result"),
-    dropped<std::int64_t>("installation_time"),
-    dropped<PatchSpecifier>("patch_specifier"),
-    dropped<std::wstring>("product_name"),
-    dropped<std::wstring>("service_pack"),
-    readOnly<&LoggedState::status>("status"),
-    readOnly<&LoggedState::updateId>("update_id"),
-    dropped<std::wstring>("update_name"),
+    dropped<LoggedState, &InstallationLogEntry::bulletinId>("bulletin_id"),
+    dropped<LoggedState, &InstallationLogEntry::installationResult>("installation_result"),
+    dropped<LoggedState, &InstallationLogEntry::installationTime>("installation_time"),
+    dropped<LoggedState, &InstallationLogEntry::patchSpecifier>("patch_specifier"),
+    dropped<LoggedState, &InstallationLogEntry::productName>("product_name"),
+    dropped<LoggedState, &InstallationLogEntry::servicePack>("service_pack"),
+    readOnly<LoggedState, &LoggedState::status>("status"),
+    readOnly<LoggedState, &LoggedState::updateId>("update_id"),
+    dropped<LoggedState, &InstallationLogEntry::updateName>("update_name"),
 };
 
 template <typename Record>
@@ -140,13 +143,6 @@ json toJson(const MissingUpdate& update)
 json toJson(const PatchStatus& status)
 {
     return writeRecord(status);
-}
-
-json toJson(const PatchToInstall& patch)
-{
-    json object = writeRecord<MissingUpdate>(patch);
-    object["status"] = write(patch.status);
-    return object;
 }
 
 template <typename Record>

@@ -30,56 +30,48 @@ struct PatchStatus {
 /// One element of the deployment queue.
 struct DeploymentItem {
     std::wstring operationId; ///< decimal milliseconds since the Unix epoch of the moment of queueing
-    std::wstring updateId;    ///< despite its name the whole operation descriptor
+    std::wstring descriptor;  ///< what to install; its JSON key is "update_id", whatever it names
 };
 
-struct MissingUpdate {
+/// What identifies a missing update and what filters match. Read out of the whole record, with the same checks.
+struct ListedUpdate {
     PatchSpecifier patchSpecifier;
-    std::wstring updateId;
     std::wstring bulletinId;
     std::wstring productName;
     std::wstring servicePack;
     std::wstring updateName;
-    std::wstring endOfLife;
     std::int64_t severity = 0; ///< 1 critical, 2 important
     std::int64_t category = 0;
+};
+
+struct MissingUpdate : ListedUpdate {
+    std::wstring updateId;
+    std::wstring endOfLife;
     std::wstring vendor;
     std::wstring userFriendlyUpdateName;
     std::vector<std::wstring> cveIds;
     std::wstring descriptionUrl;
 };
 
-/// A MissingUpdate without the members that neither identify a patch nor are matched by filters: they stay empty.
-/// Read with the same checks as the whole.
-struct ListedUpdate : MissingUpdate {};
-
-/// A patch that is about to be installed or being installed, as published.
-struct PatchToInstall : MissingUpdate {
+/// What the publisher needs of an entry in the installation log. Read out of the whole record, with the same checks.
+struct LoggedState {
+    std::wstring updateId;
     PatchStatus status;
 };
 
-struct InstallationLogEntry {
+struct InstallationLogEntry : LoggedState {
     PatchSpecifier patchSpecifier;
-    std::wstring updateId;
     std::int64_t installationTime = 0; ///< in the agent's unit
     std::wstring bulletinId;
     std::wstring productName;
     std::wstring servicePack;
     std::wstring updateName;
     InstallationResultItem installationResult{};
-    PatchStatus status;
-};
-
-/// What the publisher needs of an InstallationLogEntry. Read with the same checks as the whole.
-struct LoggedState {
-    std::wstring updateId;
-    PatchStatus status;
 };
 
 nlohmann::json toJson(const DeploymentItem& item);
 nlohmann::json toJson(const MissingUpdate& update);
 nlohmann::json toJson(const PatchStatus& status);
-nlohmann::json toJson(const PatchToInstall& patch);
 
 /// Reads one record: DeploymentItem, MissingUpdate or InstallationLogEntry.
 template <typename Record>

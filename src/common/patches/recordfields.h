@@ -5,6 +5,7 @@
 #include <nlohmann/json.hpp>
 #include <span>
 #include <string_view>
+#include <type_traits>
 
 namespace vx::tarn::common::details {
 
@@ -56,29 +57,31 @@ bool check<std::vector<std::wstring>>(const json& value);
 template <>
 bool check<PatchSpecifier>(const json& value);
 
-template <typename Record, typename Value>
-Record recordOf(Value Record::*);
-
-template <auto member>
+template <typename Record, auto member>
 constexpr Field readOnly(std::string_view key)
 {
-    using Record = decltype(recordOf(member));
     return {key, [](const json& value, void* record) { return read(value, static_cast<Record*>(record)->*member); }};
 }
 
-template <typename Value>
-constexpr Field dropped(std::string_view key)
-{
-    return {key, [](const json& value, void*) { return check<Value>(value); }};
-}
-
-template <auto member>
+template <typename Record, auto member>
 constexpr Field field(std::string_view key)
 {
-    using Record = decltype(recordOf(member));
-    Field both = readOnly<member>(key);
+    Field both = readOnly<Record, member>(key);
     both.write = [](const void* record) { return write(static_cast<const Record*>(record)->*member); };
     return both;
+}
+
+template <typename Record, typename Value>
+Record declarerOf(Value Record::*);
+template <typename Record, typename Value>
+Value valueOf(Value Record::*);
+
+/// A member of the whole record that `Kept`, a part of it, does without.
+template <typename Kept, auto member>
+constexpr Field dropped(std::string_view key)
+{
+    static_assert(!std::is_base_of_v<decltype(declarerOf(member)), Kept>, "the record keeps this member");
+    return {key, [](const json& value, void*) { return check<decltype(valueOf(member))>(value); }};
 }
 
 } // namespace vx::tarn::common::details

@@ -48,7 +48,7 @@ std::wstring deriveUpdateId(const std::wstring& bulletinId, const std::wstring& 
     return id;
 }
 
-std::wstring deriveUpdateId(const PatchInfo& patch)
+std::wstring deriveUpdateId(const ListedPatch& patch)
 {
     return deriveUpdateId(patch.bulletinId, patch.productName, patch.servicePack, patch.updateName);
 }

@@ -89,7 +89,7 @@ std::vector<CurrentOperations::MissingPatch> CurrentOperations::getMissingUpdate
         // Most are, and building them anew would cost more than all the rest of a pass.
         if (isCut || !isAsWritten)
             element = toJson(toMissingUpdate(PatchInfo(fromJson<MissingUpdate>(element)), {}));
-        PatchInfo patch(std::move(update));
+        ListedPatch patch(std::move(update));
         std::wstring updateId = deriveUpdateId(patch); // while its texts are in the processor's cache
         patches.push_back({std::move(patch), std::move(updateId)});
     });
@@ -103,7 +103,7 @@ std::vector<OperationInfo> CurrentOperations::getApplicableFilters(
     std::vector<OperationInfo> filters;
     filters.reserve(deploymentItems.size());
     for (const DeploymentItem& item : deploymentItems)
-        filters.emplace_back(item.updateId);
+        filters.emplace_back(item.descriptor);
     return filters;
 }
 

@@ -38,7 +38,7 @@ private:
     using LogIndex = std::unordered_map<std::wstring_view, const common::LoggedState*>;
 
     struct MissingPatch {
-        common::PatchInfo patch;
+        common::ListedPatch patch;
         std::wstring updateId;
     };
 
