@@ -1,20 +1,18 @@
 #include "tarnhd/handler/tarnhandler.h"
 
+#include "tarnhd/handler/deploymentwatcher.h"
+#include "tarnhd/handler/firstrun.h"
 #include "tarnhd/handler/schedulerthread.h"
 
 #include "common/deploymentqueue/ideploymentqueue.h"
 #include "common/event/event.h"
 #include "common/factory/commonfactory.h"
-#include "common/globalatom/iglobalatom.h"
-#include "common/patchstorage/ipatchstorage.h"
 #include "common/settings/hostsettings.h"
 #include "common/settings/tarnpatchsettings.h"
 #include "common/settings/tarnpatchstatus.h"
 #include "common/updaterlauncher/iupdaterlauncher.h"
 #include "meridia-settings/qrlmeridiaerror.h"
 #include "tarnhd/actions/scanifexpired.h"
-#include "tarnhd/actions/startupautoscan.h"
-#include "tarnhd/actions/startupdeploywatchdog.h"
 #include "tarnhd/actionscheduler/actionscheduler.h"
 #include "tarnhd/currentoperations/currentoperations.h"
 #include "tarnhd/factory/tarnhdfactory.h"
@@ -22,6 +20,7 @@
 #include "tarnhd/subscriptions/subscriptions.h"
 #include "tarnhd/threads/joinedthread.h"
 #include "vxtl/guarded.h"
+#include "vxtl/scopeexit.h"
 
 #include <optional>
 #include <windows.h>
@@ -36,9 +35,7 @@ namespace {
 
 constexpr auto storeRetryPause = 500ms;
 constexpr auto profilePollPause = 100ms;
-constexpr auto deploymentPollPause = 1s;
 constexpr std::chrono::minutes shortestPollingInterval(1);
-constexpr wchar_t postRebootAtom[] = L"Global\\PostRebootATOM{894D1810-89A9-4363-A8C5-9F429B518809}";
 
 // A failure leaves a handle that is none; run looks at it.
 std::shared_ptr<common::Event> makeEvent()
@@ -116,21 +113,9 @@ void TarnHandler::run()
 
 void TarnHandler::process()
 {
-    struct ManagerStop {
-        TarnHandler& handler;
-        ~ManagerStop() { handler.stopManager(); }
-    };
-    struct EventSetter {
-        common::Event& event;
-        ~EventSetter()
-        {
-            guarded([this] { event.set(); });
-        }
-    };
-
-    processFirstRun();
+    FirstRun(*m_commonFactory, *m_tarnpatchSettings, *m_tarnpatchStatus, *m_actionScheduler).process();
     // Outlives the subscriptions: a change handler may start the manager until the last one is gone.
-    const ManagerStop managerStop{*this};
+    const ScopeExit managerStop([this] { stopManager(); });
     const auto subscriptions = subscribeToChanges();
     updateEnabledStatus();
     const std::chrono::milliseconds period = pollingPeriod();
@@ -139,9 +124,12 @@ void TarnHandler::process()
     {
         std::optional<JoinedThread> watcher; // joined last
         const SchedulerThread actions(*m_actionScheduler, period);
-        watcher.emplace([this] { waitPostRebootDeployCompleted(); });
+        watcher.emplace([this] {
+            DeploymentWatcher(*m_commonFactory, *m_tarnpatchSettings, *m_manager, *m_updaterLauncher, *m_stopEvent)
+                .waitPostRebootDeployCompleted();
+        });
         // A way out that is no stop must end the threads too.
-        const EventSetter end{*m_stopEvent};
+        const ScopeExit end([this] { m_stopEvent->set(); });
         m_running = true;
         waitForEvents();
     }
@@ -177,28 +165,6 @@ bool TarnHandler::waitForProfile()
     return false;
 }
 
-void TarnHandler::processFirstRun()
-{
-    VX_LOG_SCOPE();
-    const auto atom = m_commonFactory->createGlobalAtom(postRebootAtom);
-    if (atom->exists())
-        return;
-    LogStream(Level::Info) << "It's a first run after reboot.";
-    const auto& lastInstallation = m_tarnpatchStatus->installation.lastInstallation;
-    lastInstallation.setRestartComputerNeeded(false);
-    const auto watchdog = std::make_shared<StartupDeployWatchdog>(m_commonFactory.get(), m_tarnpatchSettings.get());
-    m_actionScheduler->runOnce(watchdog, watchdog->getDelay());
-    if (lastInstallation.restartComputerNeeded() ||
-        m_tarnpatchSettings->scanning.automatic.scanningOnSystemStartup.enabled()) {
-        LogStream(Level::Info) << "Scan on startup";
-        const auto scan = std::make_shared<StartupAutoScan>(m_commonFactory.get(), m_tarnpatchSettings.get());
-        m_actionScheduler->runOnce(scan, scan->getDelay());
-    } else {
-        LogStream(Level::Info) << "Scan on startup is not enabled.";
-    }
-    atom->create();
-}
-
 void TarnHandler::waitForEvents()
 {
     // The order decides when both are set: what has changed is published before the stop is seen.
@@ -212,37 +178,6 @@ void TarnHandler::publishStatus()
 {
     guarded("Failed to publish the current operations: ", [this] { m_currentOperations->update(); });
     m_statusChangedEvent->reset();
-}
-
-void TarnHandler::waitPostRebootDeployCompleted()
-{
-    VX_LOG_SCOPE();
-    const auto storage = m_commonFactory->createPatchStorage();
-    bool completed = false;
-    while (!completed) {
-        if (waitForStop(deploymentPollPause)) {
-            LogStream(Level::Info) << "waitPostRebootDeployCompleted: Stop event has been signaled";
-            return;
-        }
-        guarded("Failed to complete a deployment: ", [&] { completed = completeFinishedDeployment(*storage); });
-    }
-}
-
-bool TarnHandler::completeFinishedDeployment(common::IPatchStorage& storage)
-{
-    if (!storage.isInstallationFinished() || !storage.hasPatchStates())
-        return false;
-    LogStream(Level::Info) << "waitPostRebootDeployCompleted: Found that installation has been finished.";
-    if (m_manager->isAgentRunning()) {
-        LogStream(Level::Info) << "waitPostRebootDeployCompleted: Agent is already running. Waiting for be finished.";
-        return false;
-    }
-    m_tarnpatchSettings->installation.completion.setWait(false);
-    m_tarnpatchSettings->installation.setInProgress(false);
-    m_manager->update();
-    m_manager->setArguments(L"-c complete");
-    m_updaterLauncher->startScan();
-    return true;
 }
 
 bool TarnHandler::waitForStop(std::chrono::milliseconds timeout) const

@@ -15,7 +15,6 @@ namespace vx::tarn::common {
 class CommonFactory;
 class Event;
 class IDeploymentQueue;
-class IPatchStorage;
 class IUpdaterLauncher;
 } // namespace vx::tarn::common
 
@@ -61,14 +60,8 @@ private:
     bool hasProfile() const;
     std::chrono::milliseconds pollingPeriod() const;
     void process();
-    /// What is due once after a boot.
-    void processFirstRun();
     void waitForEvents();
     void publishStatus();
-    /// Body of the thread that looks for a deployment which went on across a reboot and has finished.
-    void waitPostRebootDeployCompleted();
-    /// False when it is too early: no finished deployment, or an agent runs.
-    bool completeFinishedDeployment(common::IPatchStorage& storage);
     /// Sleeps; true as soon as the stop event is set.
     bool waitForStop(std::chrono::milliseconds timeout) const;
     void stopManager() noexcept;
