@@ -38,10 +38,19 @@ void LateLibrary::call(const char* name) const
     reinterpret_cast<void(VX_CDECL*)()>(find(name))();
 }
 
-LateLibrary LateBinder::load(const std::string& name)
-{
-    return LateLibrary(*m_bootstrap.m_loader, m_bootstrap.load(m_context, name), name);
-}
+class Bootstrap::Binder final : public LateBinder {
+public:
+    Binder(Bootstrap& bootstrap, const LoadContext& context) : m_bootstrap(bootstrap), m_context(context) {}
+
+    LateLibrary load(const std::string& name) override
+    {
+        return LateLibrary(*m_bootstrap.m_loader, m_bootstrap.load(m_context, name), name);
+    }
+
+private:
+    Bootstrap& m_bootstrap;
+    const LoadContext& m_context;
+};
 
 Module Bootstrap::load(const LoadContext& context, const std::string& name)
 {
@@ -63,7 +72,7 @@ LoadStatus Bootstrap::initialize(const LoadContext& context, const Initializer& 
     try {
         if (!initializer)
             throw LateLoadFailure{LoadStatus::Other, {}, {}};
-        LateBinder binder(*this, context);
+        Binder binder(*this, context);
         initializer(binder);
     } catch (const LateLoadFailure& failure) {
         record.status = failure.status;

@@ -11,12 +11,15 @@
 
 namespace vx::delayload {
 
-class Bootstrap;
-
 /// A library found at run time, for the initialiser that binds its functions. A function that the library lacks
 /// ends the bootstrap with status FunctionNotFound and both names.
 class LateLibrary {
 public:
+    /// `loader` is borrowed.
+    LateLibrary(ILoader& loader, Module module, std::string name)
+        : m_loader(loader), m_module(module), m_name(std::move(name))
+    {}
+
     /// Fills one pointer of a typed table. The type is the caller's promise.
     template <typename Function>
     void bind(Function*& target, const char* name) const
@@ -27,10 +30,6 @@ public:
     void call(const char* name) const;
 
 private:
-    friend class LateBinder;
-    LateLibrary(ILoader& loader, Module module, std::string name)
-        : m_loader(loader), m_module(module), m_name(std::move(name))
-    {}
     void* find(const char* name) const;
 
     ILoader& m_loader;
@@ -43,14 +42,10 @@ class LateBinder {
 public:
     /// Finds a library, or has it from an earlier bootstrap. A library that is nowhere ends the bootstrap with
     /// status ModuleNotFound and its name, an empty name with status Other.
-    LateLibrary load(const std::string& name);
+    virtual LateLibrary load(const std::string& name) = 0;
 
-private:
-    friend class Bootstrap;
-    LateBinder(Bootstrap& bootstrap, const LoadContext& context) : m_bootstrap(bootstrap), m_context(context) {}
-
-    Bootstrap& m_bootstrap;
-    const LoadContext& m_context;
+protected:
+    ~LateBinder() = default;
 };
 
 /// Loads a library, calls its own initialiser and binds the functions that the program uses.
@@ -68,7 +63,7 @@ public:
     LoadStatus initialize(const LoadContext& context, const Initializer& initializer, LoadResult& result);
 
 private:
-    friend class LateBinder;
+    class Binder;
     Module load(const LoadContext& context, const std::string& name);
 
     std::shared_ptr<ILoader> m_loader;
