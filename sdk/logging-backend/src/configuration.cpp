@@ -6,20 +6,20 @@ namespace VxQrlLogging {
 
 namespace {
 
-constexpr unsigned long absent = 0xFFFFFFFF;
-
 std::shared_ptr<HKEY__> own(HKEY key)
 {
     return {key, RegCloseKey};
 }
 
-unsigned long readNumber(HKEY key, const wchar_t* value, unsigned long fallback)
+std::optional<unsigned long> readNumber(HKEY key, const wchar_t* value)
 {
     DWORD number = 0;
     DWORD type = REG_NONE;
     DWORD size = sizeof number;
     const LSTATUS status = RegQueryValueExW(key, value, nullptr, &type, reinterpret_cast<BYTE*>(&number), &size);
-    return status == ERROR_SUCCESS && type == REG_DWORD && size == sizeof number ? number : fallback;
+    if (status == ERROR_SUCCESS && type == REG_DWORD && size == sizeof number)
+        return number;
+    return std::nullopt;
 }
 
 } // namespace
@@ -62,12 +62,13 @@ Configuration::Configuration(const std::wstring& name1, const std::wstring& name
     }
 }
 
-unsigned long Configuration::number(const wchar_t* value, unsigned long fallback) const
+std::optional<unsigned long> Configuration::number(const wchar_t* value) const
 {
-    for (std::size_t i = m_keys.size(); i-- > 1;)
-        if (const unsigned long number = readNumber(m_keys[i].get(), value, absent); number != absent)
+    constexpr unsigned long handedOn = 0xFFFFFFFF;
+    for (std::size_t i = m_keys.size(); i-- > 0;)
+        if (const auto number = readNumber(m_keys[i].get(), value); number && (*number != handedOn || i == 0))
             return number;
-    return m_keys.empty() ? fallback : readNumber(m_keys[0].get(), value, fallback);
+    return std::nullopt;
 }
 
 } // namespace VxQrlLogging

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -15,13 +16,14 @@ inline constexpr const wchar_t* loggingKey = L"SOFTWARE\\Vantorix\\QRL\\Logging"
 std::wstring registryText(HKEY__* hive, const wchar_t* key, unsigned long access, const wchar_t* value);
 
 /// The numeric configuration of one log file: a value stands at the key of the file (name1 and name2), of
-/// the program (name1) or of all logs, and the nearest wins. The keys are open for the object's life.
+/// the program (name1) or of all logs, and the nearest wins; 0xFFFFFFFF leaves it to the next. The keys are open for
+/// the object's life.
 class Configuration {
 public:
     Configuration(const std::wstring& name1, const std::wstring& name2);
 
     /// Values of other types count as absent.
-    unsigned long number(const wchar_t* value, unsigned long fallback) const;
+    std::optional<unsigned long> number(const wchar_t* value) const;
 
 private:
     std::vector<std::shared_ptr<HKEY__>> m_keys; ///< of all logs, the program, the file; as many as there are

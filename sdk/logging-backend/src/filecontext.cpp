@@ -38,8 +38,10 @@ bool FileContext::open()
     // Set first: a failure below leaves a log without a file, not one that tries again at each record.
     m_initialised = true;
     const Configuration configuration(m_name1, m_name2);
-    m_rotateCount = std::min<unsigned>(configuration.number(L"LogRotateCount", 2), mostRotatedFiles);
-    m_maxSize = std::max<unsigned>(configuration.number(L"LogMaxSizeKB", 100) * 1024, smallestMaxSize);
+    m_rotateCount = std::min<unsigned>(configuration.number(L"LogRotateCount").value_or(2), mostRotatedFiles);
+    m_maxSize = std::max<unsigned>(configuration.number(L"LogMaxSizeKB").value_or(100) * 1024, smallestMaxSize);
+    m_logLevel = configuration.number(L"LogLevel");
+    m_debugOutput = configuration.number(L"DebugOutputLogging").value_or(0) != 0;
     try {
         place();
     } catch (...) {
@@ -106,12 +108,12 @@ void FileContext::flush()
 
 int FileContext::logLevel(int fallback) const
 {
-    return static_cast<int>(Configuration(m_name1, m_name2).number(L"LogLevel", static_cast<unsigned long>(fallback)));
+    return m_logLevel ? static_cast<int>(*m_logLevel) : fallback;
 }
 
 bool FileContext::debugOutputEnabled() const
 {
-    return Configuration(m_name1, m_name2).number(L"DebugOutputLogging", 0) != 0;
+    return m_debugOutput;
 }
 
 bool FileContext::hasRoom() const

@@ -3,6 +3,7 @@
 #include "filesystem.h"
 
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -31,6 +32,7 @@ public:
     /// Appends the text as it is, rotating before when the file is full.
     virtual void write(std::wstring_view line);
     virtual void flush();
+    /// These two as configured when it was opened.
     virtual int logLevel(int fallback) const;
     virtual bool debugOutputEnabled() const;
     /// Leaves the file open with room for a record; the mutex is held.
@@ -58,6 +60,8 @@ private:
     std::wstring m_fileBase;  ///< directory and stem
     unsigned m_maxSize = 100; ///< bytes
     unsigned m_rotateCount = 2;
+    std::optional<unsigned long> m_logLevel;
+    bool m_debugOutput = false;
     FileSystem::SecurityAttributesPointer m_securityAttributes;
     std::unique_ptr<FileSystem::File> m_file;
     std::vector<std::wstring> m_names; ///< fileName() of each index in use
