@@ -83,7 +83,7 @@ void Deployer::walkThrough(const Patches& patches, const DeployScript& script) c
         const bool last = i + 1 == script.states.size();
         m_log.record(patches, {state, vx::str::fromUtf8(script.code)},
             last && !script.result.empty() ? script.result : suggestedResult(state));
-        say("now " + toUtf8(toText(state)));
+        say("now " + vx::toText(state));
         for (const auto& pause : script.pauses)
             if (pause.at == state)
                 pass(pause.gate);

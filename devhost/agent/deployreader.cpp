@@ -3,7 +3,6 @@
 #include "agent/agentscript.h"
 #include "agent/patchstates.h"
 #include "agent/scriptmember.h"
-#include "vxtl/str.h"
 
 #include <algorithm>
 #include <nlohmann/json.hpp>
@@ -16,21 +15,16 @@ using vx::tarn::ValueItem;
 
 ValueItem readState(const Member& member)
 {
-    try {
-        return vx::tarn::toValueItem(vx::str::fromUtf8(readText(member)));
-    } catch (const std::invalid_argument&) {
-        member.mustBe("the state of a patch");
-    }
+    if (const auto state = vx::findText<ValueItem>(readText(member)))
+        return *state;
+    member.mustBe("the state of a patch");
 }
 
 std::string readResult(const Member& member)
 {
     auto text = readText(member);
-    try {
-        vx::tarn::toInstallationResultItem(vx::str::fromUtf8(text));
-    } catch (const std::invalid_argument&) {
+    if (!vx::findText<vx::tarn::InstallationResultItem>(text))
         member.mustBe("the result of an installation");
-    }
     return text;
 }
 
@@ -92,7 +86,7 @@ void complete(DeployScript& script, const std::string& place)
         throw ScriptError(place + ".states must end in a state that waits for a reboot");
     for (const auto& pause : script.pauses)
         if (std::ranges::find(script.states, pause.at) == script.states.end())
-            throw ScriptError(place + ".pauses: " + vx::str::toUtf8(toText(pause.at)) + " is none of the states");
+            throw ScriptError(place + ".pauses: " + vx::toText(pause.at) + " is none of the states");
 }
 
 } // namespace

@@ -26,7 +26,7 @@ json toEntry(const common::PatchInfo& patch, const common::PatchStatus& status, 
         {"installation_time", vx::systemTicks() / vx::ticksPerSecond}, {"bulletin_id", toUtf8(patch.bulletinId)},
         {"product_name", toUtf8(patch.productName)}, {"service_pack", toUtf8(patch.servicePack)},
         {"update_name", toUtf8(patch.updateName)}, {"installation_result", result},
-        {"status", {{"value", toUtf8(toText(status.value))}, {"code", toUtf8(status.code)}}}};
+        {"status", {{"value", vx::toText(status.value)}, {"code", toUtf8(status.code)}}}};
 }
 
 bool isOf(const json& entry, const json& updateId)

@@ -7,7 +7,6 @@
 #include "vxtl/exception.h"
 #include "vxtl/str.h"
 
-#include <array>
 #include <stdexcept>
 
 namespace vx::tarn::common {
@@ -22,7 +21,6 @@ constexpr std::wstring_view importantWord = L"IMPORTANT";
 constexpr std::wstring_view allWord = L"ALL";
 constexpr std::wstring_view idWord = L"ID=";
 constexpr std::wstring_view guidWord = L"GUID=";
-constexpr std::array<std::wstring_view, 5> ruleWords{L"PRODUCT", L"BULLETIN", L"SP", L"PATCH", L"SEVERITY"};
 constexpr std::wstring_view allowUnsignedFlag = L";ALLOW_UNSIGNED";
 
 OperationScope scopeOf(std::wstring_view text)
@@ -33,8 +31,8 @@ OperationScope scopeOf(std::wstring_view text)
         return OperationScope::ByIds;
     if (text.starts_with(guidWord))
         return OperationScope::ByGuids;
-    for (const std::wstring_view word : ruleWords)
-        if (text.starts_with(word))
+    for (const EnumText& parameter : ruleParameterTexts)
+        if (text.starts_with(str::fromUtf8(parameter.text)))
             return OperationScope::ByRule;
     return OperationScope::Unknown;
 }

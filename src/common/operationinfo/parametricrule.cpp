@@ -7,8 +7,6 @@
 #include "vxtl/str.h"
 
 #include <algorithm>
-#include <array>
-#include <optional>
 #include <stdexcept>
 
 namespace vx::tarn::common {
@@ -23,15 +21,6 @@ std::vector<std::wstring> splitNonEmpty(std::wstring_view text, wchar_t separato
     std::vector<std::wstring> pieces = str::split(text, separator);
     std::erase_if(pieces, [](const std::wstring& piece) { return piece.empty(); });
     return pieces;
-}
-
-std::optional<RuleParameterType> parameterType(std::wstring_view name)
-{
-    static constexpr std::array<std::wstring_view, 5> names{L"PRODUCT", L"BULLETIN", L"SP", L"PATCH", L"SEVERITY"};
-    const auto found = std::find(names.begin(), names.end(), name);
-    if (found == names.end())
-        return std::nullopt;
-    return static_cast<RuleParameterType>(1 + (found - names.begin()));
 }
 
 bool matches(const RuleParameter& parameter, const ListedPatch& patch)
@@ -59,7 +48,7 @@ std::vector<RuleParameter> parseParametricRule(std::wstring_view rule)
             LogStream(Level::Warning) << "Failed to parse a parametric rule: " << rule;
             continue;
         }
-        const auto type = parameterType(pieces[0]);
+        const auto type = findText<RuleParameterType>(pieces[0]);
         if (!type) {
             LogStream(Level::Warning) << "Unknown rule parameter type: " << pieces[0] << ". Rule: " << rule;
             continue;

@@ -1,6 +1,7 @@
 #pragma once
 
-#include <cstdint>
+#include "vxtl/enumtext.h"
+
 #include <string>
 #include <string_view>
 #include <vector>
@@ -10,6 +11,17 @@ namespace vx::tarn::common {
 struct ListedPatch;
 
 enum class RuleParameterType : std::int32_t { Product = 1, Bulletin = 2, ServicePack = 3, Patch = 4, Severity = 5 };
+inline constexpr auto ruleParameterTexts = enumTexts<RuleParameterType>({
+    {RuleParameterType::Product, "PRODUCT"},
+    {RuleParameterType::Bulletin, "BULLETIN"},
+    {RuleParameterType::ServicePack, "SP"},
+    {RuleParameterType::Patch, "PATCH"},
+    {RuleParameterType::Severity, "SEVERITY"},
+});
+constexpr EnumTexts textsOf(RuleParameterType)
+{
+    return {"RuleParameterType", ruleParameterTexts};
+}
 
 /// One "name=value" of a rule.
 struct RuleParameter {

@@ -43,13 +43,13 @@ bool read(const json& value, std::vector<std::wstring>& target)
 
 bool read(const json& value, ValueItem& target)
 {
-    target = toValueItem(textOf(value));
+    target = fromText<ValueItem>(stringIn(value));
     return true;
 }
 
 bool read(const json& value, InstallationResultItem& target)
 {
-    target = toInstallationResultItem(textOf(value));
+    target = fromText<InstallationResultItem>(stringIn(value));
     return true;
 }
 
@@ -74,7 +74,7 @@ json write(const std::vector<std::wstring>& texts)
 
 json write(ValueItem value)
 {
-    return str::toUtf8(toText(value));
+    return toText(value);
 }
 
 bool readMembers(const json& value, std::span<const Field> fields, void* record)

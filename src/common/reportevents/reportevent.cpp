@@ -45,6 +45,23 @@ const json& member(const json& object, const char* key)
     return object.at(std::string(key));
 }
 
+// A number that has no text becomes null.
+template <typename State>
+json textOf(State state)
+{
+    const auto* row = textsOf(state).find(static_cast<std::int32_t>(state));
+    return row ? json(row->text) : json();
+}
+
+// Null and a text of no state leave `state` as it is and give false.
+template <typename State>
+bool readState(const json& value, State& state)
+{
+    const auto found = value.is_null() ? std::nullopt : findText<State>(value.get<std::string>());
+    state = found.value_or(state);
+    return found.has_value();
+}
+
 template <typename Report>
 json write(const Report& report)
 {
@@ -53,7 +70,7 @@ json write(const Report& report)
     put(object, "machineId", report.machineId);
     if constexpr (std::is_same_v<Report, PatchStateReport>)
         put(object, "patchId", report.patchId);
-    put(object, "status", toJson(report.status));
+    put(object, "status", textOf(report.status));
     put(object, "failure", report.failure);
     put(object, "terminal", report.terminal);
     put(object, "timestamp", report.timestamp);
@@ -80,7 +97,7 @@ Report readRecord(const json& value)
     report.machineId = utils::readInt64(member(value, "machineId"));
     if constexpr (std::is_same_v<Report, PatchStateReport>)
         report.patchId = utils::readInt64(member(value, "patchId"));
-    fromJson(member(value, "status"), report.status);
+    readState(member(value, "status"), report.status);
     report.failure = member(value, "failure").get<bool>();
     report.terminal = member(value, "terminal").get<bool>();
     report.timestamp = utils::readInt64(member(value, "timestamp"));
@@ -92,7 +109,7 @@ Report readRecord(const json& value)
 json toJson(const ReportEvent& event)
 {
     json::object_t object;
-    put(object, "type", toJson(event.type));
+    put(object, "type", textOf(event.type));
     if (isOnline(event.type))
         put(object, "trackingUri", str::toUtf8(event.trackingUri));
     if (hasRecord(event.type))
@@ -107,7 +124,7 @@ json toJson(const ReportEvent& event)
 ReportEvent reportEventFromJson(const json& value)
 {
     ReportEvent event;
-    if (!fromJson(member(value, "type"), event.type))
+    if (!readState(member(value, "type"), event.type))
         return event;
     if (isOnline(event.type))
         event.trackingUri = str::fromUtf8(member(value, "trackingUri").get<std::string>());

@@ -1,7 +1,6 @@
 #pragma once
 
-#include <cstdint>
-#include <nlohmann/json_fwd.hpp>
+#include "vxtl/enumtext.h"
 
 namespace vx::tarn::common {
 
@@ -17,6 +16,21 @@ enum class ReportEventType : std::int32_t {
     OnlineMachineStatusReturnCode = 7,
     ExternalRebootRequest = 8
 };
+inline constexpr auto reportEventTypeTexts = enumTexts<ReportEventType>({
+    {ReportEventType::OfflinePatchStatus, "Type::OfflinePatchStatus"},
+    {ReportEventType::OfflinePatchStatusReturnCode, "Type::OfflinePatchStatusReturnCode"},
+    {ReportEventType::OfflineMachineStatus, "Type::OfflineMachineStatus"},
+    {ReportEventType::OfflineMachineStatusReturnCode, "Type::OfflineMachineStatusReturnCode"},
+    {ReportEventType::OnlinePatchStatus, "Type::OnlinePatchStatus"},
+    {ReportEventType::OnlinePatchStatusReturnCode, "Type::OnlinePatchStatusReturnCode"},
+    {ReportEventType::OnlineMachineStatus, "Type::OnlineMachineStatus"},
+    {ReportEventType::OnlineMachineStatusReturnCode, "Type::OnlineMachineStatusReturnCode"},
+    {ReportEventType::ExternalRebootRequest, "Type::ExternalRebootRequest"},
+});
+constexpr EnumTexts textsOf(ReportEventType)
+{
+    return {"ReportEventType", reportEventTypeTexts};
+}
 
 enum class MachineStateTarget : std::int32_t {
     Failed = 1,
@@ -30,6 +44,22 @@ enum class MachineStateTarget : std::int32_t {
     Installing = 43,
     Finished = 99
 };
+inline constexpr auto machineStateTargetTexts = enumTexts<MachineStateTarget>({
+    {MachineStateTarget::Failed, "MachineStateTarget::Failed"},
+    {MachineStateTarget::Canceled, "MachineStateTarget::Canceled"},
+    {MachineStateTarget::SafeRebootPending, "MachineStateTarget::SafeRebootPending"},
+    {MachineStateTarget::ExternalRebootRequested, "MachineStateTarget::ExternalRebootRequested"},
+    {MachineStateTarget::Rebooted, "MachineStateTarget::Rebooted"},
+    {MachineStateTarget::DownloadingFiles, "MachineStateTarget::DownloadingFiles"},
+    {MachineStateTarget::FileDownloadsComplete, "MachineStateTarget::FileDownloadsComplete"},
+    {MachineStateTarget::FileDownloadsFailed, "MachineStateTarget::FileDownloadsFailed"},
+    {MachineStateTarget::Installing, "MachineStateTarget::Installing"},
+    {MachineStateTarget::Finished, "MachineStateTarget::Finished"},
+});
+constexpr EnumTexts textsOf(MachineStateTarget)
+{
+    return {"MachineStateTarget", machineStateTargetTexts};
+}
 
 enum class PatchStateTarget : std::int32_t {
     Failed = 1,
@@ -47,16 +77,25 @@ enum class PatchStateTarget : std::int32_t {
     FileValidationFailed = 192,
     FileIsMissing = 193
 };
-
-// A number that is in no table becomes JSON null.
-nlohmann::json toJson(ReportEventType value);
-nlohmann::json toJson(MachineStateTarget value);
-nlohmann::json toJson(PatchStateTarget value);
-
-// Null and a text that is in no table leave `target` as it is and give false; another value that is no string throws
-// type error 302.
-bool fromJson(const nlohmann::json& value, ReportEventType& target);
-bool fromJson(const nlohmann::json& value, MachineStateTarget& target);
-bool fromJson(const nlohmann::json& value, PatchStateTarget& target);
+inline constexpr auto patchStateTargetTexts = enumTexts<PatchStateTarget>({
+    {PatchStateTarget::Failed, "PatchStateTarget::Failed"},
+    {PatchStateTarget::Executing, "PatchStateTarget::Executing"},
+    {PatchStateTarget::Executed, "PatchStateTarget::Executed"},
+    {PatchStateTarget::PendingReboot, "PatchStateTarget::PendingReboot"},
+    {PatchStateTarget::Canceled, "PatchStateTarget::Canceled"},
+    {PatchStateTarget::FileDownloading, "PatchStateTarget::FileDownloading"},
+    {PatchStateTarget::FileDownloadFailed, "PatchStateTarget::FileDownloadFailed"},
+    {PatchStateTarget::FileDownloadCompleted, "PatchStateTarget::FileDownloadCompleted"},
+    {PatchStateTarget::Finished, "PatchStateTarget::Finished"},
+    {PatchStateTarget::Uninstalled, "PatchStateTarget::Uninstalled"},
+    {PatchStateTarget::PendingPostBootActions, "PatchStateTarget::PendingPostBootActions"},
+    {PatchStateTarget::LanguageDownloadNotAvailable, "PatchStateTarget::LanguageDownloadNotAvailable"},
+    {PatchStateTarget::FileValidationFailed, "PatchStateTarget::FileValidationFailed"},
+    {PatchStateTarget::FileIsMissing, "PatchStateTarget::FileIsMissing"},
+});
+constexpr EnumTexts textsOf(PatchStateTarget)
+{
+    return {"PatchStateTarget", patchStateTargetTexts};
+}
 
 } // namespace vx::tarn::common

@@ -6,12 +6,12 @@ namespace vx::tarn {
 
 ModeItem AutomaticInstallationSettings::mode() const
 {
-    return toModeItem(readString(L"windows.tarnpatch.installation.automatic.mode", L"disable"));
+    return fromText<ModeItem>(readString(L"windows.tarnpatch.installation.automatic.mode", L"disable"));
 }
 
 FrequencyItem AutomaticInstallationSettings::frequency() const
 {
-    return toFrequencyItem(readString(L"windows.tarnpatch.installation.automatic.frequency", L"every_day"));
+    return fromText<FrequencyItem>(readString(L"windows.tarnpatch.installation.automatic.frequency", L"every_day"));
 }
 
 std::int32_t AutomaticInstallationSettings::hour() const
@@ -26,7 +26,8 @@ bool RebootSettings::askUser() const
 
 ShowFlyerPolicyItem RebootSettings::showFlyerPolicy() const
 {
-    return toShowFlyerPolicyItem(readString(L"windows.tarnpatch.installation.reboot.show_flyer_policy", L"all_users"));
+    return fromText<ShowFlyerPolicyItem>(
+        readString(L"windows.tarnpatch.installation.reboot.show_flyer_policy", L"all_users"));
 }
 
 std::chrono::seconds RebootSettings::forceInSeconds() const

@@ -1,5 +1,7 @@
 #include "common/settings/remoteoperationssettings.h"
 
+#include "vxtl/str.h"
+
 namespace vx::tarn {
 
 std::int64_t RemoteScanSettings::start() const
@@ -34,7 +36,7 @@ void RemoteInstallationSettings::setAck(std::int64_t value) const
 
 void RemoteInstallationSettings::setResult(ResultItem value) const
 {
-    store().setStringValue(L"windows.tarnpatch.remote_operations.install_updates.result", toText(value));
+    store().setStringValue(L"windows.tarnpatch.remote_operations.install_updates.result", str::fromUtf8(toText(value)));
 }
 
 std::wstring RemoteInstallationSettings::updatesToInstall() const

@@ -6,7 +6,7 @@ namespace vx::tarn {
 
 UseHttpProxyItem CommunicationSettings::useHttpProxy() const
 {
-    return toUseHttpProxyItem(
+    return fromText<UseHttpProxyItem>(
         readString(L"windows.tarnpatch.communication.use_http_proxy", L"from_product_configuration"));
 }
 
