@@ -6,7 +6,6 @@
 #include "common/deploymentqueue/ideploymentqueue.h"
 #include "common/operationinfo/operationinfo.h"
 #include "common/patches/updateid.h"
-#include "keys/keycatalogue.h"
 #include "settings-api/settings.h"
 #include "vxtl/clock.h"
 #include "vxtl/str.h"
@@ -94,13 +93,13 @@ void Deployer::walkThrough(const Patches& patches, const DeployScript& script) c
 void Deployer::leaveForReboot(ValueItem state) const
 {
     SuspendedDeployment(m_storage).suspend(m_handled, state);
-    m_tarnpatchStatus.installation.lastInstallation.setRestartComputerNeeded(true);
-    m_tarnpatchSettings.installation.setInProgress(true);
+    m_tarnpatchStatus.installation.lastInstallation.restartComputerNeeded.set(true);
+    m_tarnpatchSettings.installation.inProgress.set(true);
     m_settings->setInt64Value(
-        vx::str::fromUtf8(host::keys::completionTimestamp), vx::systemTicks() / vx::ticksPerSecond);
+        m_tarnpatchSettings.installation.completion.timestamp.key(), vx::systemTicks() / vx::ticksPerSecond);
     answerRequest(ResultItem::RebootNeeded);
     // Last: with this the plug-in lets go of the agent and acknowledges nothing more.
-    m_tarnpatchSettings.installation.completion.setWait(true);
+    m_tarnpatchSettings.installation.completion.wait.set(true);
     say("the rest waits for a reboot");
 }
 
@@ -112,9 +111,9 @@ void Deployer::answerRequest(ResultItem result) const
     const auto start = request.start();
     if (start == request.ack())
         return;
-    request.setResult(result);
+    request.result.set(result);
     if (result == ResultItem::RebootNeeded)
-        request.setAck(start);
+        request.ack.set(start);
 }
 
 } // namespace devhost::agent

@@ -109,7 +109,7 @@ bool SuspendedDeployment::complete(const std::function<std::shared_ptr<vx::setti
         {std::pair(&installed, ValueItem::InstallationCompleted), std::pair(&failed, ValueItem::InstallationFailed)})
         if (!patches->empty())
             log.record(*patches, {state, {}}, suggestedResult(state));
-    TarnpatchStatus(settings).installation.lastInstallation.setRestartComputerNeeded(false);
+    TarnpatchStatus(settings).installation.lastInstallation.restartComputerNeeded.set(false);
     // Last: a run that breaks off before this is done once more.
     m_storage->clear();
     return true;

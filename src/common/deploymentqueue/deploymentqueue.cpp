@@ -80,7 +80,7 @@ void DeploymentQueue::change(const Change& apply)
     const std::lock_guard lock(*m_mutex, std::adopt_lock);
     nlohmann::json list = m_settings.installation.deploymentQueue();
     if (apply(list))
-        m_settings.installation.setDeploymentQueue(list);
+        m_settings.installation.deploymentQueue.set(list);
     // The operation has had its effect by now, so a failure of this is none of its own; the next one settles then.
     if (m_isUnsettled && guarded("Failed to settle the deployment queue: ", [&] { settle(std::move(list), apply); }))
         m_isUnsettled = false;
@@ -98,7 +98,7 @@ void DeploymentQueue::settle(nlohmann::json list, const Change& apply)
         quiet = 0;
         list = std::move(found);
         if (apply(list))
-            m_settings.installation.setDeploymentQueue(list);
+            m_settings.installation.deploymentQueue.set(list);
     }
 }
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "common/settings/settingssection.h"
+#include "common/settings/keykinds.h"
 
 namespace vx::tarn {
 
@@ -9,10 +9,11 @@ class HostSettings : public SettingsSection {
 public:
     using SettingsSection::SettingsSection;
 
-    /// Seconds since the Unix epoch; 0 until the host's store has been updated once.
-    std::int64_t lastSuccessfulUpdateTimestamp() const;
+    /// 0 until the host's store has been updated once.
+    Read<Timestamp> lastSuccessfulUpdateTimestamp{
+        m_store, L"status.windows.meridia.last_successful_update_timestamp", 0};
     /// The proxy that the update channel uses; empty when there is none.
-    std::wstring currentProxy() const;
+    Read<Text> currentProxy{m_store, L"windows.gorse2.current_proxy", ""};
 };
 
 } // namespace vx::tarn

@@ -1,9 +1,7 @@
 #pragma once
 
+#include "common/settings/keykinds.h"
 #include "common/settings/settingsenumerations.h"
-#include "common/settings/settingssection.h"
-
-#include <chrono>
 
 namespace vx::tarn {
 
@@ -12,10 +10,10 @@ class AutomaticInstallationSettings : public SettingsSection {
 public:
     using SettingsSection::SettingsSection;
 
-    ModeItem mode() const;
-    FrequencyItem frequency() const;
-    /// Hour of the day.
-    std::int32_t hour() const;
+    Read<Choice<ModeItem>> mode{m_store, L"windows.tarnpatch.installation.automatic.mode", ModeItem::Disable};
+    Read<Choice<FrequencyItem>> frequency{
+        m_store, L"windows.tarnpatch.installation.automatic.frequency", FrequencyItem::EveryDay};
+    Read<HourOfDay> hour{m_store, L"windows.tarnpatch.installation.automatic.hour", 12};
 };
 
 /// How a reboot is asked for and forced.
@@ -23,14 +21,16 @@ class RebootSettings : public SettingsSection {
 public:
     using SettingsSection::SettingsSection;
 
-    bool askUser() const;
-    ShowFlyerPolicyItem showFlyerPolicy() const;
+    Read<Bool> askUser{m_store, L"windows.tarnpatch.installation.reboot.ask_user", true};
+    Read<Choice<ShowFlyerPolicyItem>> showFlyerPolicy{
+        m_store, L"windows.tarnpatch.installation.reboot.show_flyer_policy", ShowFlyerPolicyItem::AllUsers};
     /// -1 means not set.
-    std::chrono::seconds forceInSeconds() const;
+    Read<Seconds> forceInSeconds{m_store, L"windows.tarnpatch.installation.reboot.force_in_seconds", -1};
     /// Used when forceInSeconds is not set.
-    std::chrono::hours forceIn() const;
+    Read<Hours> forceIn{m_store, L"windows.tarnpatch.installation.reboot.force_in", 24};
     /// The length of one postponement in the reboot dialog.
-    std::chrono::minutes postponeFor() const;
+    Read<Minutes> postponeFor{m_store, L"windows.tarnpatch.installation.reboot.postpone_for", 30};
+
     /// When a reboot is forced: forceInSeconds as it stands, 0 and negative numbers too, and forceIn when that
     /// is not set.
     std::chrono::seconds forcedDelay() const;
@@ -41,28 +41,25 @@ class CompletionSettings : public SettingsSection {
 public:
     using SettingsSection::SettingsSection;
 
-    bool wait() const;
-    void setWait(bool value) const;
-    std::chrono::minutes timeout() const;
-    /// Start of the wait, since the Unix epoch.
-    std::chrono::seconds timestamp() const;
+    ReadWrite<Bool> wait{m_store, L"windows.tarnpatch.installation.completion.wait", false};
+    Read<Minutes> timeout{m_store, L"windows.tarnpatch.installation.completion.timeout", 15};
+    /// Start of the wait.
+    Read<Timestamp> timestamp{m_store, L"windows.tarnpatch.installation.completion.timestamp", 0};
 };
 
 /// Keys under "windows.tarnpatch.installation.".
 class InstallationSettings : public SettingsSection {
 public:
-    explicit InstallationSettings(const std::shared_ptr<settings::Settings>& store);
+    using SettingsSection::SettingsSection;
 
     /// A deployment is running and spans a restart of the handler.
-    bool inProgress() const;
-    void setInProgress(bool value) const;
-    /// An array of deployment items.
-    nlohmann::json deploymentQueue() const;
-    void setDeploymentQueue(const nlohmann::json& value) const;
+    ReadWrite<Bool> inProgress{m_store, L"windows.tarnpatch.installation.in_progress", false};
+    /// Of deployment items.
+    ReadWrite<List> deploymentQueue{m_store, L"windows.tarnpatch.installation.deployment_queue"};
 
-    AutomaticInstallationSettings automatic;
-    RebootSettings reboot;
-    CompletionSettings completion;
+    AutomaticInstallationSettings automatic{m_store};
+    RebootSettings reboot{m_store};
+    CompletionSettings completion{m_store};
 };
 
 } // namespace vx::tarn

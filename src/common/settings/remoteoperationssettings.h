@@ -1,7 +1,7 @@
 #pragma once
 
+#include "common/settings/keykinds.h"
 #include "common/settings/settingsenumerations.h"
-#include "common/settings/settingssection.h"
 
 namespace vx::tarn {
 
@@ -10,10 +10,9 @@ class RemoteScanSettings : public SettingsSection {
 public:
     using SettingsSection::SettingsSection;
 
-    std::int64_t start() const;
+    Read<Int64> start{m_store, L"windows.tarnpatch.remote_operations.scan_for_updates.start", 0};
     /// The last acknowledged value of start.
-    std::int64_t ack() const;
-    void setAck(std::int64_t value) const;
+    ReadWrite<Int64> ack{m_store, L"windows.tarnpatch.remote_operations.scan_for_updates.ack", 0};
 };
 
 /// The signal counters of remote installation requests, the request and its result.
@@ -21,23 +20,22 @@ class RemoteInstallationSettings : public SettingsSection {
 public:
     using SettingsSection::SettingsSection;
 
-    std::int64_t start() const;
+    Read<Int64> start{m_store, L"windows.tarnpatch.remote_operations.install_updates.start", 0};
     /// The last acknowledged value of start.
-    std::int64_t ack() const;
-    void setAck(std::int64_t value) const;
+    ReadWrite<Int64> ack{m_store, L"windows.tarnpatch.remote_operations.install_updates.ack", 0};
     /// Of the last remote installation.
-    void setResult(ResultItem value) const;
+    Write<Choice<ResultItem>> result{m_store, L"windows.tarnpatch.remote_operations.install_updates.result"};
     /// The operation descriptor.
-    std::wstring updatesToInstall() const;
+    Read<Text> updatesToInstall{m_store, L"windows.tarnpatch.remote_operations.install_updates.updates_to_install", ""};
 };
 
 /// Keys under "windows.tarnpatch.remote_operations.".
 class RemoteOperationsSettings : public SettingsSection {
 public:
-    explicit RemoteOperationsSettings(const std::shared_ptr<settings::Settings>& store);
+    using SettingsSection::SettingsSection;
 
-    RemoteScanSettings scanForUpdates;
-    RemoteInstallationSettings installUpdates;
+    RemoteScanSettings scanForUpdates{m_store};
+    RemoteInstallationSettings installUpdates{m_store};
 };
 
 } // namespace vx::tarn

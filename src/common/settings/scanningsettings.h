@@ -1,8 +1,6 @@
 #pragma once
 
-#include "common/settings/settingssection.h"
-
-#include <chrono>
+#include "common/settings/keykinds.h"
 
 namespace vx::tarn {
 
@@ -11,36 +9,37 @@ class StartupScanSettings : public SettingsSection {
 public:
     using SettingsSection::SettingsSection;
 
-    bool enabled() const;
+    Read<Bool> enabled{m_store, L"windows.tarnpatch.scanning.automatic.scanning_on_system_startup.enabled", true};
     /// The fixed part of the delay.
-    std::chrono::minutes delay() const;
+    Read<Minutes> delay{m_store, L"windows.tarnpatch.scanning.automatic.scanning_on_system_startup.delay", 1};
     /// The upper bound of the random part of the delay.
-    std::chrono::minutes randomizationInterval() const;
+    Read<Minutes> randomizationInterval{
+        m_store, L"windows.tarnpatch.scanning.automatic.scanning_on_system_startup.randomization_interval", 5};
 };
 
 /// Scans that the handler starts by itself.
 class AutomaticScanSettings : public SettingsSection {
 public:
-    explicit AutomaticScanSettings(const std::shared_ptr<settings::Settings>& store);
+    using SettingsSection::SettingsSection;
 
     /// The longest allowed age of the last scan.
-    std::chrono::hours maximumRescanningPeriod() const;
+    Read<Hours> maximumRescanningPeriod{m_store, L"windows.tarnpatch.scanning.automatic.maximum_rescanning_period", 24};
     /// The period of the action scheduler.
-    std::chrono::minutes pollingInterval() const;
+    Read<Minutes> pollingInterval{m_store, L"windows.tarnpatch.scanning.automatic.polling_interval", 10};
 
-    StartupScanSettings scanningOnSystemStartup;
+    StartupScanSettings scanningOnSystemStartup{m_store};
 };
 
-/// Keys under "windows.tarnpatch.scanning.". The agent alone reads "exclude_updates.by_type" and
-/// "exclude_updates.by_rule"; here they are only watched.
+/// Keys under "windows.tarnpatch.scanning.".
 class ScanningSettings : public SettingsSection {
 public:
-    explicit ScanningSettings(const std::shared_ptr<settings::Settings>& store);
+    using SettingsSection::SettingsSection;
 
-    static constexpr const wchar_t* excludeUpdatesByTypeKey = L"windows.tarnpatch.scanning.exclude_updates.by_type";
-    static constexpr const wchar_t* excludeUpdatesByRuleKey = L"windows.tarnpatch.scanning.exclude_updates.by_rule";
+    /// The agent alone reads these two.
+    Watched excludeUpdatesByType{m_store, L"windows.tarnpatch.scanning.exclude_updates.by_type"};
+    Watched excludeUpdatesByRule{m_store, L"windows.tarnpatch.scanning.exclude_updates.by_rule"};
 
-    AutomaticScanSettings automatic;
+    AutomaticScanSettings automatic{m_store};
 };
 
 } // namespace vx::tarn

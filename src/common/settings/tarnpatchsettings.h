@@ -11,12 +11,14 @@ class CommunicationSettings : public SettingsSection {
 public:
     using SettingsSection::SettingsSection;
 
-    UseHttpProxyItem useHttpProxy() const;
+    Read<Choice<UseHttpProxyItem>> useHttpProxy{
+        m_store, L"windows.tarnpatch.communication.use_http_proxy", UseHttpProxyItem::FromProductConfiguration};
     /// Used when useHttpProxy is UserDefined.
-    std::wstring userDefinedProxy() const;
-    bool ignoreRevocationServerOfflineError() const;
+    Read<Text> userDefinedProxy{m_store, L"windows.tarnpatch.communication.user_defined_proxy", ""};
+    Read<Bool> ignoreRevocationServerOfflineError{
+        m_store, L"windows.tarnpatch.communication.ignore_revocation_server_offline_error", false};
     /// Address of the management server's proxy.
-    std::wstring hqProxyUrl() const;
+    Read<Text> hqProxyUrl{m_store, L"windows.tarnpatch.communication.hq_proxy_url", ""};
 };
 
 /// Keys under "windows.tarnpatch.certificates.".
@@ -25,8 +27,7 @@ public:
     using SettingsSection::SettingsSection;
 
     /// The agent's certificates were put into the system's store.
-    bool alreadyInStorage() const;
-    void setAlreadyInStorage(bool value) const;
+    ReadWrite<Bool> alreadyInStorage{m_store, L"windows.tarnpatch.certificates.already_in_storage", false};
 };
 
 /// Keys under "windows.tarnpatch.current_status.", published for other components.
@@ -34,27 +35,27 @@ class CurrentStatusSettings : public SettingsSection {
 public:
     using SettingsSection::SettingsSection;
 
-    /// An array of patches to install.
-    void setPatchesToInstall(const nlohmann::json& value) const;
+    /// Of patches to install.
+    Write<List> patchesToInstall{m_store, L"windows.tarnpatch.current_status.patches_to_install"};
 };
 
-/// The typed view of the keys under "windows.tarnpatch.". Each call goes to the store; a copy copies the handle.
-/// Any thread. Sections mirror the path of the keys, and each key has its getter and, where the handler writes
-/// it, its setter. A getter answers its default for a missing key only; other failures of the store pass on,
-/// and a text that no enumerator has throws std::invalid_argument.
+/// The table of the keys under "windows.tarnpatch.". Sections mirror the path of the keys, and each key has its one
+/// row. Each call of a row goes to the store; a copy copies the handle. Any thread.
 class TarnpatchSettings : public SettingsSection {
 public:
-    explicit TarnpatchSettings(const std::shared_ptr<settings::Settings>& store);
+    explicit TarnpatchSettings(KeyStore store);
+    TarnpatchSettings(const TarnpatchSettings&);
+    ~TarnpatchSettings();
 
     /// The master switch.
-    bool enabled() const;
+    Read<Bool> enabled{m_store, L"windows.tarnpatch.enabled", true};
 
-    ScanningSettings scanning;
-    InstallationSettings installation;
-    CommunicationSettings communication;
-    RemoteOperationsSettings remoteOperations;
-    CertificatesSettings certificates;
-    CurrentStatusSettings currentStatus;
+    ScanningSettings scanning{m_store};
+    InstallationSettings installation{m_store};
+    CommunicationSettings communication{m_store};
+    RemoteOperationsSettings remoteOperations{m_store};
+    CertificatesSettings certificates{m_store};
+    CurrentStatusSettings currentStatus{m_store};
 };
 
 } // namespace vx::tarn

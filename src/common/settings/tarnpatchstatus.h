@@ -1,6 +1,6 @@
 #pragma once
 
-#include "common/settings/settingssection.h"
+#include "common/settings/keykinds.h"
 
 namespace vx::tarn {
 
@@ -9,20 +9,18 @@ class LastScanningStatus : public SettingsSection {
 public:
     using SettingsSection::SettingsSection;
 
-    /// Seconds since the Unix epoch of the last start for a scan; -1 means never.
-    std::int64_t timestamp() const;
-    void setTimestamp(std::int64_t value) const;
-    /// An array of missing updates, filled by the agent.
-    nlohmann::json missingUpdates() const;
-    void setMissingUpdates(const nlohmann::json& value) const;
+    /// Of the last start for a scan; -1 means never.
+    ReadWrite<Timestamp> timestamp{m_store, L"status.windows.tarnpatch.scanning.last_scanning.timestamp", -1};
+    /// Of missing updates, filled by the agent.
+    ReadWrite<List> missingUpdates{m_store, L"status.windows.tarnpatch.scanning.last_scanning.missing_updates"};
 };
 
 /// Keys under "status.windows.tarnpatch.scanning.".
 class ScanningStatus : public SettingsSection {
 public:
-    explicit ScanningStatus(const std::shared_ptr<settings::Settings>& store);
+    using SettingsSection::SettingsSection;
 
-    LastScanningStatus lastScanning;
+    LastScanningStatus lastScanning{m_store};
 };
 
 /// The last installation.
@@ -30,8 +28,8 @@ class LastInstallationStatus : public SettingsSection {
 public:
     using SettingsSection::SettingsSection;
 
-    bool restartComputerNeeded() const;
-    void setRestartComputerNeeded(bool value) const;
+    ReadWrite<Bool> restartComputerNeeded{
+        m_store, L"status.windows.tarnpatch.installation.last_installation.restart_computer_needed", false};
 };
 
 /// The log of installations, written by the agent.
@@ -39,31 +37,32 @@ class InstallationLogStatus : public SettingsSection {
 public:
     using SettingsSection::SettingsSection;
 
-    /// An array of log entries.
-    nlohmann::json entries() const;
+    /// Of log entries.
+    Read<List> entries{m_store, L"status.windows.tarnpatch.installation.log.entries"};
 };
 
 /// Keys under "status.windows.tarnpatch.installation.".
 class InstallationStatus : public SettingsSection {
 public:
-    explicit InstallationStatus(const std::shared_ptr<settings::Settings>& store);
+    using SettingsSection::SettingsSection;
 
-    LastInstallationStatus lastInstallation;
-    InstallationLogStatus log;
+    LastInstallationStatus lastInstallation{m_store};
+    InstallationLogStatus log{m_store};
 };
 
-/// The typed view of the keys under "status.windows.tarnpatch.": reports, and the only memory across restarts, so
-/// they are read back. Otherwise as TarnpatchSettings.
+/// The table of the keys under "status.windows.tarnpatch.": reports, and the only memory across restarts, so they are
+/// read back. Otherwise as TarnpatchSettings.
 class TarnpatchStatus : public SettingsSection {
 public:
-    explicit TarnpatchStatus(const std::shared_ptr<settings::Settings>& store);
+    explicit TarnpatchStatus(KeyStore store);
+    TarnpatchStatus(const TarnpatchStatus&);
+    ~TarnpatchStatus();
 
     /// The effective enabled state.
-    bool enabled() const;
-    void setEnabled(bool value) const;
+    ReadWrite<Bool> enabled{m_store, L"status.windows.tarnpatch.enabled", true};
 
-    ScanningStatus scanning;
-    InstallationStatus installation;
+    ScanningStatus scanning{m_store};
+    InstallationStatus installation{m_store};
 };
 
 } // namespace vx::tarn

@@ -28,7 +28,7 @@ bool StartupDeployWatchdog::isDeployInProgress() const
 
 Ticks StartupDeployWatchdog::deployTimestamp() const
 {
-    return saturatingMultiply(m_settings->installation.completion.timestamp().count(), ticksPerSecond);
+    return saturatingMultiply(m_settings->installation.completion.timestamp(), ticksPerSecond);
 }
 
 std::chrono::milliseconds StartupDeployWatchdog::getDelay()
@@ -46,8 +46,8 @@ common::ExitStatus StartupDeployWatchdog::execute()
         LogStream(Level::Info) << "New deploy was started";
     } else {
         LogStream(Level::Info) << "Reset wait for deploy complete settings";
-        m_settings->installation.completion.setWait(false);
-        m_settings->installation.setInProgress(false);
+        m_settings->installation.completion.wait.set(false);
+        m_settings->installation.inProgress.set(false);
     }
     return common::exitstatus::success;
 }

@@ -55,7 +55,7 @@ void CurrentOperations::update()
         published["status"] = toJson(found ? entry->status : PatchStatus{ValueItem::InstallationRequested, {}});
         result.push_back(std::move(published));
     }
-    m_settings.currentStatus.setPatchesToInstall(result);
+    m_settings.currentStatus.patchesToInstall.set(result);
 }
 
 CurrentOperations::LogIndex CurrentOperations::indexOf(const std::vector<LoggedState>& log)

@@ -45,16 +45,16 @@ std::unique_ptr<Subscriptions> TarnHandler::subscribeToChanges()
     const auto setStatusChanged = [this] { m_statusChangedEvent->set(); };
     const auto scan = [this] { startScan(); };
     const std::map<std::wstring, std::function<void()>> handlers{
-        {L"status.windows.tarnpatch.installation.log.entries", setStatusChanged},
-        {L"status.windows.tarnpatch.scanning.last_scanning.missing_updates", setStatusChanged},
-        {L"windows.tarnpatch.enabled", [this] { updateEnabledStatus(); }},
-        {L"windows.tarnpatch.installation.completion.wait", [this] { onPostRebootDeployCompleted(); }},
-        {L"windows.tarnpatch.installation.deployment_queue", [this] { startDeploymentQueueInstallation(); }},
-        {L"windows.tarnpatch.remote_operations.install_updates.start", [this] { startInstallSignalChanged(); }},
-        {L"windows.tarnpatch.remote_operations.scan_for_updates.start", [this] { startScanSignalChanged(); }},
-        {L"windows.tarnpatch.scanning.automatic.polling_interval", [this] { setupActionScheduler(); }},
-        {ScanningSettings::excludeUpdatesByRuleKey, scan},
-        {ScanningSettings::excludeUpdatesByTypeKey, scan},
+        {m_tarnpatchStatus->installation.log.entries.key(), setStatusChanged},
+        {m_tarnpatchStatus->scanning.lastScanning.missingUpdates.key(), setStatusChanged},
+        {m_tarnpatchSettings->enabled.key(), [this] { updateEnabledStatus(); }},
+        {m_tarnpatchSettings->installation.completion.wait.key(), [this] { onPostRebootDeployCompleted(); }},
+        {m_tarnpatchSettings->installation.deploymentQueue.key(), [this] { startDeploymentQueueInstallation(); }},
+        {m_tarnpatchSettings->remoteOperations.installUpdates.start.key(), [this] { startInstallSignalChanged(); }},
+        {m_tarnpatchSettings->remoteOperations.scanForUpdates.start.key(), [this] { startScanSignalChanged(); }},
+        {m_tarnpatchSettings->scanning.automatic.pollingInterval.key(), [this] { setupActionScheduler(); }},
+        {m_tarnpatchSettings->scanning.excludeUpdatesByRule.key(), scan},
+        {m_tarnpatchSettings->scanning.excludeUpdatesByType.key(), scan},
     };
     auto subscriptions = std::make_unique<Subscriptions>(m_settings.get());
     for (const auto& [key, handler] : handlers)
@@ -79,11 +79,11 @@ void TarnHandler::updateEnabledStatus()
     const bool wasEnabled = m_tarnpatchStatus->enabled();
     const bool enable = m_tarnpatchSettings->enabled();
     LogStream(Level::Info) << "Tarnpatch enabled status: wasEnabled = " << wasEnabled << ", enable = " << enable;
-    m_tarnpatchStatus->setEnabled(enable);
+    m_tarnpatchStatus->enabled.set(enable);
     m_manager->update();
     m_actionScheduler->setEnabled(enable);
     if (wasEnabled && !enable)
-        m_tarnpatchStatus->scanning.lastScanning.setMissingUpdates(nlohmann::json::array());
+        m_tarnpatchStatus->scanning.lastScanning.missingUpdates.set(nlohmann::json::array());
     if (enable && !wasEnabled)
         m_actionScheduler->runOnce(
             std::make_shared<ScanOnce>(m_commonFactory.get(), m_tarnpatchSettings.get(), systemTicks()),
@@ -111,7 +111,7 @@ void TarnHandler::startScanSignalChanged()
         m_updaterLauncher->startScan();
     } else {
         LogStream(Level::Error) << "Can't start tarnag.exe for a remote scan: Tarnpatch is disabled.";
-        request.setAck(start);
+        request.ack.set(start);
     }
 }
 
@@ -126,7 +126,7 @@ void TarnHandler::startInstallSignalChanged()
         return;
     }
     // Stands until the manager knows better, also when something goes wrong below.
-    request.setResult(ResultItem::Failed);
+    request.result.set(ResultItem::Failed);
     if (!m_tarnpatchStatus->enabled()) {
         LogStream(Level::Error) << "Can't start tarnag.exe for a remote installation: Tarnpatch is disabled.";
         finishRemoteInstall(ResultItem::Failed);
@@ -151,8 +151,8 @@ void TarnHandler::finishRemoteInstall(ResultItem result)
 {
     const auto& request = m_tarnpatchSettings->remoteOperations.installUpdates;
     const auto start = request.start();
-    request.setResult(result);
-    request.setAck(start);
+    request.result.set(result);
+    request.ack.set(start);
 }
 
 void TarnHandler::startDeploymentQueueInstallation()

@@ -49,8 +49,8 @@ bool DeploymentWatcher::completeFinishedDeployment(common::IPatchStorage& storag
         LogStream(Level::Info) << "waitPostRebootDeployCompleted: Agent is already running. Waiting for be finished.";
         return false;
     }
-    m_settings.installation.completion.setWait(false);
-    m_settings.installation.setInProgress(false);
+    m_settings.installation.completion.wait.set(false);
+    m_settings.installation.inProgress.set(false);
     m_manager.update();
     m_manager.setArguments(L"-c complete");
     m_updaterLauncher.startScan();

@@ -41,7 +41,7 @@ void FirstRun::process()
 void FirstRun::scheduleActions()
 {
     const auto& lastInstallation = m_status.installation.lastInstallation;
-    lastInstallation.setRestartComputerNeeded(false);
+    lastInstallation.restartComputerNeeded.set(false);
     const auto watchdog = std::make_shared<StartupDeployWatchdog>(&m_commonFactory, &m_settings);
     m_scheduler.runOnce(watchdog, watchdog->getDelay());
     if (lastInstallation.restartComputerNeeded() || m_settings.scanning.automatic.scanningOnSystemStartup.enabled()) {

@@ -166,12 +166,12 @@ void AgentRunner::closeRemoteOperation(AgentStartReason reason)
     if (reason == AgentStartReason::RemoteDeployment) {
         const auto& operation = m_settings.remoteOperations.installUpdates;
         const std::int64_t start = operation.start();
-        operation.setAck(start);
+        operation.ack.set(start);
         LogStream(Level::Info) << "Update a deployment remote operation status: " << start;
     } else if (reason == AgentStartReason::RemoteScan) {
         const auto& operation = m_settings.remoteOperations.scanForUpdates;
         const std::int64_t start = operation.start();
-        operation.setAck(start);
+        operation.ack.set(start);
         LogStream(Level::Info) << "Update a scanning remote operation status: " << start;
     } else {
         LogStream(Level::Info) << "There was no remote operation for tarnag, nothing to update";
@@ -190,7 +190,7 @@ void AgentRunner::storeLastStartTimestamp(std::int64_t timestamp)
         const std::lock_guard lock(m_timestampMutex);
         m_lastStartTimestamp = timestamp;
     }
-    m_status.scanning.lastScanning.setTimestamp(timestamp);
+    m_status.scanning.lastScanning.timestamp.set(timestamp);
 }
 
 void AgentRunner::setArguments(const std::wstring& args)
