@@ -58,7 +58,7 @@ endfunction()
 # tarnhd_library(NAME [PORTABLE source...] [WINDOWS source...] [FAST source...] [LINKS target...]
 #     [WINDOWS_LINKS target...])
 # A static library of a unit, LINKS being the units whose headers it includes. In sdk others may use what stands in
-# include/; in src and devhost an include names its unit from there. In the native flavour WINDOWS sources are left
+# include/; in src, devhost and tools an include names its unit from there. In the native flavour WINDOWS sources are left
 # out, and a library without PORTABLE sources has its headers only. FAST: those of the sources for tarnhd_small.
 function(tarnhd_library name)
     cmake_parse_arguments(arg "" "" "PORTABLE;WINDOWS;FAST;LINKS;WINDOWS_LINKS" ${ARGN})
@@ -77,7 +77,7 @@ function(tarnhd_library name)
     set(includes include)
     set(own src)
     cmake_path(RELATIVE_PATH CMAKE_CURRENT_SOURCE_DIR BASE_DIRECTORY ${CMAKE_SOURCE_DIR} OUTPUT_VARIABLE place)
-    if(place MATCHES "^(src|devhost)/")
+    if(place MATCHES "^(src|devhost|tools)/")
         set(includes ${CMAKE_SOURCE_DIR}/${CMAKE_MATCH_1})
         set(own)
     endif()

@@ -14,6 +14,7 @@ usage: ./run COMMAND [ARGS]
   bench [ARGS]       build and run the benchmarks, pinned to one core
   fuzz [SECONDS]     run every fuzz target for that long (60), from its inputs and what it found before
   lint               check the format and run the static checks
+  docs               make docs/keys.md anew from the table of keys
   host -- ARGS       run the console host under Wine: ./run host -- --help
   wine PROGRAM ARGS  run any program under the project's Wine
   setup              install packages and make the Wine root, nothing else
@@ -211,9 +212,16 @@ command_lint() {
         --error-exitcode=1 --inline-suppr --library=windows --library=googletest -j "$(nproc)" \
         --suppress=missingInclude --suppress=missingIncludeSystem --suppress=uninitMemberVar \
         --suppress=unknownMacro --suppress=throwInNoexceptFunction --suppress=passedByValue --suppress=danglingTemporaryLifetime \
-        -Isrc -Idevhost $(printf -- '-I%s ' sdk/*/include sdk/*/src) \
-        sdk src devhost bench || failed=1
+        -Isrc -Idevhost -Itools $(printf -- '-I%s ' sdk/*/include sdk/*/src) \
+        sdk src devhost tools bench || failed=1
     [ "$failed" -eq 0 ] || die "lint found something"
+}
+
+command_docs() {
+    build_flavour product keyspage
+    wine_start
+    cd "$project" || exit 1
+    wine_command wine build/product/bin/keyspage.exe docs/keys.md || die "docs/keys.md can't be written"
 }
 
 command_clean() {

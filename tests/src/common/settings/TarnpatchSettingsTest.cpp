@@ -1,10 +1,14 @@
 #include "common/settings/tarnpatchsettings.h"
+#include "common/settings/keylist.h"
 #include "common/settings/tarnpatchstatus.h"
+#include "keyspage/keyspage.h"
 #include "settings-api/exceptions.h"
 #include "support/fakesettings.h"
 #include "support/logcapture.h"
 
+#include <fstream>
 #include <gmock/gmock.h>
+#include <iterator>
 
 using namespace vx::tarn;
 using nlohmann::json;
@@ -77,4 +81,13 @@ TEST_F(TarnpatchSettingsTest, forcedDelayTakesHoursOnlyWhenSecondsAreNotSet)
         store->setInt64Value(reboot.forceInSeconds.key(), seconds);
         EXPECT_EQ(std::chrono::seconds(seconds), reboot.forcedDelay());
     }
+}
+
+TEST(Keys, areDistinctAndOnTheCommittedPage)
+{
+    std::set<std::wstring> names;
+    for (const KeyInfo& row : listKeys())
+        EXPECT_TRUE(names.insert(row.name).second) << testing::PrintToString(row.name);
+    std::ifstream page(TARNHD_KEYS_PAGE, std::ios::binary);
+    EXPECT_EQ(std::string(std::istreambuf_iterator(page), {}), tools::keysPage()) << "./run docs makes it anew";
 }
