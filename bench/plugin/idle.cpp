@@ -32,8 +32,9 @@ constexpr DWORD idleMilliseconds = 10'000;
 void prepareStore(const std::wstring& instance)
 {
     store::Client client(instance);
-    client.set(std::string(host::keys::profile), store::Value::fromInt64(std::time(nullptr)));
-    client.set(std::string(host::keys::enabled), store::Value::fromBool(true));
+    client.set(
+        host::keyOf(host::keys::host.lastSuccessfulUpdateTimestamp), store::Value::fromInt64(std::time(nullptr)));
+    client.set(host::keyOf(host::keys::settings.enabled), store::Value::fromBool(true));
 }
 
 void waitForProcessing()

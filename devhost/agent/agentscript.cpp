@@ -17,7 +17,6 @@ namespace devhost::agent {
 
 namespace {
 
-using host::KeyCatalogue;
 using nlohmann::json;
 using store::Type;
 
@@ -50,7 +49,7 @@ int readExitCode(const Member& member)
 
 Type plainTypeOf(const Member& member)
 {
-    if (const auto type = KeyCatalogue::typeOf(member.place))
+    if (const auto type = host::typeOfKey(member.place))
         return *type;
     switch (member.value.type()) {
     case json::value_t::boolean: return Type::Boolean;
@@ -78,7 +77,7 @@ bool fits(Type type, const json& value)
 ScriptedValue makeValue(const std::string& key, Type type, const json& value)
 {
     if (!fits(type, value))
-        throw ScriptError(key + ": " + value.dump() + " is no " + std::string(store::typeName(type)));
+        throw ScriptError(key + ": " + value.dump() + " is no " + vx::toText(type));
     return {key, type, value.dump()};
 }
 
@@ -110,7 +109,8 @@ void readMember(AgentRun& run, const std::string& name, const Member& member)
     else if (name == "missingUpdates" && !member.value.is_array())
         member.mustBe("an array");
     else if (name == "missingUpdates")
-        run.values.push_back(makeValue(std::string(host::keys::missingUpdates), Type::Object, member.value));
+        run.values.push_back(makeValue(
+            host::keyOf(host::keys::status.scanning.lastScanning.missingUpdates), Type::Object, member.value));
     else if (name == "set")
         readMembers(member, [&](const std::string& key, const Member& value) {
             run.values.push_back(readValue({key, value.value}));

@@ -2,7 +2,6 @@
 
 #include "common/patches/updateid.h"
 #include "common/settings/tarnpatchstatus.h"
-#include "keys/keycatalogue.h"
 #include "settings-api/settings.h"
 #include "vxtl/clock.h"
 #include "vxtl/str.h"
@@ -39,7 +38,8 @@ bool isOf(const json& entry, const json& updateId)
 void InstallationLog::record(
     const std::vector<common::PatchInfo>& patches, const common::PatchStatus& status, const std::string& result) const
 {
-    json log = TarnpatchStatus(m_settings).installation.log.entries();
+    const TarnpatchStatus report(m_settings);
+    json log = report.installation.log.entries();
     if (!log.is_array())
         log = json::array();
     // Backwards, so that the first of the new ones stands in front.
@@ -52,7 +52,7 @@ void InstallationLog::record(
         else
             *found = std::move(entry);
     }
-    m_settings->setJsonValue(vx::str::fromUtf8(host::keys::installationLog), log);
+    m_settings->setJsonValue(report.installation.log.entries.key(), log);
 }
 
 } // namespace devhost::agent

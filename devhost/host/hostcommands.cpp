@@ -69,9 +69,10 @@ ExitCode call(const Context& context, const nlohmann::json& message)
 
 ExitCode requestScan(const Context& context, std::optional<unsigned> waitSeconds)
 {
-    RemoteOperation operation(context, keys::scanStart, keys::scanAck);
+    const auto& rows = keys::settings.remoteOperations.scanForUpdates;
+    RemoteOperation operation(context, keyOf(rows.start), keyOf(rows.ack));
     const auto code = request(operation, waitSeconds);
-    const auto enabled = store::Client(context.instance).get(std::string(keys::statusEnabled));
+    const auto enabled = store::Client(context.instance).get(keyOf(keys::status.enabled));
     if (enabled && *enabled == store::Value::fromBool(false))
         context.printer.event("warning", "the feature is off: requests are closed without a scan (see enable)",
             {{"warning", "feature off"}});
@@ -80,11 +81,12 @@ ExitCode requestScan(const Context& context, std::optional<unsigned> waitSeconds
 
 ExitCode requestInstallation(const Context& context, const std::string& descriptor, std::optional<unsigned> waitSeconds)
 {
+    const auto& rows = keys::settings.remoteOperations.installUpdates;
     store::Client client(context.instance);
-    client.set(std::string(keys::updatesToInstall), store::Value::fromString(descriptor));
-    RemoteOperation operation(context, keys::installStart, keys::installAck);
+    client.set(keyOf(rows.updatesToInstall), store::Value::fromString(descriptor));
+    RemoteOperation operation(context, keyOf(rows.start), keyOf(rows.ack));
     const auto code = request(operation, waitSeconds);
-    const auto result = waitSeconds ? client.get(std::string(keys::installResult)) : std::nullopt;
+    const auto result = waitSeconds ? client.get(keyOf(rows.result)) : std::nullopt;
     if (result)
         context.printer.event("result", "result: " + result->text(), {{"result", result->text()}});
     return code;

@@ -17,7 +17,7 @@ namespace {
 
 using nlohmann::json;
 
-const std::string key(keys::patchesToInstall);
+const std::string key = keyOf(keys::settings.currentStatus.patchesToInstall);
 
 json readPatches(store::Client& client)
 {

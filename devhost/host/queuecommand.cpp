@@ -28,7 +28,7 @@ using namespace vx::tarn::common;
 
 std::vector<DeploymentItem> readQueue(const Context& context)
 {
-    const auto value = store::Client(context.instance).get(std::string(keys::deploymentQueue));
+    const auto value = store::Client(context.instance).get(keyOf(keys::settings.installation.deploymentQueue));
     if (!value)
         return {};
     try {

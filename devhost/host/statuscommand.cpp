@@ -30,9 +30,9 @@ json hostPart(const Context& context)
     }
 }
 
-json readKey(store::Client& client, std::string_view key)
+json readKey(store::Client& client, const vx::tarn::KeyRow& key)
 {
-    const auto value = client.get(std::string(key));
+    const auto value = client.get(keyOf(key));
     if (!value)
         return nullptr;
     if (value->type() != store::Type::Object)
@@ -48,15 +48,19 @@ json storePart(const Context& context)
 {
     try {
         store::Client client(context.instance);
-        const auto missing = readKey(client, keys::missingUpdates);
-        const auto toInstall = readKey(client, keys::patchesToInstall);
-        const auto queue = readKey(client, keys::deploymentQueue);
-        return {{"enabled_setting", readKey(client, keys::enabled)},
-            {"enabled_status", readKey(client, keys::statusEnabled)}, {"profile", readKey(client, keys::profile)},
-            {"scan", {{"start", readKey(client, keys::scanStart)}, {"ack", readKey(client, keys::scanAck)}}},
-            {"install", {{"start", readKey(client, keys::installStart)}, {"ack", readKey(client, keys::installAck)},
-                            {"result", readKey(client, keys::installResult)}}},
-            {"last_scan", readKey(client, keys::lastScan)},
+        const auto& remote = keys::settings.remoteOperations;
+        const auto missing = readKey(client, keys::status.scanning.lastScanning.missingUpdates);
+        const auto toInstall = readKey(client, keys::settings.currentStatus.patchesToInstall);
+        const auto queue = readKey(client, keys::settings.installation.deploymentQueue);
+        return {{"enabled_setting", readKey(client, keys::settings.enabled)},
+            {"enabled_status", readKey(client, keys::status.enabled)},
+            {"profile", readKey(client, keys::host.lastSuccessfulUpdateTimestamp)},
+            {"scan", {{"start", readKey(client, remote.scanForUpdates.start)},
+                         {"ack", readKey(client, remote.scanForUpdates.ack)}}},
+            {"install", {{"start", readKey(client, remote.installUpdates.start)},
+                            {"ack", readKey(client, remote.installUpdates.ack)},
+                            {"result", readKey(client, remote.installUpdates.result)}}},
+            {"last_scan", readKey(client, keys::status.scanning.lastScanning.timestamp)},
             {"missing_updates", missing.is_array() ? json(missing.size()) : json()},
             {"patches_to_install", toInstall.is_array() ? json(toInstall.size()) : json()},
             {"queue", queue.is_null()    ? json(0)

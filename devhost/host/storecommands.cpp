@@ -27,7 +27,7 @@ json describe(const std::string& key, const Value& value)
 
 store::Type typeFor(const std::string& key, const std::string& typeName)
 {
-    const auto type = typeName.empty() ? KeyCatalogue::typeOf(key) : typeFromName(typeName);
+    const auto type = typeName.empty() ? typeOfKey(key) : typeFromName(typeName);
     if (type)
         return *type;
     throw CommandError(ExitCode::BadUsage,
@@ -79,8 +79,8 @@ ExitCode deleteValue(const Context& context, const std::string& key)
 ExitCode listValues(const Context& context, const std::string& prefix)
 {
     for (const auto& [key, value] : Client(context.instance).list(prefix)) {
-        const auto type = value.type() == store::Type::Object ? "json" : store::typeName(value.type());
-        context.printer.result(key + " (" + std::string(type) + ") = " + value.text(), describe(key, value));
+        const auto type = value.type() == store::Type::Object ? "json" : vx::toText(value.type());
+        context.printer.result(key + " (" + type + ") = " + value.text(), describe(key, value));
     }
     return ExitCode::Done;
 }
@@ -105,7 +105,7 @@ ExitCode watchValues(const Context& context, const std::vector<std::string>& key
 
 ExitCode enableFeature(const Context& context, bool enable)
 {
-    Client(context.instance).set(std::string(keys::enabled), Value::fromBool(enable));
+    Client(context.instance).set(keyOf(keys::settings.enabled), Value::fromBool(enable));
     return ExitCode::Done;
 }
 

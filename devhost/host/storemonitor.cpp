@@ -64,7 +64,7 @@ void StoreMonitor::waitForStore()
 
 void StoreMonitor::attach()
 {
-    const std::string profile(keys::profile);
+    const std::string profile = keyOf(keys::host.lastSuccessfulUpdateTimestamp);
     if (m_profile == Profile::Provide && !m_values.get(profile))
         m_values.set(profile, store::Value::fromInt64(1));
     // Last: a failure before it is tried again, and there must not be two subscriptions.

@@ -10,15 +10,16 @@ class BadInputTest : public SystemTest {};
 TEST_F(BadInputTest, valuesOfTheWrongTypeCountAsMissing)
 {
     startStoreAlone();
-    const std::string startup = settings + "scanning.automatic.scanning_on_system_startup.";
-    const std::string installation = settings + "installation.";
-    for (const std::string& key :
-        {enabled, settings + "scanning.automatic.maximum_rescanning_period", startup + "enabled", startup + "delay",
-            startup + "randomization_interval", settings + "scanning.automatic.polling_interval",
-            installation + "in_progress", installation + "deployment_queue", installation + "completion.wait",
-            installation + "completion.timeout", installation + "completion.timestamp", status + "enabled", lastScan,
-            status + "installation.last_installation.restart_computer_needed"})
-        client.set(key, Value::fromString("garbage"));
+    const auto& scanning = settings.scanning.automatic;
+    const auto& startup = scanning.scanningOnSystemStartup;
+    const auto& installation = settings.installation;
+    const vx::tarn::KeyRow* const rows[] = {&settings.enabled, &scanning.maximumRescanningPeriod,
+        &scanning.pollingInterval, &startup.enabled, &startup.delay, &startup.randomizationInterval,
+        &installation.inProgress, &installation.deploymentQueue, &installation.completion.wait,
+        &installation.completion.timeout, &installation.completion.timestamp, &status.enabled,
+        &status.scanning.lastScanning.timestamp, &status.installation.lastInstallation.restartComputerNeeded};
+    for (const auto* row : rows)
+        client.set(keyOf(*row), Value::fromString("garbage"));
     startHost();
     EXPECT_GE(logCount("Failed to read a bool value: windows.tarnpatch.enabled"), 1u);
     EXPECT_GE(logCount("Setting 'windows.tarnpatch.enabled' not found - fallback to default value"), 1u);
@@ -53,7 +54,7 @@ TEST_F(BadInputTest, listsThatNestTooDeepAreSurvived)
 TEST_F(BadInputTest, aPollingIntervalOfNothingDoesNotSpin)
 {
     startStoreAlone();
-    client.set(settings + "scanning.automatic.polling_interval", Value::fromInt32(0));
+    client.set(keyOf(settings.scanning.automatic.pollingInterval), Value::fromInt32(0));
     startHost();
     EXPECT_EQ(logCount("Polling interval of 0 minute(s) is too short"), 1u);
     scan(1);

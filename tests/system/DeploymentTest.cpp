@@ -18,13 +18,13 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 using Texts = std::vector<std::string>;
 
-const std::string install = settings + "remote_operations.install_updates.";
-const std::string queueKey = settings + "installation.deployment_queue";
-const std::string completionKey = settings + "installation.completion.";
-const std::string inProgressKey = settings + "installation.in_progress";
-const std::string logKey = status + "installation.log.entries";
-const std::string publishedKey = settings + "current_status.patches_to_install";
-const std::string restartNeededKey = status + "installation.last_installation.restart_computer_needed";
+const auto& install = settings.remoteOperations.installUpdates;
+const auto& completion = settings.installation.completion;
+const std::string queueKey = keyOf(settings.installation.deploymentQueue);
+const std::string inProgressKey = keyOf(settings.installation.inProgress);
+const std::string logKey = keyOf(status.installation.log.entries);
+const std::string publishedKey = keyOf(settings.currentStatus.patchesToInstall);
+const std::string restartNeededKey = keyOf(status.installation.lastInstallation.restartComputerNeeded);
 
 /// Updates named after their numbers, of product p0 to p2, severity 1 to 3.
 json updates(int count)
@@ -101,13 +101,13 @@ protected:
     }
     void request(std::int64_t start, const std::string& task)
     {
-        client.set(install + "updates_to_install", Value::fromString(task));
-        setNumber(install + "start", start);
+        client.set(keyOf(install.updatesToInstall), Value::fromString(task));
+        setNumber(keyOf(install.start), start);
     }
     void requestAndWait(std::int64_t start, const std::string& task)
     {
         request(start, task);
-        waitForValue(install + "ack", Value::fromInt64(start));
+        waitForValue(keyOf(install.ack), Value::fromInt64(start));
     }
 };
 
@@ -120,8 +120,9 @@ TEST_F(DeploymentTest, leadsFromTheRequestOverEachStateToTheResult)
     script({{{"missingUpdates", updates(10)}}, deploy, json::object()});
     startHost();
     const auto order = std::make_shared<support::Record>();
-    for (const char* key : {"result", "ack"})
-        client.subscribe(install + key, [order, key](const devhost::store::Change&) { order->add(key); });
+    const std::string result = keyOf(install.result), ack = keyOf(install.ack);
+    for (const auto& key : {result, ack})
+        client.subscribe(key, [order](const devhost::store::Change& change) { order->add(change.name); });
     request(1, "ALL");
     ASSERT_TRUE(start.waitUntilStarted());
     EXPECT_THAT(queue(), ElementsAre("ALL"));
@@ -132,9 +133,9 @@ TEST_F(DeploymentTest, leadsFromTheRequestOverEachStateToTheResult)
     waitForPublished(patches(all, "installation_executing"));
     executing.release();
     waitForPublished({});
-    waitForValue(install + "ack", Value::fromInt64(1));
-    EXPECT_THAT(order->waitFor(3), ElementsAre("result", "result", "ack"));
-    EXPECT_EQ(client.get(install + "result")->asString(), "success");
+    waitForValue(keyOf(install.ack), Value::fromInt64(1));
+    EXPECT_THAT(order->waitFor(3), ElementsAre(result, result, ack));
+    EXPECT_EQ(client.get(keyOf(install.result))->asString(), "success");
     EXPECT_THAT(queue(), IsEmpty());
     waitForLog("Update a deployment remote operation status: 1");
     EXPECT_EQ(command("patches"), 0u);
@@ -186,12 +187,12 @@ TEST_F(DeploymentTest, takesAnEmptyTaskFromTheModeAndClosesWhatItCantServe)
             Row{"install_all", false, {}, "failed"}}) {
         SCOPED_TRACE(std::string(row.mode) + (row.enabled ? "" : ", feature off"));
         setList(queueKey, json::array());
-        client.set(settings + "installation.automatic.mode", Value::fromString(row.mode));
+        client.set(keyOf(settings.installation.automatic.mode), Value::fromString(row.mode));
         client.set(enabled, Value::fromBool(row.enabled));
-        waitForValue(status + "enabled", Value::fromBool(row.enabled));
+        waitForValue(keyOf(status.enabled), Value::fromBool(row.enabled));
         EXPECT_EQ(command("install \"\" --wait 30"), 0u);
-        EXPECT_EQ(number(install + "ack"), ++start);
-        EXPECT_EQ(client.get(install + "result")->asString(), row.result);
+        EXPECT_EQ(number(keyOf(install.ack)), ++start);
+        EXPECT_EQ(client.get(keyOf(install.result))->asString(), row.result);
         EXPECT_EQ(queue(), row.queued);
     }
 }
@@ -215,13 +216,13 @@ TEST_F(DeploymentTest, goesOnAfterARebootAndIsCompletedOnce)
     script({{{"missingUpdates", updates(2)}}, {{"deploy", {{"reboot", true}, {"stepMs", 0}}}}, json::object()});
     startHost();
     requestAndWait(1, "ALL");
-    EXPECT_EQ(client.get(install + "result")->asString(), "reboot_needed");
-    waitForValue(completionKey + "wait", Value::fromBool(true));
+    EXPECT_EQ(client.get(keyOf(install.result))->asString(), "reboot_needed");
+    waitForValue(keyOf(completion.wait), Value::fromBool(true));
     waitForPublished(patches({0, 1}, "installation_will_continue_after_reboot"));
     EXPECT_TRUE(client.get(restartNeededKey)->asBool());
     EXPECT_EQ(command("reboot"), 0u);
     waitForLog("waitPostRebootDeployCompleted: Found that installation has been finished.");
-    waitForValue(completionKey + "wait", Value::fromBool(false));
+    waitForValue(keyOf(completion.wait), Value::fromBool(false));
     waitForValue(inProgressKey, Value::fromBool(false));
     waitForLog("tarnag.exe. Arguments: -c complete");
     waitForPublished({});
@@ -257,13 +258,13 @@ TEST_F(DeploymentTest, waitsForTheAgentBeforeItCompletes)
 TEST_F(DeploymentTest, givesUpADeploymentThatDoesNotFinish)
 {
     startStoreAlone();
-    client.set(completionKey + "wait", Value::fromBool(true));
+    client.set(keyOf(completion.wait), Value::fromBool(true));
     client.set(inProgressKey, Value::fromBool(true));
-    client.set(completionKey + "timeout", Value::fromInt32(0));
-    setNumber(completionKey + "timestamp", 5);
+    client.set(keyOf(completion.timeout), Value::fromInt32(0));
+    setNumber(keyOf(completion.timestamp), 5);
     startHost(Wait::ForProcessing);
     waitForValue(inProgressKey, Value::fromBool(false));
-    waitForValue(completionKey + "wait", Value::fromBool(false));
+    waitForValue(keyOf(completion.wait), Value::fromBool(false));
     waitForLog("Start wait for deploy complete with timeout of '0 minutes' and wait for deploy timestamp is '5");
     waitForLog("Reset wait for deploy complete settings");
     scan(1);

@@ -53,7 +53,7 @@ TEST_F(LifecycleTest, aStopEndsTheWaitForAMutexThatAnotherProcessHolds)
 TEST_F(LifecycleTest, onlyTheFirstRunAfterABootScansOnStartUp)
 {
     startStoreAlone();
-    client.set(settings + "scanning.automatic.scanning_on_system_startup.delay", Value::fromInt32(0));
+    client.set(keyOf(settings.scanning.automatic.scanningOnSystemStartup.delay), Value::fromInt32(0));
     for (const std::size_t boots : {1, 1, 2}) {
         if (boots == 2) {
             EXPECT_EQ(command("forget-boot"), 0u);

@@ -5,6 +5,7 @@
 #include "common/deploymentqueue/ideploymentqueue.h"
 #include "common/event/event.h"
 #include "common/factory/commonfactory.h"
+#include "keys/keycatalogue.h"
 #include "meridia-settings/meridiasettingsapi.h"
 #include "settings-api/cachedsettings.h"
 #include "settings-api/settings.h"
@@ -27,7 +28,7 @@ using support::ChildProcess;
 using vx::tarn::common::CommonFactory;
 using vx::tarn::common::Event;
 
-const std::string queueKey = "windows.tarnpatch.installation.deployment_queue";
+const std::string queueKey = devhost::host::keyOf(devhost::host::keys::settings.installation.deploymentQueue);
 const std::wstring instance = support::uniqueName(L"queue");
 
 /// One change of the queue, as a worker plans it and notes it.

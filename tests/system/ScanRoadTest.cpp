@@ -65,7 +65,7 @@ TEST_F(ScanRoadTest, acknowledgesWithoutAnAgentWhileTheFeatureIsOff)
 {
     startHost();
     EXPECT_EQ(command("disable"), 0u);
-    waitForValue(status + "enabled", Value::fromBool(false));
+    waitForValue(keyOf(status.enabled), Value::fromBool(false));
     const std::size_t starts = agentStarts();
     scan(7);
     EXPECT_EQ(agentStarts(), starts);
@@ -84,8 +84,8 @@ TEST_F(ScanRoadTest, runsOnceMoreForAnyNumberOfStartsDuringARun)
     setNumber(scanStart, 1);
     ASSERT_TRUE(gate.waitUntilStarted());
     const std::size_t requested = logCount("tarnag.exe start requested");
-    client.set(settings + "scanning.exclude_updates.by_type", Value::fromString("a"));
-    client.set(settings + "scanning.exclude_updates.by_rule", Value::fromString("b"));
+    client.set(keyOf(settings.scanning.excludeUpdatesByType), Value::fromString("a"));
+    client.set(keyOf(settings.scanning.excludeUpdatesByRule), Value::fromString("b"));
     waitForLog("tarnag.exe start requested", requested + 2);
     gate.release();
     waitForAgentEnds(3);

@@ -14,7 +14,7 @@ class StoreOutageTest : public SystemTest {};
 TEST_F(StoreOutageTest, aPlugInThatStartsDuringAnOutageWaitsForItsEnd)
 {
     startStoreAlone();
-    client.set("status.windows.meridia.last_successful_update_timestamp", Value::fromInt64(1));
+    client.set(keyOf(devhost::host::keys::host.lastSuccessfulUpdateTimestamp), Value::fromInt64(1));
     killStore();
     host.emplace("tarnhost.exe", L"run --no-store --no-profile", folder.path());
     EXPECT_FALSE(host->wait(10s)) << "the host ended: " << host->output() << host->errors();
@@ -48,7 +48,7 @@ TEST_F(StoreOutageTest, writesMadeMeanwhileArriveWhenTheStoreIsBack)
     waitForLog("Failed to set int64 value: windows.tarnpatch.remote_operations.scan_for_updates.ack");
     startStoreAlone();
     EXPECT_EQ(number(scanAck), 0) << "the write is pending";
-    client.set(settings + "scanning.automatic.polling_interval", Value::fromInt32(11));
+    client.set(keyOf(settings.scanning.automatic.pollingInterval), Value::fromInt32(11));
     waitForValue(scanAck, Value::fromInt64(1));
     scan(2);
 }
@@ -68,7 +68,7 @@ TEST_F(StoreOutageTest, runsAnewAfterEachStopDuringAnOutage)
         startStoreAlone();
         ASSERT_NO_FATAL_FAILURE(waitForLog("Run processing", count + 1));
         scan(cycle);
-        client.set(settings + "scanning.automatic.polling_interval", Value::fromInt32(10 + cycle));
+        client.set(keyOf(settings.scanning.automatic.pollingInterval), Value::fromInt32(10 + cycle));
         waitForLog("Setup action scheduler.", count);
     }
     EXPECT_EQ(stopHost(), 0u);
@@ -83,7 +83,7 @@ TEST_F(StoreOutageTest, survivesEveryErrorCodeOnEveryKindOfCall)
     std::int64_t request = 0;
     for (int code = 1; code <= 25; ++code) {
         for (const Operation operation : {Operation::Get, Operation::Set}) {
-            SCOPED_TRACE(std::string(operationName(operation)) + " " + std::to_string(code));
+            SCOPED_TRACE(vx::toText(operation) + " " + std::to_string(code));
             client.addFault({operation, static_cast<ErrorCode>(code), 9, {}});
             setNumber(scanStart, ++request);
             client.clearFaults();

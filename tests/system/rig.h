@@ -2,6 +2,7 @@
 
 #include "childprocess.h"
 #include "host/logreader.h"
+#include "keys/keycatalogue.h"
 #include "store/client/client.h"
 #include "vxtl/handle.h"
 #include "vxtl/str.h"
@@ -18,15 +19,16 @@
 
 namespace rig {
 
+using devhost::host::keyOf;
 using devhost::store::Value;
 
-inline const std::string settings = "windows.tarnpatch.";
-inline const std::string status = "status.windows.tarnpatch.";
-inline const std::string enabled = settings + "enabled";
-inline const std::string scanStart = settings + "remote_operations.scan_for_updates.start";
-inline const std::string scanAck = settings + "remote_operations.scan_for_updates.ack";
-inline const std::string missingUpdates = status + "scanning.last_scanning.missing_updates";
-inline const std::string lastScan = status + "scanning.last_scanning.timestamp";
+inline const auto& settings = devhost::host::keys::settings;
+inline const auto& status = devhost::host::keys::status;
+inline const std::string enabled = keyOf(settings.enabled);
+inline const std::string scanStart = keyOf(settings.remoteOperations.scanForUpdates.start);
+inline const std::string scanAck = keyOf(settings.remoteOperations.scanForUpdates.ack);
+inline const std::string missingUpdates = keyOf(status.scanning.lastScanning.missingUpdates);
+inline const std::string lastScan = keyOf(status.scanning.lastScanning.timestamp);
 /// A line of the log; the code follows.
 inline const std::string agentEnd = "Process finished with return code: ";
 

@@ -1,18 +1,15 @@
 #include "store/protocol/fault.h"
 
-#include <array>
 #include <nlohmann/json.hpp>
 
 namespace devhost::store {
 
 namespace {
 
-constexpr std::array<std::string_view, 6> operationNames{"get", "set", "subscribe", "unsubscribe", "open", "all"};
-
 nlohmann::json faultToJson(const Fault& fault)
 {
-    return {{"operation", operationName(fault.operation)}, {"code", static_cast<int>(fault.code)},
-        {"count", fault.count}, {"name", fault.name}};
+    return {{"operation", vx::toText(fault.operation)}, {"code", static_cast<int>(fault.code)}, {"count", fault.count},
+        {"name", fault.name}};
 }
 
 Fault faultFromJson(const nlohmann::json& json)
@@ -26,16 +23,10 @@ Fault faultFromJson(const nlohmann::json& json)
 
 } // namespace
 
-std::string_view operationName(Operation operation) noexcept
-{
-    return operationNames[static_cast<std::size_t>(operation)];
-}
-
 Operation parseOperation(std::string_view name)
 {
-    for (std::size_t i = 0; i < operationNames.size(); ++i)
-        if (operationNames[i] == name)
-            return static_cast<Operation>(i);
+    if (const auto operation = vx::findText<Operation>(name))
+        return *operation;
     throw StoreException(ErrorCode::InvalidParameter, "'" + std::string(name) + "'",
         "not an operation (get, set, subscribe, unsubscribe, open, all)");
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "store/protocol/errorcode.h"
+#include "vxtl/enumtext.h"
 
 #include <nlohmann/json_fwd.hpp>
 #include <string>
@@ -12,9 +13,14 @@ namespace devhost::store {
 /// The kinds of calls that a fault can be planned for. Removing a value counts as a set.
 enum class Operation { Get, Set, Subscribe, Unsubscribe, Open, All };
 
-/// "get", "set", "subscribe", "unsubscribe", "open", "all".
-std::string_view operationName(Operation operation) noexcept;
-/// The way back; throws StoreException (InvalidParameter) for another name.
+inline constexpr auto operationTexts =
+    vx::enumTexts<Operation>({{Operation::Get, "get"}, {Operation::Set, "set"}, {Operation::Subscribe, "subscribe"},
+        {Operation::Unsubscribe, "unsubscribe"}, {Operation::Open, "open"}, {Operation::All, "all"}});
+constexpr vx::EnumTexts textsOf(Operation)
+{
+    return {"Operation", operationTexts};
+}
+/// Throws StoreException (InvalidParameter) for a text that is none of them.
 Operation parseOperation(std::string_view name);
 
 /// Lets the next `count` calls of a kind fail with a code, for one value or, with an empty name, for all.

@@ -2,7 +2,6 @@
 
 #include "store/protocol/errorcode.h"
 
-#include <array>
 #include <charconv>
 #include <nlohmann/json.hpp>
 #include <optional>
@@ -10,8 +9,6 @@
 namespace devhost::store {
 
 namespace {
-
-constexpr std::array<std::string_view, 5> typeNames{"bool", "int32", "int64", "string", "object"};
 
 [[noreturn]] void refuse(std::string_view text, std::string_view expected)
 {
@@ -39,16 +36,10 @@ std::optional<bool> toBool(std::string_view text)
 
 } // namespace
 
-std::string_view typeName(Type type) noexcept
-{
-    return typeNames[static_cast<std::size_t>(type) - 1];
-}
-
 Type parseType(std::string_view name)
 {
-    for (std::size_t i = 0; i < typeNames.size(); ++i)
-        if (typeNames[i] == name)
-            return static_cast<Type>(i + 1);
+    if (const auto type = vx::findText<Type>(name))
+        return *type;
     refuse(name, "a type (bool, int32, int64, string, object)");
 }
 
@@ -101,7 +92,7 @@ const T& Value::as() const
 {
     if (const T* value = std::get_if<T>(&m_value))
         return *value;
-    throw StoreException(ErrorCode::InvalidType, "value of type " + std::string(typeName(type())));
+    throw StoreException(ErrorCode::InvalidType, "value of type " + vx::toText(type()));
 }
 
 bool Value::asBool() const
@@ -143,7 +134,7 @@ std::string Value::text() const
 
 nlohmann::json Value::toJson() const
 {
-    nlohmann::json json{{"type", typeName(type())}};
+    nlohmann::json json{{"type", vx::toText(type())}};
     switch (type()) {
     case Type::Boolean: json["value"] = asBool(); break;
     case Type::Int32: json["value"] = asInt32(); break;

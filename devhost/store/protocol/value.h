@@ -1,5 +1,7 @@
 #pragma once
 
+#include "vxtl/enumtext.h"
+
 #include <cstdint>
 #include <nlohmann/json_fwd.hpp>
 #include <string>
@@ -11,9 +13,13 @@ namespace devhost::store {
 /// The kinds of values. The numbers are what a notification tells as `type`; 0 means no value.
 enum class Type : int { Boolean = 1, Int32 = 2, Int64 = 3, String = 4, Object = 5 };
 
-/// "bool", "int32", "int64", "string", "object".
-std::string_view typeName(Type type) noexcept;
-/// The way back; throws StoreException (InvalidParameter) for another name.
+inline constexpr auto typeTexts = vx::enumTexts<Type>({{Type::Boolean, "bool"}, {Type::Int32, "int32"},
+    {Type::Int64, "int64"}, {Type::String, "string"}, {Type::Object, "object"}});
+constexpr vx::EnumTexts textsOf(Type)
+{
+    return {"Type", typeTexts};
+}
+/// Throws StoreException (InvalidParameter) for a text that is none of them.
 Type parseType(std::string_view name);
 
 /// One typed value of the store. Texts are UTF-8. An object is JSON text, kept as it was written. A plain

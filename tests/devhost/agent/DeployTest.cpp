@@ -17,13 +17,14 @@ namespace {
 namespace keys = devhost::host::keys;
 namespace store = devhost::store;
 using namespace vx::tarn::common;
+using devhost::host::keyOf;
 using nlohmann::json;
 using store::Value;
 using testing::ElementsAre;
 
-const std::string restartNeeded = "status.windows.tarnpatch.installation.last_installation.restart_computer_needed";
-const std::string inProgress = "windows.tarnpatch.installation.in_progress";
-const std::string completionWait = "windows.tarnpatch.installation.completion.wait";
+const auto& restartNeeded = keys::status.installation.lastInstallation.restartComputerNeeded;
+const auto& inProgress = keys::settings.installation.inProgress;
+const auto& completionWait = keys::settings.installation.completion.wait;
 
 std::string idOf(const std::wstring& name)
 {
@@ -40,33 +41,37 @@ protected:
         _wputenv_s(L"TARNHD_INSTANCE", instance.c_str());
         server.start();
         storage->clear();
-        put(keys::missingUpdates, json::array({{{"update_name", "A"}, {"severity", 1}}, {{"update_name", "B"}}}));
+        put(keys::status.scanning.lastScanning.missingUpdates,
+            json::array({{{"update_name", "A"}, {"severity", 1}}, {{"update_name", "B"}}}));
     }
     ~DeployTest() override { storage->clear(); }
 
-    void put(std::string_view key, const json& value) { client.set(std::string(key), Value::fromObject(value.dump())); }
-    json read(std::string_view key) { return json::parse(client.get(std::string(key)).value().asObject()); }
-    bool flag(const std::string& key) { return client.get(key).value().asBool(); }
+    void put(const vx::tarn::KeyRow& key, const json& value)
+    {
+        client.set(keyOf(key), Value::fromObject(value.dump()));
+    }
+    json read(const vx::tarn::KeyRow& key) { return json::parse(client.get(keyOf(key)).value().asObject()); }
+    bool flag(const vx::tarn::KeyRow& key) { return client.get(keyOf(key)).value().asBool(); }
 
     void queue(const std::vector<std::string>& descriptors)
     {
         json items = json::array();
         for (const auto& descriptor : descriptors)
             items.push_back({{"operation_id", "1"}, {"update_id", descriptor}});
-        put(keys::deploymentQueue, items);
+        put(keys::settings.installation.deploymentQueue, items);
     }
 
     void openRequest()
     {
-        client.set(std::string(keys::installStart), Value::fromInt64(7));
-        client.set(std::string(keys::installAck), Value::fromInt64(6));
+        client.set(keyOf(keys::settings.remoteOperations.installUpdates.start), Value::fromInt64(7));
+        client.set(keyOf(keys::settings.remoteOperations.installUpdates.ack), Value::fromInt64(6));
     }
 
     /// What readers see in the log: first entries with identifier, state and result.
     std::vector<std::string> log()
     {
         std::vector<std::string> lines;
-        for (const auto& entry : read(keys::installationLog))
+        for (const auto& entry : read(keys::status.installation.log.entries))
             lines.push_back(entry.value("update_id", "?") + " " + entry["status"].value("value", "?") + " " +
                             entry.value("installation_result", "?"));
         return lines;
@@ -99,22 +104,24 @@ TEST_F(DeployTest, takesPatchesThroughTheirStatesAndItemsFromTheQueue)
     queue({"ALL", "CRITICAL"});
     openRequest();
     // An entry of somebody else in front, and an old one of B.
-    put(keys::installationLog, {{{"update_id", "other"}, {"status", {{"value", "installation_failed"}}}},
-                                   {{"update_id", idOf(L"B")}, {"status", {{"value", "installation_canceled"}}}}});
+    put(keys::status.installation.log.entries,
+        {{{"update_id", "other"}, {"status", {{"value", "installation_failed"}}}},
+            {{"update_id", idOf(L"B")}, {"status", {{"value", "installation_canceled"}}}}});
     const auto agent =
         deploy({{"stepMs", 0}, {"pauses", {{{"at", "installation_executing"}, {"startedEvent", name + "-reached"},
                                               {"waitForEvent", name + "-go"}}}}});
     reached.wait();
     EXPECT_THAT(log(), ElementsAre(idOf(L"A") + " installation_executing download_success",
                            "other installation_failed ?", idOf(L"B") + " installation_executing download_success"));
-    EXPECT_EQ(read(keys::deploymentQueue).size(), 2u);
+    EXPECT_EQ(read(keys::settings.installation.deploymentQueue).size(), 2u);
     go.set();
     EXPECT_EQ(agent.wait(), 0u) << agent.errors();
     EXPECT_THAT(log(), ElementsAre(idOf(L"A") + " installation_completed installation_success",
                            "other installation_failed ?", idOf(L"B") + " installation_completed installation_success"));
-    EXPECT_EQ(read(keys::deploymentQueue), json::array());
-    EXPECT_EQ(client.get(std::string(keys::installResult)), Value::fromString("success"));
-    EXPECT_EQ(client.get(std::string(keys::installAck)), Value::fromInt64(6)) << "the plug-in's business";
+    EXPECT_EQ(read(keys::settings.installation.deploymentQueue), json::array());
+    EXPECT_EQ(client.get(keyOf(keys::settings.remoteOperations.installUpdates.result)), Value::fromString("success"));
+    EXPECT_EQ(client.get(keyOf(keys::settings.remoteOperations.installUpdates.ack)), Value::fromInt64(6))
+        << "the plug-in's business";
     EXPECT_THAT(agent.output(), testing::HasSubstr("deploying \"CRITICAL\": 0 updates")) << "A was dealt with";
 }
 
@@ -126,9 +133,9 @@ TEST_F(DeployTest, takesAsManyItemsAsItIsToldAndFailsAsItIsTold)
         {"states", {"file_downloading", "file_download_failed"}}, {"result", "download_win_error"}});
     EXPECT_EQ(agent.wait(), 0u) << agent.errors();
     EXPECT_THAT(log(), ElementsAre(idOf(L"B") + " file_download_failed download_win_error"));
-    EXPECT_EQ(read(keys::installationLog)[0]["status"]["code"], "17");
-    EXPECT_EQ(read(keys::deploymentQueue)[0]["update_id"], "CRITICAL");
-    EXPECT_EQ(client.get(std::string(keys::installResult)), Value::fromString("failed"));
+    EXPECT_EQ(read(keys::status.installation.log.entries)[0]["status"]["code"], "17");
+    EXPECT_EQ(read(keys::settings.installation.deploymentQueue)[0]["update_id"], "CRITICAL");
+    EXPECT_EQ(client.get(keyOf(keys::settings.remoteOperations.installUpdates.result)), Value::fromString("failed"));
 }
 
 TEST_F(DeployTest, leavesARebootDeploymentForTheNextBootAndCompletesIt)
@@ -139,12 +146,14 @@ TEST_F(DeployTest, leavesARebootDeploymentForTheNextBootAndCompletesIt)
     EXPECT_EQ(agent.wait(), 0u) << agent.errors();
     EXPECT_THAT(log(), ElementsAre(idOf(L"A") + " installation_will_continue_after_reboot installation_unknown",
                            idOf(L"B") + " installation_will_continue_after_reboot installation_unknown"));
-    EXPECT_EQ(read(keys::deploymentQueue), json::array());
+    EXPECT_EQ(read(keys::settings.installation.deploymentQueue), json::array());
     EXPECT_TRUE(flag(restartNeeded) && flag(inProgress) && flag(completionWait));
-    const auto age = std::time(nullptr) - client.get(std::string(keys::completionTimestamp)).value().asInt64();
+    const auto age =
+        std::time(nullptr) - client.get(keyOf(keys::settings.installation.completion.timestamp)).value().asInt64();
     EXPECT_TRUE(age >= 0 && age < 300) << age;
-    EXPECT_EQ(client.get(std::string(keys::installResult)), Value::fromString("reboot_needed"));
-    EXPECT_EQ(client.get(std::string(keys::installAck)), Value::fromInt64(7));
+    EXPECT_EQ(
+        client.get(keyOf(keys::settings.remoteOperations.installUpdates.result)), Value::fromString("reboot_needed"));
+    EXPECT_EQ(client.get(keyOf(keys::settings.remoteOperations.installUpdates.ack)), Value::fromInt64(7));
     EXPECT_TRUE(storage->hasPatchStates());
     EXPECT_FALSE(storage->isInstallationFinished());
 
@@ -174,7 +183,7 @@ TEST_F(DeployTest, asksForNoRebootWithoutAnythingToInstall)
     for (const auto& descriptors : {std::vector<std::string>{}, {"all"}}) {
         queue(descriptors);
         EXPECT_EQ(deploy({{"reboot", true}, {"stepMs", 0}}).wait(), 0u);
-        EXPECT_FALSE(client.get(completionWait));
+        EXPECT_FALSE(client.get(keyOf(completionWait)));
         EXPECT_FALSE(storage->hasPatchStates());
     }
     for (const auto* command : {L"-c continue", L"-c complete"}) {
@@ -190,8 +199,8 @@ TEST_F(DeployTest, deploysWhatItFoundWithoutAScript)
     queue({"GUID=6E2C4C1B-9A3F-4D55-8C1E-3B0A7F2D9102"});
     const auto agent = start();
     EXPECT_EQ(agent.wait(), 0u) << agent.errors();
-    const auto found = read(keys::missingUpdates);
+    const auto found = read(keys::status.scanning.lastScanning.missingUpdates);
     EXPECT_THAT(log(),
         ElementsAre(found.at(1).at("update_id").get<std::string>() + " installation_completed installation_success"));
-    EXPECT_EQ(read(keys::deploymentQueue), json::array());
+    EXPECT_EQ(read(keys::settings.installation.deploymentQueue), json::array());
 }

@@ -1,4 +1,5 @@
 #include "childprocess.h"
+#include "keys/keycatalogue.h"
 #include "store/client/client.h"
 #include "store/server/server.h"
 
@@ -8,14 +9,16 @@
 
 namespace {
 
+namespace keys = devhost::host::keys;
+using devhost::host::keyOf;
 using devhost::store::Client;
 using devhost::store::Server;
 using devhost::store::Value;
 using nlohmann::json;
 
 constexpr unsigned long accessViolation = 0xC0000005;
-constexpr auto missingUpdates = "status.windows.tarnpatch.scanning.last_scanning.missing_updates";
-constexpr auto restartNeeded = "status.windows.tarnpatch.installation.last_installation.restart_computer_needed";
+const std::string missingUpdates = keyOf(keys::status.scanning.lastScanning.missingUpdates);
+const std::string restartNeeded = keyOf(keys::status.installation.lastInstallation.restartComputerNeeded);
 
 /// Runs a copy of tarnag.exe in a folder of its own, on an instance of its own.
 class TarnagTest : public testing::Test {
@@ -87,8 +90,8 @@ TEST_F(TarnagTest, writesItsResultsToTheStoreAndFailsWithoutOne)
     EXPECT_EQ(start().wait(), 0u);
     EXPECT_EQ(json::parse(client.get(missingUpdates)->asObject()).size(), 2u) << "the sample";
 
-    script(R"({"runs": [{"missingUpdates": [{"update_id": "A"}], "exitCode": 0, "set": {")" +
-           std::string(restartNeeded) + R"(": true,
+    script(
+        R"({"runs": [{"missingUpdates": [{"update_id": "A"}], "exitCode": 0, "set": {")" + restartNeeded + R"(": true,
         "windows.tarnpatch.scanning.automatic.polling_interval": 5, "x.text": "\u20ac"}}]})");
     const auto scan = start();
     EXPECT_EQ(scan.wait(), 0u) << scan.errors();

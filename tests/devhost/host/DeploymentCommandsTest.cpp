@@ -16,6 +16,7 @@ namespace {
 namespace keys = devhost::host::keys;
 namespace store = devhost::store;
 using namespace vx::tarn::common;
+using devhost::host::keyOf;
 using nlohmann::json;
 using support::ChildProcess;
 using testing::ElementsAre;
@@ -50,9 +51,9 @@ protected:
         server->start();
     }
 
-    void put(std::string_view key, const json& value)
+    void put(const vx::tarn::KeyRow& key, const json& value)
     {
-        client.set(std::string(key), store::Value::fromObject(value.dump()));
+        client.set(keyOf(key), store::Value::fromObject(value.dump()));
     }
 
     std::vector<std::string> queued()
@@ -123,13 +124,13 @@ TEST_F(DeploymentCommandsTest, answerMistakesWithOneLineAndACode)
     startStore();
     expectError(L"queue --pop", 1, "the queue is empty");
     expectError(L"queue --remove ALL", 1, "\"ALL\" is not in the queue");
-    put(keys::deploymentQueue, {{"a", 1}});
+    put(keys::settings.installation.deploymentQueue, {{"a", 1}});
     for (const auto* arguments : {L"queue", L"queue --pop", L"queue --push ALL", L"queue --remove ALL"})
         expectError(arguments, 1, "the queue cannot be read: ");
-    put(keys::patchesToInstall, {{"a", 1}});
+    put(keys::settings.currentStatus.patchesToInstall, {{"a", 1}});
     expectError(L"patches", 1, "holds no list");
     client.setRefuse(true);
-    put(keys::deploymentQueue, json::array());
+    put(keys::settings.installation.deploymentQueue, json::array());
     expectError(L"queue --push ALL", 3, "unreachable");
 }
 
@@ -168,9 +169,9 @@ TEST_F(DeploymentCommandsTest, showThePublishedPatches)
 {
     startStore();
     EXPECT_EQ(call(L"patches").output, "nothing was published yet\n");
-    put(keys::patchesToInstall, json::array());
+    put(keys::settings.currentStatus.patchesToInstall, json::array());
     EXPECT_EQ(call(L"patches").output, "no patches to install\n");
-    put(keys::patchesToInstall,
+    put(keys::settings.currentStatus.patchesToInstall,
         {{{"user_friendly_update_name", "L\xC3\xA9o 2"}, {"product_name", "Reader"}, {"severity", 1},
              {"status", {{"value", "installation_failed"}, {"code", "17"}}}},
             {{"update_name", "kb"}, {"severity", 3}, {"status", {{"value", "file_downloading"}}}}});
@@ -183,10 +184,10 @@ TEST_F(DeploymentCommandsTest, showThePublishedPatches)
 TEST_F(DeploymentCommandsTest, followThePublishedPatches)
 {
     startStore();
-    put(keys::patchesToInstall, json::array());
+    put(keys::settings.currentStatus.patchesToInstall, json::array());
     const auto follower = start(L"--json patches --follow --count 2");
     for (int serial = 0; !follower.wait(std::chrono::milliseconds(10)); ++serial)
-        put(keys::patchesToInstall, {{{"update_name", std::to_string(serial)}}});
+        put(keys::settings.currentStatus.patchesToInstall, {{{"update_name", std::to_string(serial)}}});
     std::istringstream lines(follower.output());
     std::vector<json> shown;
     for (std::string line; std::getline(lines, line);)

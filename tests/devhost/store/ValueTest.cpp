@@ -25,7 +25,7 @@ TEST(Value, readsTheTextsOfACommandLine)
         {Type::Object, "[1, 2", false},
     };
     for (const auto& row : rows) {
-        SCOPED_TRACE(std::string(typeName(row.type)) + " " + row.text);
+        SCOPED_TRACE(vx::toText(row.type) + " " + row.text);
         if (!row.valid) {
             EXPECT_THROW(Value::parse(row.text, row.type), StoreException);
             continue;
