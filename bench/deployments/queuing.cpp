@@ -11,7 +11,7 @@ using nlohmann::json;
 
 namespace {
 
-constexpr const wchar_t* queueKey = L"windows.tarnpatch.installation.deployment_queue";
+const std::wstring queueKey = vx::tarn::TarnpatchSettings(nullptr).installation.deploymentQueue.key();
 
 } // namespace
 

@@ -17,7 +17,7 @@ namespace {
 
 using nlohmann::json;
 
-constexpr const wchar_t* key = L"windows.tarnpatch.installation.deployment_queue";
+const std::wstring key = TarnpatchSettings(nullptr).installation.deploymentQueue.key();
 
 /// Carries out a write that is still on its way just before the list is read for that many times more.
 struct LateStore : support::FakeSettings {

@@ -31,9 +31,6 @@ struct FakeFactory : common::CommonFactory, common::IUpdaterLauncher {
 
 class ActionsTest : public testing::Test {
 protected:
-    static constexpr auto wait = L"windows.tarnpatch.installation.completion.wait";
-    static constexpr auto inProgress = L"windows.tarnpatch.installation.in_progress";
-
     Calls callsOf(ActionBase& action)
     {
         factory.calls.clear();
@@ -44,6 +41,9 @@ protected:
     support::FakeClock clock;
     std::shared_ptr<support::FakeSettings> store = std::make_shared<support::FakeSettings>();
     TarnpatchSettings settings{support::FakeSettings::handle(store)};
+    const CompletionSettings& completion = settings.installation.completion;
+    const std::wstring wait = completion.wait.key();
+    const std::wstring inProgress = settings.installation.inProgress.key();
     FakeFactory factory;
 };
 
@@ -51,7 +51,7 @@ TEST_F(ActionsTest, scanIfExpiredComparesWithThePeriodInSeconds)
 {
     ScanIfExpired action(&factory, &settings);
     EXPECT_EQ(callsOf(action), Calls{"older 86400"});
-    store->setInt32Value(L"windows.tarnpatch.scanning.automatic.maximum_rescanning_period", 2'000'000'000);
+    store->setInt32Value(settings.scanning.automatic.maximumRescanningPeriod.key(), 2'000'000'000);
     EXPECT_EQ(callsOf(action), Calls{"older 7200000000000"});
 }
 
@@ -79,14 +79,14 @@ TEST_F(ActionsTest, startupScanAsksWithTheObjectsAgeUnlessADeploymentIsWaitedFor
 TEST_F(ActionsTest, startupScanDelayHasThePartOfAnUnseededGenerator)
 {
     const support::LogCapture log;
-    const std::wstring key = L"windows.tarnpatch.scanning.automatic.scanning_on_system_startup.";
+    const auto& startup = settings.scanning.automatic.scanningOnSystemStartup;
     const struct {
         int delay, interval, expected[4];
     } rows[] = {{3, 799, {3, 453, 157, 649}}, {3, 800, {4, 453, 157, 649}},
         {2'000'000'000, 1, {2'000'000'000, 2'000'000'000, 2'000'000'000, 2'000'000'000}}};
     for (const auto& row : rows) {
-        store->setInt32Value(key + L"delay", row.delay);
-        store->setInt32Value(key + L"randomization_interval", row.interval);
+        store->setInt32Value(startup.delay.key(), row.delay);
+        store->setInt32Value(startup.randomizationInterval.key(), row.interval);
         // Another module of the host may have drawn on this thread, or seeded the generator.
         std::srand(row.interval);
         StartupAutoScan action(&factory, &settings);
@@ -98,8 +98,7 @@ TEST_F(ActionsTest, startupScanDelayHasThePartOfAnUnseededGenerator)
 
 TEST_F(ActionsTest, watchdogGivesUpOnTheDeploymentThatItFound)
 {
-    const std::wstring completion = L"windows.tarnpatch.installation.completion.";
-    store->setInt32Value(completion + L"timeout", 20);
+    store->setInt32Value(completion.timeout.key(), 20);
     const struct {
         const char* name;
         bool waitBefore, progressBefore, waitAfter, progressAfter;
@@ -116,12 +115,12 @@ TEST_F(ActionsTest, watchdogGivesUpOnTheDeploymentThatItFound)
         SCOPED_TRACE(row.name);
         store->setBoolValue(wait, row.waitBefore);
         store->setBoolValue(inProgress, row.progressBefore);
-        store->setInt64Value(completion + L"timestamp", 7);
+        store->setInt64Value(completion.timestamp.key(), 7);
         StartupDeployWatchdog action(&factory, &settings);
         EXPECT_EQ(action.getDelay(), minutes(row.delay));
         store->setBoolValue(wait, row.waitAfter);
         store->setBoolValue(inProgress, row.progressAfter);
-        store->setInt64Value(completion + L"timestamp", row.timeAfter);
+        store->setInt64Value(completion.timestamp.key(), row.timeAfter);
         EXPECT_EQ(callsOf(action), Calls{});
         EXPECT_EQ(store->getBoolValue(wait), row.waitAfter && !row.resets);
         EXPECT_EQ(store->getBoolValue(inProgress), row.progressAfter && !row.resets);

@@ -13,10 +13,12 @@ namespace {
 
 using nlohmann::json;
 
-constexpr const wchar_t* queueKey = L"windows.tarnpatch.installation.deployment_queue";
-constexpr const wchar_t* missingKey = L"status.windows.tarnpatch.scanning.last_scanning.missing_updates";
-constexpr const wchar_t* logKey = L"status.windows.tarnpatch.installation.log.entries";
-constexpr const wchar_t* resultKey = L"windows.tarnpatch.current_status.patches_to_install";
+const TarnpatchSettings keys{nullptr};
+const TarnpatchStatus statusKeys{nullptr};
+const std::wstring queueKey = keys.installation.deploymentQueue.key();
+const std::wstring missingKey = statusKeys.scanning.lastScanning.missingUpdates.key();
+const std::wstring logKey = statusKeys.installation.log.entries.key();
+const std::wstring resultKey = keys.currentStatus.patchesToInstall.key();
 
 struct CurrentOperationsTest : testing::Test {
     std::shared_ptr<support::FakeSettings> store = std::make_shared<support::FakeSettings>();

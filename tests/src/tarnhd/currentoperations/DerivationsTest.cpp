@@ -34,17 +34,19 @@ using nlohmann::json;
 TEST(Derivations, areOneAPatchAndPassWhateverLogAndFilters)
 {
     const auto store = std::make_shared<support::FakeSettings>();
-    store->setJsonValue(L"status.windows.tarnpatch.scanning.last_scanning.missing_updates",
+    const TarnpatchSettings keys{nullptr};
+    const TarnpatchStatus statusKeys{nullptr};
+    store->setJsonValue(statusKeys.scanning.lastScanning.missingUpdates.key(),
         {{{"update_name", "a"}}, {{"update_name", "b"}}, {{"update_name", "c"}}});
-    store->setJsonValue(L"status.windows.tarnpatch.installation.log.entries", {{{"update_id", "x"}}});
-    store->setJsonValue(L"windows.tarnpatch.installation.deployment_queue",
+    store->setJsonValue(statusKeys.installation.log.entries.key(), {{{"update_id", "x"}}});
+    store->setJsonValue(keys.installation.deploymentQueue.key(),
         {{{"update_id", "ID=x&y"}}, {{"update_id", "ID=z"}}, {{"update_id", "GUID=z"}}, {{"update_id", "ALL"}}});
     CurrentOperations operations(support::FakeSettings::handle(store));
     for (const int expected : {3, 6}) {
         operations.update();
         EXPECT_EQ(hashes, expected);
     }
-    EXPECT_EQ(store->getJsonValue(L"windows.tarnpatch.current_status.patches_to_install").size(), 3u);
+    EXPECT_EQ(store->getJsonValue(keys.currentStatus.patchesToInstall.key()).size(), 3u);
 }
 
 } // namespace

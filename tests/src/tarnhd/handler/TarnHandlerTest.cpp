@@ -3,6 +3,9 @@
 #include "common/factory/commonfactory.h"
 #include "common/globalatom/iglobalatom.h"
 #include "common/patchstorage/ipatchstorage.h"
+#include "common/settings/hostsettings.h"
+#include "common/settings/tarnpatchsettings.h"
+#include "common/settings/tarnpatchstatus.h"
 #include "common/updaterlauncher/iupdaterlauncher.h"
 #include "logging/logstream.h"
 #include "support/fakesettings.h"
@@ -18,16 +21,17 @@ namespace {
 
 using Entries = std::vector<std::string>;
 
-const std::wstring profileKey = L"status.windows.meridia.last_successful_update_timestamp";
-const std::wstring statusEnabledKey = L"status.windows.tarnpatch.enabled";
-const std::wstring missingUpdatesKey = L"status.windows.tarnpatch.scanning.last_scanning.missing_updates";
-const std::wstring restartNeededKey =
-    L"status.windows.tarnpatch.installation.last_installation.restart_computer_needed";
-const std::wstring startupScanKey = L"windows.tarnpatch.scanning.automatic.scanning_on_system_startup.enabled";
-const std::wstring waitKey = L"windows.tarnpatch.installation.completion.wait";
-const std::wstring inProgressKey = L"windows.tarnpatch.installation.in_progress";
-const std::wstring queueKey = L"windows.tarnpatch.installation.deployment_queue";
-const std::wstring installKey = L"windows.tarnpatch.remote_operations.install_updates.";
+const TarnpatchSettings keys{nullptr};
+const TarnpatchStatus statusKeys{nullptr};
+const std::wstring profileKey = HostSettings(nullptr).lastSuccessfulUpdateTimestamp.key();
+const std::wstring statusEnabledKey = statusKeys.enabled.key();
+const std::wstring missingUpdatesKey = statusKeys.scanning.lastScanning.missingUpdates.key();
+const std::wstring restartNeededKey = statusKeys.installation.lastInstallation.restartComputerNeeded.key();
+const std::wstring startupScanKey = keys.scanning.automatic.scanningOnSystemStartup.enabled.key();
+const std::wstring waitKey = keys.installation.completion.wait.key();
+const std::wstring inProgressKey = keys.installation.inProgress.key();
+const std::wstring queueKey = keys.installation.deploymentQueue.key();
+const RemoteInstallationSettings& install = keys.remoteOperations.installUpdates;
 
 /// Nothing of the system: it is itself the launcher, storage and atom that it gives out.
 class FakeCommonFactory : public common::CommonFactory,
@@ -285,7 +289,7 @@ TEST_F(TarnHandlerTest, emptiesTheStatusWhenSwitchedOffAndScansWhenSwitchedOn)
         const std::size_t before = common->done.size();
         const bool enable = before > 2;
         store.setJsonValue(missingUpdatesKey, {1, 2});
-        store.setBoolValue(L"windows.tarnpatch.enabled", enable);
+        store.setBoolValue(keys.enabled.key(), enable);
         EXPECT_EQ(doneAfter(before, expected.size()), expected);
         EXPECT_EQ(store.getBoolValue(statusEnabledKey), enable);
         EXPECT_EQ(store.getJsonValue(missingUpdatesKey).size(), enable ? 2u : 0u);
@@ -303,10 +307,10 @@ TEST_F(TarnHandlerTest, answersEachChange)
         {queueKey, json::array(), {}},
         {queueKey, json::array({{{"update_id", "x"}}}), {"scan"}},
         {waitKey, false, {"update", "scan"}},
-        {L"windows.tarnpatch.remote_operations.scan_for_updates.start", 8, {"reason 1", "scan"}},
-        {installKey + L"updates_to_install", "ALL", {}},
+        {keys.remoteOperations.scanForUpdates.start.key(), 8, {"reason 1", "scan"}},
+        {install.updatesToInstall.key(), "ALL", {}},
         // A new item of the queue starts the agent once by itself.
-        {installKey + L"start", 1, {"scan", "reason 2", "scan"}},
+        {install.start.key(), 1, {"scan", "reason 2", "scan"}},
     };
     beginAndWait();
     for (const auto& row : rows) {
@@ -322,10 +326,10 @@ TEST_F(TarnHandlerTest, writesTheResultOfARefusedInstallationBeforeTheAcknowledg
 {
     beginAndWait();
     store.setBoolValue(statusEnabledKey, false);
-    store.setInt64Value(installKey + L"start", 4);
+    store.setInt64Value(install.start.key(), 4);
     const auto writes = store.writes();
     EXPECT_EQ(std::vector(writes.end() - 3, writes.end()),
-        (std::vector{installKey + L"result", installKey + L"result", installKey + L"ack"}));
+        (std::vector<std::wstring>{install.result.key(), install.result.key(), install.ack.key()}));
 }
 
 TEST_F(TarnHandlerTest, completesAFinishedDeploymentOnceThroughAFailureAndARunningAgent)

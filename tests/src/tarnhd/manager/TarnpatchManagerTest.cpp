@@ -22,9 +22,11 @@ using testing::ElementsAre;
 
 constexpr auto installationKey = L"HKEY_LOCAL_MACHINE\\Software\\Vantorix\\tarn";
 constexpr auto eventName = L"Global\\ScanEvent{450C4D2D-AE20-440a-9AAA-F770900831AD}";
-constexpr auto timestampKey = L"status.windows.tarnpatch.scanning.last_scanning.timestamp";
-constexpr auto waitKey = L"windows.tarnpatch.installation.completion.wait";
-const std::wstring remoteKey = L"windows.tarnpatch.remote_operations.";
+const TarnpatchSettings keys{nullptr};
+const std::wstring timestampKey = TarnpatchStatus(nullptr).scanning.lastScanning.timestamp.key();
+const std::wstring waitKey = keys.installation.completion.wait.key();
+const std::wstring scanStartKey = keys.remoteOperations.scanForUpdates.start.key();
+const std::wstring scanAckKey = keys.remoteOperations.scanForUpdates.ack.key();
 const std::string plain = "C:\\Tarn\\tarnag.exe|";
 
 /// One start of the agent: what it answers and what happens meanwhile.
@@ -148,16 +150,16 @@ TEST_F(TarnpatchManagerTest, answersTheLaterReasonAtEachAttemptAndDropsItThen)
     start();
     manager->setStartReason(AgentStartReason::RemoteDeployment);
     manager->setStartReason(AgentStartReason::RemoteScan);
-    store->setInt64Value(remoteKey + L"scan_for_updates.start", 3);
+    store->setInt64Value(scanStartKey, 3);
     factory.script[1].exitCode = 8;
     factory.script[2].beforeExitCode = [this] {
-        EXPECT_EQ(store->getInt64Value(remoteKey + L"scan_for_updates.ack"), 3);
-        store->setInt64Value(remoteKey + L"scan_for_updates.start", 4);
+        EXPECT_EQ(store->getInt64Value(scanAckKey), 3);
+        store->setInt64Value(scanStartKey, 4);
     };
     startAgent(2);
     startAgent(3);
-    EXPECT_EQ(store->getInt64Value(remoteKey + L"scan_for_updates.ack"), 4);
-    EXPECT_FALSE(store->contains(remoteKey + L"install_updates.ack"));
+    EXPECT_EQ(store->getInt64Value(scanAckKey), 4);
+    EXPECT_FALSE(store->contains(keys.remoteOperations.installUpdates.ack.key()));
     EXPECT_EQ(log.count("Start reason is: 1"), 1u);
 }
 
