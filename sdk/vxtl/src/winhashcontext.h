@@ -8,7 +8,8 @@
 namespace vx::crypto {
 
 /// One computation of a hash by the system. One thread; the provider behind it is made once
-/// for each load of the module and never given back, as that must not happen while a library is unloaded. Throws Win32Exception.
+/// for each load of the module and never given back, as that must not happen while a library is unloaded. Throws
+/// Win32Exception.
 class WinHashContext {
 public:
     /// `algorithm` is the system's number of it.
