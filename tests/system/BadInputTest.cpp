@@ -44,7 +44,7 @@ TEST_F(BadInputTest, listsThatNestTooDeepAreSurvived)
     startHost();
     const auto deep = Value::fromObject(std::string(20'000, '[') + std::string(20'000, ']'));
     for (const std::string& key :
-        {settings + "installation.deployment_queue", missingUpdates, status + "installation.log.entries"}) {
+        {keyOf(settings.installation.deploymentQueue), missingUpdates, keyOf(status.installation.log.entries)}) {
         client.set(key, deep);
         waitForLog("Failed to read a nlohmann::json value: " + key + ". Exception caught: ");
     }

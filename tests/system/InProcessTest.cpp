@@ -16,7 +16,7 @@ protected:
     void SetUp() override
     {
         startStoreAlone();
-        client.set(std::string(host::keys::profile), Value::fromInt64(1));
+        client.set(host::keyOf(host::keys::host.lastSuccessfulUpdateTimestamp), Value::fromInt64(1));
         client.set(enabled, Value::fromBool(true));
     }
     /// One life: loaded, run until the agent has ended and `meanwhile` has returned, stopped, unloaded.

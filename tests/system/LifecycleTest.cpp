@@ -31,19 +31,19 @@ TEST_F(LifecycleTest, aStopLeavesTheRunningAgentAlone)
 
 TEST_F(LifecycleTest, aStopEndsTheWaitForAMutexThatAnotherProcessHolds)
 {
-    const std::string install = settings + "remote_operations.install_updates.";
+    const auto& install = settings.remoteOperations.installUpdates;
     std::int64_t request = 0;
     for (const std::string name : {"Global\\ScanMutex{450C4D2D-AE20-440a-9AAA-F770900831AD}",
              "TARN - DEPLOYMENT QUEUE - {D8AFE2BA-BD53-4D73-81D7-C8EF0DC5E27E}"}) {
         SCOPED_TRACE(name);
         startHost();
-        client.remove(install + "result");
-        client.set(install + "updates_to_install", Value::fromString("ALL"));
+        client.remove(keyOf(install.result));
+        client.set(keyOf(install.updatesToInstall), Value::fromString("ALL"));
         {
             vx::sync::GlobalMutex mutex(vx::str::fromUtf8(name));
             const std::lock_guard lock(mutex);
-            setNumber(install + "start", ++request);
-            waitForValue(install + "result", Value::fromString("failed"));
+            setNumber(keyOf(install.start), ++request);
+            waitForValue(keyOf(install.result), Value::fromString("failed"));
             EXPECT_EQ(stopHost(), 0u);
         }
         EXPECT_GE(logCount("Stopped while waiting for the mutex " + name), 1u);
