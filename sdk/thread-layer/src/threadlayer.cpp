@@ -28,6 +28,18 @@ Lock* ready(Word* word)
     return reinterpret_cast<Lock*>(word);
 }
 
+/// The system's functions change the thread's last error, which whoever throws or catches may be about to read.
+class LastErrorKeeper {
+public:
+    LastErrorKeeper() : m_error(GetLastError()) {}
+    ~LastErrorKeeper() { SetLastError(m_error); }
+    LastErrorKeeper(const LastErrorKeeper&) = delete;
+    LastErrorKeeper& operator=(const LastErrorKeeper&) = delete;
+
+private:
+    const DWORD m_error;
+};
+
 /// The one slot that the run-time uses, for what it keeps of each thread. The system's slots for fibers call back
 /// for every thread's value when the slot is given back. Older systems have only 128 of them for a whole process; when
 /// they are used up, one of the many slots for threads does, whose values are then left behind: a run-time without a
@@ -36,6 +48,7 @@ class Slot {
 public:
     int create(void (*destroy)(void*))
     {
+        const LastErrorKeeper keeper;
         m_destroy = destroy;
         m_fiberIndex = FlsAlloc(&destroyValue);
         if (m_fiberIndex == FLS_OUT_OF_INDEXES)
@@ -44,19 +57,14 @@ public:
     }
     void* get() const
     {
-        // The system's functions clear the thread's last error, which whoever throws or catches may be about to read.
-        const DWORD error = GetLastError();
-        void* const value = isFibers() ? FlsGetValue(m_fiberIndex) : TlsGetValue(m_threadIndex);
-        SetLastError(error);
-        return value;
+        const LastErrorKeeper keeper;
+        return isFibers() ? FlsGetValue(m_fiberIndex) : TlsGetValue(m_threadIndex);
     }
     int set(const void* value) const
     {
-        const DWORD error = GetLastError();
+        const LastErrorKeeper keeper;
         void* const own = const_cast<void*>(value);
-        const bool done = isFibers() ? FlsSetValue(m_fiberIndex, own) : TlsSetValue(m_threadIndex, own);
-        SetLastError(error);
-        return done ? 0 : EINVAL;
+        return (isFibers() ? FlsSetValue(m_fiberIndex, own) : TlsSetValue(m_threadIndex, own)) ? 0 : EINVAL;
     }
     void release()
     {
