@@ -206,12 +206,14 @@ command_lint() {
     # On: warning, performance, portability, that is what is likely wrong. Style is clang-format's and the
     # reviewer's. Off: what this version can't see through - members that braces initialise (uninitMemberVar),
     # macros of libraries (unknownMacro), lambdas that run inside a catch-all (throwInNoexceptFunction),
-    # views of temporaries that outlive the call (danglingTemporaryLifetime) - and
+    # views of temporaries that outlive the call (danglingTemporaryLifetime), constants that a more special kind
+    # gives another value (duplInheritedMember) - and
     # passedByValue, because small value types are passed by value here.
     cppcheck --enable=warning,performance,portability --std=c++20 --language=c++ --platform=win32W --quiet \
         --error-exitcode=1 --inline-suppr --library=windows --library=googletest -j "$(nproc)" \
         --suppress=missingInclude --suppress=missingIncludeSystem --suppress=uninitMemberVar \
         --suppress=unknownMacro --suppress=throwInNoexceptFunction --suppress=passedByValue --suppress=danglingTemporaryLifetime \
+        --suppress=duplInheritedMember \
         -Isrc -Idevhost -Itools $(printf -- '-I%s ' sdk/*/include sdk/*/src) \
         sdk src devhost tools bench || failed=1
     [ "$failed" -eq 0 ] || die "lint found something"
