@@ -1,7 +1,6 @@
 #include "idle.h"
 
 #include "host/directorywatch.h"
-#include "host/loglocation.h"
 #include "host/logreader.h"
 #include "host/pluginsession.h"
 #include "keys/keycatalogue.h"
@@ -42,7 +41,7 @@ void waitForProcessing()
     host::LogReader log(host::logLocation());
     log.rewind();
     host::DirectoryWatch watch(host::logLocation().parent_path());
-    const host::Signal never;
+    const ipc::Signal never;
     for (const auto end = std::chrono::steady_clock::now() + deadline; std::chrono::steady_clock::now() < end;) {
         for (const std::string& line : log.read())
             if (line.find("Run processing") != std::string::npos)

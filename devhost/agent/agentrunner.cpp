@@ -28,13 +28,13 @@ void linger(const AgentRun& run)
 void writeValue(const vx::settings::Settings& settings, const ScriptedValue& scripted)
 {
     const auto key = vx::str::fromUtf8(scripted.key);
-    const auto value = vx::parseJson(scripted.json);
-    switch (scripted.type) {
-    case store::Type::Boolean: return settings.setBoolValue(key, value.get<bool>());
-    case store::Type::Int32: return settings.setInt32Value(key, value.get<std::int32_t>());
-    case store::Type::Int64: return settings.setInt64Value(key, value.get<std::int64_t>());
-    case store::Type::String: return settings.setStringValue(key, vx::str::fromUtf8(value.get<std::string>()));
-    case store::Type::Object: return settings.setJsonValue(key, value);
+    const auto& value = scripted.value;
+    switch (value.type()) {
+    case store::Type::Boolean: return settings.setBoolValue(key, value.asBool());
+    case store::Type::Int32: return settings.setInt32Value(key, value.asInt32());
+    case store::Type::Int64: return settings.setInt64Value(key, value.asInt64());
+    case store::Type::String: return settings.setStringValue(key, vx::str::fromUtf8(value.asString()));
+    case store::Type::Object: return settings.setJsonValue(key, vx::parseJson(value.asObject()));
     }
 }
 

@@ -4,6 +4,7 @@
 #include "agent/scriptmember.h"
 #include "common/patches/updateid.h"
 #include "keys/keycatalogue.h"
+#include "store/protocol/errorcode.h"
 #include "vxtl/parsejson.h"
 #include "vxtl/str.h"
 
@@ -60,25 +61,15 @@ Type plainTypeOf(const Member& member)
     }
 }
 
-bool fits(Type type, const json& value)
-{
-    switch (type) {
-    case Type::Boolean: return value.is_boolean();
-    case Type::Int32:
-        return value.is_number_integer() &&
-               value.get<std::int64_t>() == static_cast<std::int32_t>(value.get<std::int64_t>());
-    case Type::Int64: return value.is_number_integer();
-    case Type::String: return value.is_string();
-    case Type::Object: return true;
-    }
-    return false;
-}
-
 ScriptedValue makeValue(const std::string& key, Type type, const json& value)
 {
-    if (!fits(type, value))
-        throw ScriptError(key + ": " + value.dump() + " is no " + vx::toText(type));
-    return {key, type, value.dump()};
+    const auto name = vx::toText(type);
+    try {
+        return {key,
+            store::Value::fromJson({{"type", name}, {"value", type == Type::Object ? json(value.dump()) : value}})};
+    } catch (const store::StoreException&) {
+        throw ScriptError(key + ": " + value.dump() + " is no " + name);
+    }
 }
 
 /// A value stands plain, or as {"type": "int32", "value": 5} where its key does not tell the type.

@@ -24,8 +24,7 @@ public:
 /// A value that a run writes to the store.
 struct ScriptedValue {
     std::string key;
-    store::Type type;
-    std::string json; ///< serialised; of the JSON type that goes with `type`
+    store::Value value;
 };
 
 /// How a run ends after it has written its results.

@@ -1,46 +1,23 @@
 #include "agent/gate.h"
 
 #include "agent/say.h"
+#include "ipc/signal.h"
 #include "vxtl/str.h"
 
 #include <optional>
-#include <stdexcept>
-#include <windows.h>
 
 namespace devhost::agent {
-
-NamedEvent::NamedEvent(const std::string& name)
-    : m_handle(CreateEventW(nullptr, TRUE, FALSE, vx::str::fromUtf8(name).c_str()))
-{
-    if (!m_handle)
-        throw std::runtime_error("event " + name + ": error " + std::to_string(GetLastError()));
-}
-
-NamedEvent::~NamedEvent()
-{
-    CloseHandle(m_handle);
-}
-
-void NamedEvent::set()
-{
-    SetEvent(m_handle);
-}
-
-void NamedEvent::wait()
-{
-    WaitForSingleObject(m_handle, INFINITE);
-}
 
 void pass(const Gate& gate)
 {
     // Stays open over the wait: the event must not vanish before somebody has looked at it.
-    std::optional<NamedEvent> started;
+    std::optional<ipc::Signal> started;
     if (!gate.startedEvent.empty())
-        started.emplace(gate.startedEvent).set();
+        started.emplace(vx::str::fromUtf8(gate.startedEvent)).set();
     if (gate.waitForEvent.empty())
         return;
     say("waiting for the event " + gate.waitForEvent);
-    NamedEvent(gate.waitForEvent).wait();
+    ipc::Signal(vx::str::fromUtf8(gate.waitForEvent)).wait(ipc::forever);
 }
 
 } // namespace devhost::agent

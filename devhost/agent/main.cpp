@@ -3,14 +3,12 @@
 
 #include "common/factory/commonfactory.h"
 #include "logging-backend/processlogger.h"
+#include "program/program.h"
 #include "settings-api/settings.h"
 #include "vxtl/str.h"
 
 #include <CLI/CLI.hpp>
 #include <cstdio>
-#include <fcntl.h>
-#include <io.h>
-#include <windows.h>
 
 namespace {
 
@@ -18,6 +16,7 @@ using devhost::agent::AgentRunner;
 using devhost::agent::AgentScript;
 using devhost::agent::RunJournal;
 using devhost::agent::Task;
+using devhost::program::ownFolder;
 
 // The agent's own codes for what can go wrong outside its script.
 constexpr int badArgument = 2;
@@ -35,13 +34,6 @@ then hang or crash (true), or exitCode. Without a script a scan finds two update
 deploy is true or an object with any of: items (how many of the queue's; all), states (each update's, in order),
 result (of the last state's log entries), code (of all states), stepMs (length of a state; 100), pauses (list of
 {"at": STATE, "startedEvent": E, "waitForEvent": E}), reboot (true: the updates and the plug-in wait for a reboot).)";
-
-std::filesystem::path ownFolder()
-{
-    wchar_t path[MAX_PATH];
-    GetModuleFileNameW(nullptr, path, MAX_PATH);
-    return std::filesystem::path(path).parent_path();
-}
 
 struct CommandLine {
     std::string command;
@@ -116,14 +108,7 @@ int start(const CommandLine& commandLine, const std::vector<std::string>& argume
 
 int wmain(int count, wchar_t** texts)
 {
-    // A scripted crash must end the process at once, without a dialog.
-    SetErrorMode(SEM_FAILCRITICALERRORS | SEM_NOGPFAULTERRORBOX);
-    _setmode(_fileno(stdout), _O_BINARY);
-    _setmode(_fileno(stderr), _O_BINARY);
-    std::vector<std::string> arguments;
-    for (int i = 1; i < count; ++i)
-        arguments.push_back(vx::str::toUtf8(texts[i]));
-
+    const auto arguments = devhost::program::begin(count, texts);
     CLI::App app(description, "tarnag");
     CommandLine commandLine;
     app.add_option("-c,--command", commandLine.command,

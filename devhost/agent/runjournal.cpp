@@ -1,5 +1,7 @@
 #include "agent/runjournal.h"
 
+#include "vxtl/handle.h"
+
 #include <nlohmann/json.hpp>
 #include <sstream>
 #include <stdexcept>
@@ -18,29 +20,21 @@ public:
               FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr, OPEN_ALWAYS, FILE_ATTRIBUTE_NORMAL,
               nullptr))
     {
-        if (m_file == INVALID_HANDLE_VALUE)
+        if (!m_file.isValid())
             fail("opened");
         m_place.Offset = 0x7FFFFFFF;
-        if (!LockFileEx(m_file, LOCKFILE_EXCLUSIVE_LOCK, 0, 1, 0, &m_place)) {
-            const auto code = GetLastError();
-            CloseHandle(m_file);
-            SetLastError(code);
+        if (!LockFileEx(m_file.get(), LOCKFILE_EXCLUSIVE_LOCK, 0, 1, 0, &m_place))
             fail("locked");
-        }
     }
-    ~LockedFile()
-    {
-        UnlockFileEx(m_file, 0, 1, 0, &m_place);
-        CloseHandle(m_file);
-    }
+    ~LockedFile() { UnlockFileEx(m_file.get(), 0, 1, 0, &m_place); }
     LockedFile(const LockedFile&) = delete;
     LockedFile& operator=(const LockedFile&) = delete;
 
     std::string read()
     {
-        std::string text(GetFileSize(m_file, nullptr), '\0');
+        std::string text(GetFileSize(m_file.get(), nullptr), '\0');
         DWORD got = 0;
-        if (!ReadFile(m_file, text.data(), static_cast<DWORD>(text.size()), &got, nullptr))
+        if (!ReadFile(m_file.get(), text.data(), static_cast<DWORD>(text.size()), &got, nullptr))
             fail("read");
         text.resize(got);
         return text;
@@ -48,9 +42,9 @@ public:
 
     void append(const std::string& text)
     {
-        SetFilePointer(m_file, 0, nullptr, FILE_END);
+        SetFilePointer(m_file.get(), 0, nullptr, FILE_END);
         DWORD written = 0;
-        if (!WriteFile(m_file, text.data(), static_cast<DWORD>(text.size()), &written, nullptr))
+        if (!WriteFile(m_file.get(), text.data(), static_cast<DWORD>(text.size()), &written, nullptr))
             fail("written");
     }
 
@@ -61,7 +55,7 @@ private:
         throw std::runtime_error(std::string("the list of runs cannot be ") + what + ": error " + std::to_string(code));
     }
 
-    HANDLE m_file;
+    vx::KernelHandle m_file;
     OVERLAPPED m_place{};
 };
 

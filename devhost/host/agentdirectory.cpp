@@ -1,20 +1,19 @@
 #include "host/agentdirectory.h"
 
+#include "common/utils/folders.h"
 #include "host/exitcode.h"
 #include "host/systemtext.h"
 #include "vxtl/parsejson.h"
+#include "vxtl/registry.h"
+#include "vxtl/win32exception.h"
 
 #include <algorithm>
 #include <fstream>
 #include <nlohmann/json.hpp>
-#include <windows.h>
 
 namespace devhost::host {
 
 namespace {
-
-constexpr auto productKey = L"Software\\Vantorix\\tarn";
-constexpr auto valueName = L"InstallationDirectory";
 
 std::string join(const nlohmann::json& arguments)
 {
@@ -41,26 +40,20 @@ void takeLine(std::vector<AgentStart>& starts, const nlohmann::json& entry)
 
 std::optional<std::filesystem::path> readAgentDirectory()
 {
-    wchar_t buffer[MAX_PATH + 1] = {};
-    DWORD size = sizeof(buffer) - sizeof(wchar_t);
-    // A 32-bit program sees the 32-bit view, as the plug-in does.
-    const auto status = RegGetValueW(HKEY_LOCAL_MACHINE, productKey, valueName, RRF_RT_REG_SZ, nullptr, buffer, &size);
-    return status == ERROR_SUCCESS ? std::optional<std::filesystem::path>(buffer) : std::nullopt;
+    const auto folder = vx::tarn::common::utils::getInstallationPath(vx::registry::createWin32Registry());
+    return folder.empty() ? std::nullopt : std::optional<std::filesystem::path>(folder);
 }
 
 void writeAgentDirectory(const std::filesystem::path& folder)
 {
-    HKEY key = nullptr;
-    auto status = RegCreateKeyExW(HKEY_LOCAL_MACHINE, productKey, 0, nullptr, 0, KEY_SET_VALUE, nullptr, &key, nullptr);
-    if (status == ERROR_SUCCESS) {
-        const auto text = std::filesystem::absolute(folder).native();
-        status = RegSetValueExW(key, valueName, 0, REG_SZ, reinterpret_cast<const BYTE*>(text.c_str()),
-            static_cast<DWORD>((text.size() + 1) * sizeof(wchar_t)));
-        RegCloseKey(key);
+    try {
+        vx::registry::createWin32Registry()
+            ->createKey(L"HKEY_LOCAL_MACHINE\\Software\\Vantorix\\tarn", vx::registry::writeAccess)
+            ->setStringValue(L"InstallationDirectory", std::filesystem::absolute(folder).native());
+    } catch (const vx::Win32Exception& exception) {
+        throw CommandError(
+            ExitCode::Failed, "cannot write the agent's folder to the registry: " + systemText(exception.code()));
     }
-    if (status != ERROR_SUCCESS)
-        throw CommandError(ExitCode::Failed,
-            "cannot write the agent's folder to the registry: " + systemText(static_cast<unsigned long>(status)));
 }
 
 std::vector<AgentStart> readAgentStarts(const std::filesystem::path& folder)

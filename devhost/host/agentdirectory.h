@@ -7,7 +7,7 @@
 
 namespace devhost::host {
 
-/// The folder in which the plug-in looks for the agent: a registry value in the 32-bit view.
+/// The folder in which the plug-in looks for the agent; none when the registry names none.
 std::optional<std::filesystem::path> readAgentDirectory();
 /// Throws CommandError.
 void writeAgentDirectory(const std::filesystem::path& folder);

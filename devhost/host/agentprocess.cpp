@@ -5,6 +5,7 @@
 #include "host/agentdirectory.h"
 #include "host/exitcode.h"
 #include "host/systemtext.h"
+#include "vxtl/handle.h"
 
 #include <windows.h>
 
@@ -22,6 +23,13 @@ bool hasDeploymentToFinish()
 
 } // namespace
 
+std::optional<unsigned long> waitForExit(void* process, std::chrono::milliseconds timeout)
+{
+    DWORD code = 0;
+    const bool ended = WaitForSingleObject(process, static_cast<DWORD>(timeout.count())) == WAIT_OBJECT_0;
+    return ended && GetExitCodeProcess(process, &code) ? std::optional(code) : std::nullopt;
+}
+
 unsigned long runAgent(
     const std::filesystem::path& folder, const std::wstring& arguments, std::chrono::milliseconds timeout)
 {
@@ -33,14 +41,11 @@ unsigned long runAgent(
     if (!CreateProcessW(
             program.c_str(), line.data(), nullptr, nullptr, FALSE, 0, nullptr, folder.c_str(), &startup, &process))
         throw CommandError(ExitCode::Failed, "cannot start " + toText(program) + ": " + systemText(GetLastError()));
-    CloseHandle(process.hThread);
-    DWORD code = 0;
-    const bool ended = WaitForSingleObject(process.hProcess, static_cast<DWORD>(timeout.count())) == WAIT_OBJECT_0;
-    GetExitCodeProcess(process.hProcess, &code);
-    CloseHandle(process.hProcess);
-    if (!ended)
-        throw CommandError(ExitCode::TimedOut, toText(program) + " has not ended in time");
-    return code;
+    const vx::KernelHandle handle(process.hProcess);
+    const vx::KernelHandle thread(process.hThread);
+    if (const auto code = waitForExit(handle.get(), timeout))
+        return *code;
+    throw CommandError(ExitCode::TimedOut, toText(program) + " has not ended in time");
 }
 
 std::optional<unsigned long> runBootWork()

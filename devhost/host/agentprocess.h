@@ -7,6 +7,9 @@
 
 namespace devhost::host {
 
+/// The exit code of a process (native handle, borrowed) that ends within the time; nothing when it has not.
+std::optional<unsigned long> waitForExit(void* process, std::chrono::milliseconds timeout);
+
 /// Runs tarnag.exe of a folder to its end and gives its exit code. Throws CommandError: Failed when it cannot be
 /// started, TimedOut when it has not ended in time; then it is left running.
 unsigned long runAgent(

@@ -22,7 +22,7 @@ void DirectoryWatch::open()
     m_notification = handle == INVALID_HANDLE_VALUE ? nullptr : handle;
 }
 
-DirectoryWatch::Result DirectoryWatch::wait(const Signal& stop, unsigned long timeoutMs)
+DirectoryWatch::Result DirectoryWatch::wait(const ipc::Signal& stop, unsigned long timeoutMs)
 {
     if (!m_notification)
         open();

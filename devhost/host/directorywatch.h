@@ -1,6 +1,6 @@
 #pragma once
 
-#include "host/signal.h"
+#include "ipc/signal.h"
 
 #include <filesystem>
 
@@ -19,7 +19,7 @@ public:
 
     /// Blocks until a file was written, made, renamed or removed since the last wait, `stop` is set, or
     /// the time is over.
-    Result wait(const Signal& stop, unsigned long timeoutMs);
+    Result wait(const ipc::Signal& stop, unsigned long timeoutMs);
 
 private:
     void open();

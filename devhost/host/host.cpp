@@ -3,12 +3,13 @@
 #include "host/agentdirectory.h"
 #include "host/agentprocess.h"
 #include "host/bootatom.h"
-#include "host/controlserver.h"
-#include "host/hostinstance.h"
+#include "host/control.h"
 #include "host/printer.h"
 #include "host/stopsignal.h"
 #include "host/storemonitor.h"
 #include "host/systemtext.h"
+#include "ipc/instance.h"
+#include "ipc/listener.h"
 #include "store/server/server.h"
 #include "vxtl/str.h"
 
@@ -36,7 +37,10 @@ Host::Host(const Context& context, HostOptions options) : m_context(context), m_
 ExitCode Host::run()
 {
     // First, so that a second host of the instance ends before it disturbs anything.
-    const InstanceLock lock(m_context.instance);
+    const auto lock = ipc::lockPart(m_context.instance, L"host");
+    if (!lock)
+        throw CommandError(ExitCode::AlreadyRunning,
+            "a host of the instance \"" + vx::str::toUtf8(m_context.instance) + "\" is already running");
     prepare();
     std::optional<store::Server> server;
     if (m_options.store) {
@@ -47,11 +51,10 @@ ExitCode Host::run()
     StoreMonitor monitor(m_context.instance, m_context.printer,
         m_options.provideProfile ? StoreMonitor::Profile::Provide : StoreMonitor::Profile::LeaveAlone);
     startPlugin();
-    std::optional<ControlServer> control(
-        std::in_place, m_context.instance, [this](const json& request) { return handle(request); });
-    ReadySignal ready(m_context.instance);
+    auto control = serveControl(m_context.instance, [this](const json& request) { return handle(request); });
+    const ipc::Signal ready(ipc::objectName(m_context.instance, L"ready"));
     ready.set();
-    const auto time = m_options.runTime ? std::chrono::milliseconds(*m_options.runTime).count() : forever;
+    const auto time = m_options.runTime ? std::chrono::milliseconds(*m_options.runTime).count() : ipc::forever;
     m_context.stop.wait(static_cast<unsigned long>(time));
     ready.reset();
     // A request that is being carried out is finished first.
@@ -65,7 +68,7 @@ ExitCode Host::run()
 
 void Host::prepare()
 {
-    exportInstance(m_context.instance);
+    ipc::exportInstance(m_context.instance);
     if (m_options.agentDirectory && !is_directory(*m_options.agentDirectory))
         throw CommandError(ExitCode::BadUsage, "there is no folder " + toText(*m_options.agentDirectory));
     if (m_options.agentDirectory)
@@ -203,7 +206,7 @@ ExitCode serveStore(const Context& context, const std::filesystem::path& file)
     store::Server server(file.native(), context.instance);
     server.start();
     showServing(context, server);
-    context.stop.wait(forever);
+    context.stop.wait(ipc::forever);
     server.stop();
     return ExitCode::Done;
 }

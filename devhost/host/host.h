@@ -51,7 +51,7 @@ private:
     std::string m_state = "not loaded";    ///< guarded by m_stateMutex
     std::optional<std::uint32_t> m_result; ///< guarded by m_stateMutex; of the last main callback
     bool m_failed = false;                 ///< of the thread that has m_session
-    /// Of the main thread before and after the control server lives, of that server's thread meanwhile.
+    /// Of the main thread before and after the control server lives, of the handler's turn meanwhile.
     std::optional<PluginSession> m_session;
 };
 

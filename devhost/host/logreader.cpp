@@ -2,6 +2,8 @@
 
 #include "host/exitcode.h"
 #include "host/systemtext.h"
+#include "logging-backend/location.h"
+#include "vxtl/handle.h"
 #include "vxtl/str.h"
 
 #include <array>
@@ -29,6 +31,12 @@ std::string toUtf8(std::wstring_view line)
 
 } // namespace
 
+std::filesystem::path logLocation()
+{
+    using namespace VxQrlLogging;
+    return std::filesystem::path(logFolder(makerFolder(Location::Machine), L"tarn")) / L"tarnhd.log";
+}
+
 /// Where reading stands while no file is open. The system's number of a file may be given to another one
 /// once the file is deleted, so its first bytes belong to its identity, as far as they were there.
 struct LogReader::Position {
@@ -52,9 +60,6 @@ public:
             throw CommandError(ExitCode::Failed, "cannot read " + toText(path) + ": " + systemText(code));
         return nullptr;
     }
-    ~File() { CloseHandle(m_handle); }
-    File(const File&) = delete;
-    File& operator=(const File&) = delete;
 
     bool isSame(const File& other) const { return m_number == other.m_number; }
     bool isAt(const Position& position) const
@@ -88,7 +93,7 @@ private:
         OVERLAPPED place{};
         place.Offset = static_cast<DWORD>(offset);
         place.OffsetHigh = static_cast<DWORD>(offset >> 32);
-        return ReadFile(m_handle, buffer, size, &got, &place) ? got : 0;
+        return ReadFile(m_handle.get(), buffer, size, &got, &place) ? got : 0;
     }
 
     std::string readHead() const
@@ -98,7 +103,7 @@ private:
         return head;
     }
 
-    HANDLE m_handle;
+    vx::KernelHandle m_handle;
     std::array<DWORD, 3> m_number;
     std::uint64_t m_offset = 0;
     std::array<wchar_t, 16384> m_buffer;

@@ -8,6 +8,9 @@
 
 namespace devhost::host {
 
+/// Where the plug-in's log is when an administrator runs it. The file need not exist.
+std::filesystem::path logLocation();
+
 /// Reads a rotated UTF-16 log that other programs write: NAME.log is the current file, NAME.1.log the one
 /// before it, and so on. Each call continues where the last one ended, through any number of rotations, so
 /// that no line is lost or told twice as long as its file still exists. Holds no file open between

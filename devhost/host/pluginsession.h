@@ -3,7 +3,7 @@
 #include "host/hostcallbacks.h"
 #include "host/pluginloader.h"
 #include "host/pluginrecord.h"
-#include "host/signal.h"
+#include "ipc/signal.h"
 
 #include <chrono>
 #include <functional>
@@ -44,7 +44,7 @@ public:
 
 private:
     struct MainEnd {
-        Signal told;
+        ipc::Signal told;
         std::uint32_t code = 0; ///< written before `told` is set
     };
 

@@ -2,6 +2,7 @@
 
 #include <cstdio>
 #include <nlohmann/json.hpp>
+#include <ostream>
 #include <windows.h>
 
 namespace devhost::host {
@@ -46,9 +47,7 @@ void Printer::result(std::string_view text, const nlohmann::json& object)
 void Printer::line(std::string_view text)
 {
     const std::lock_guard lock(m_mutex);
-    std::fwrite(text.data(), 1, text.size(), stdout);
-    std::fputc('\n', stdout);
-    std::fflush(stdout);
+    m_output << text << std::endl;
 }
 
 } // namespace devhost::host

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <iosfwd>
 #include <mutex>
 #include <nlohmann/json_fwd.hpp>
 #include <string>
@@ -7,13 +8,14 @@
 
 namespace devhost::host {
 
-/// Writes results and events to standard output, for people or as one JSON object per line. Any thread;
-/// each call is one whole line, shown at once. Texts are UTF-8.
+/// Writes results and events, for people or as one JSON object per line. Any thread; each call is one whole
+/// line, shown at once. Texts are UTF-8.
 class Printer {
 public:
     enum class Form { Text, Json };
 
-    explicit Printer(Form form) : m_form(form) {}
+    /// The stream is borrowed.
+    Printer(Form form, std::ostream& output) : m_form(form), m_output(output) {}
 
     bool isJson() const { return m_form == Form::Json; }
     /// A line with the time in front, for what happens while a command runs: `text` for people; the
@@ -26,6 +28,7 @@ public:
 private:
     Form m_form;
     std::mutex m_mutex;
+    std::ostream& m_output; ///< guarded by m_mutex
 };
 
 } // namespace devhost::host

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "host/signal.h"
+#include "ipc/signal.h"
 #include "store/client/client.h"
 
 #include <string>
@@ -27,7 +27,7 @@ private:
 
     Printer& m_printer;
     Profile m_profile;
-    Signal m_stop;
+    ipc::Signal m_stop;
     store::Client m_values;
     store::Client m_changes; ///< destroyed first: its callback uses m_values
     std::thread m_thread;

@@ -3,7 +3,6 @@
 #include "host/agentdirectory.h"
 #include "host/bootatom.h"
 #include "host/directorywatch.h"
-#include "host/loglocation.h"
 #include "store/protocol/errorcode.h"
 
 #include <algorithm>
@@ -122,7 +121,7 @@ void SystemTest::waitFor(
 {
     std::filesystem::create_directories(changing);
     devhost::host::DirectoryWatch watch(changing);
-    const devhost::host::Signal never;
+    const devhost::ipc::Signal never;
     const auto end = std::chrono::steady_clock::now() + deadline;
     while (!condition()) {
         if (std::chrono::steady_clock::now() >= end)

@@ -1,5 +1,6 @@
 #include "libraries/vx_qrl_meridia_32/library.h"
 
+#include "ipc/instance.h"
 #include "vxtl/str.h"
 
 #include <algorithm>
@@ -57,7 +58,7 @@ std::shared_ptr<Client> Library::acquire()
 {
     const std::lock_guard lock(m_mutex);
     if (!m_client) {
-        m_client = std::make_shared<Client>(instanceFromEnvironment(), Role::Application);
+        m_client = std::make_shared<Client>(ipc::instanceFromEnvironment(), Role::Application);
         m_module = holdModule();
     }
     ++m_users;

@@ -1,6 +1,6 @@
 #include "store/client/callchannel.h"
 
-#include "store/client/handshake.h"
+#include "ipc/instance.h"
 #include "store/protocol/errorcode.h"
 #include "vxtl/parsejson.h"
 
@@ -18,7 +18,7 @@ std::string toFrame(const nlohmann::json& request, const std::string& subject)
     } catch (const nlohmann::json::exception&) {
         throw StoreException(ErrorCode::InvalidParameter, subject, "text is not UTF-8");
     }
-    if (frame.size() > longestFrame)
+    if (frame.size() > ipc::longestFrame)
         throw StoreException(ErrorCode::SizeLimit, subject);
     return frame;
 }
@@ -45,10 +45,19 @@ nlohmann::json CallChannel::call(const nlohmann::json& request, const std::strin
     return reply;
 }
 
+std::unique_ptr<ipc::Pipe> CallChannel::connect(nlohmann::json hello, ipc::Limits limits) const
+{
+    hello["role"] = m_role == Role::Tool ? "tool" : "application";
+    auto pipe = ipc::Pipe::connect(ipc::pipeName(m_instance, L"store"), limits);
+    if (!pipe || !pipe->send(hello.dump()) || !pipe->receive())
+        return nullptr;
+    return pipe;
+}
+
 std::optional<std::string> CallChannel::exchange(const std::string& frame)
 {
     if (!m_pipe)
-        m_pipe = openChannel(m_instance, m_role, {{"channel", "calls"}}, nullptr);
+        m_pipe = connect({{"channel", "calls"}});
     if (!m_pipe)
         return std::nullopt;
     std::optional<std::string> answer;

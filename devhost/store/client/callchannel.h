@@ -1,6 +1,6 @@
 #pragma once
 
-#include "store/protocol/pipe.h"
+#include "ipc/pipe.h"
 #include "store/protocol/role.h"
 
 #include <mutex>
@@ -20,8 +20,9 @@ public:
     /// StoreException with the reply's code, or Unreachable; `subject` stands at the head of its line.
     nlohmann::json call(const nlohmann::json& request, const std::string& subject);
 
-    const std::wstring& instance() const noexcept { return m_instance; }
-    Role role() const noexcept { return m_role; }
+    /// A connection to the same server beside this one, as the same caller; `hello` holds "channel" and what that
+    /// kind needs. Null when nobody listens, the server refuses or a limit is reached.
+    std::unique_ptr<ipc::Pipe> connect(nlohmann::json hello, ipc::Limits limits = {}) const;
 
 private:
     std::optional<std::string> exchange(const std::string& frame);
@@ -29,7 +30,7 @@ private:
     std::wstring m_instance;
     Role m_role;
     std::mutex m_mutex;
-    std::unique_ptr<Pipe> m_pipe; ///< guarded by m_mutex; null when not connected
+    std::unique_ptr<ipc::Pipe> m_pipe; ///< guarded by m_mutex; null when not connected
 };
 
 } // namespace devhost::store

@@ -14,8 +14,8 @@
 
 namespace devhost::store {
 
-/// The instance that the environment variable TARNHD_INSTANCE names; "default" without it.
-std::wstring instanceFromEnvironment();
+class CallChannel;
+class NotificationChannel;
 
 /// One change of a value.
 struct Change {
@@ -73,8 +73,11 @@ public:
     FaultState faultState();
 
 private:
-    class Implementation;
-    std::unique_ptr<Implementation> m_implementation;
+    nlohmann::json callUnlessMissing(const char* operation, const std::string& name);
+    FaultState plan(nlohmann::json request);
+
+    std::shared_ptr<CallChannel> m_calls;
+    std::shared_ptr<NotificationChannel> m_notifications;
 };
 
 } // namespace devhost::store

@@ -1,7 +1,6 @@
 #include "store/client/notificationchannel.h"
 
-#include "store/client/handshake.h"
-#include "store/server/patterns.h"
+#include "store/protocol/patterns.h"
 #include "vxtl/parsejson.h"
 
 #include <algorithm>
@@ -37,9 +36,7 @@ std::optional<nlohmann::json> receiveJson(Pipe& pipe)
 } // namespace
 
 NotificationChannel::NotificationChannel(std::shared_ptr<CallChannel> calls, Pauses pauses)
-    : m_calls(std::move(calls)), m_pauses(pauses), m_session(newSession()),
-      m_stopEvent(CreateEventW(nullptr, TRUE, FALSE, nullptr)),
-      m_retryEvent(CreateEventW(nullptr, FALSE, FALSE, nullptr))
+    : m_calls(std::move(calls)), m_pauses(pauses), m_session(newSession())
 {}
 
 SubscriptionId NotificationChannel::subscribe(const std::string& name, ChangeCallback callback)
@@ -71,7 +68,7 @@ void NotificationChannel::awaitConnection()
     if (m_online || std::this_thread::get_id() == m_thread.get_id())
         return;
     // The server has just answered, so the thread need not sit out its pause.
-    SetEvent(m_retryEvent.get());
+    m_retry.set();
     m_changed.waitFor(lock, std::chrono::milliseconds(m_pauses.connectMs), [&] { return m_online; });
 }
 
@@ -112,7 +109,7 @@ std::string NotificationChannel::topicOf(SubscriptionId id, bool& last)
 
 void NotificationChannel::stop()
 {
-    SetEvent(m_stopEvent.get());
+    m_stop.set();
     if (!m_thread.joinable())
         return;
     if (std::this_thread::get_id() == m_thread.get_id())
@@ -124,8 +121,11 @@ void NotificationChannel::stop()
 void NotificationChannel::run()
 {
     unsigned long pause = 0;
-    void* const events[] = {m_stopEvent.get(), m_retryEvent.get()};
-    while (WaitForMultipleObjects(2, events, FALSE, pause) != WAIT_OBJECT_0) {
+    for (;;) {
+        m_retry.waitOr(m_stop, pause);
+        if (m_stop.isSet())
+            return;
+        m_retry.reset();
         const auto pipe = connect();
         if (pipe) {
             setOnline(true);
@@ -143,12 +143,12 @@ void NotificationChannel::setOnline(bool online)
     m_changed.notify_all();
 }
 
-std::unique_ptr<Pipe> NotificationChannel::connect()
+std::unique_ptr<ipc::Pipe> NotificationChannel::connect()
 {
     // Under the lock no subscription can fall between the list that is sent and the server's taking it.
     const std::lock_guard order(m_order);
-    return openChannel(m_calls->instance(), m_calls->role(),
-        {{"channel", "notifications"}, {"session", m_session}, {"known", knownTopics()}}, m_stopEvent.get());
+    return m_calls->connect(
+        {{"channel", "notifications"}, {"session", m_session}, {"known", knownTopics()}}, {&m_stop});
 }
 
 nlohmann::json NotificationChannel::knownTopics()
@@ -165,7 +165,7 @@ nlohmann::json NotificationChannel::knownTopics()
     return known;
 }
 
-void NotificationChannel::listen(Pipe& pipe)
+void NotificationChannel::listen(ipc::Pipe& pipe)
 {
     while (const auto json = receiveJson(pipe)) {
         Change change{json->value("name", std::string()), std::nullopt};

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "ipc/signal.h"
 #include "store/client/callchannel.h"
 #include "store/client/client.h"
 #include "vxtl/lock.h"
@@ -51,9 +52,9 @@ private:
     void awaitConnection();
     void run();
     void setOnline(bool online);
-    std::unique_ptr<Pipe> connect();
+    std::unique_ptr<ipc::Pipe> connect();
     nlohmann::json knownTopics();
-    void listen(Pipe& pipe);
+    void listen(ipc::Pipe& pipe);
     std::vector<std::shared_ptr<Subscription>> note(const Change& change, std::int64_t revision);
     void deliver(Subscription& subscription, const Change& change);
     std::string topicOf(SubscriptionId id, bool& last);
@@ -61,8 +62,8 @@ private:
     std::shared_ptr<CallChannel> m_calls;
     Pauses m_pauses;
     std::string m_session;
-    vx::KernelHandle m_stopEvent;
-    vx::KernelHandle m_retryEvent;
+    ipc::Signal m_stop;
+    ipc::Signal m_retry;
     vx::sync::Mutex m_order; ///< held while the server is told what is subscribed; taken before m_mutex
     std::thread m_thread;    ///< begun under both locks, ended by stop
     vx::sync::Mutex m_mutex;

@@ -87,61 +87,27 @@ Value Value::fromJson(const nlohmann::json& json)
     throw StoreException(ErrorCode::InvalidParameter, "value");
 }
 
-template <typename T>
-const T& Value::as() const
+void Value::refuseType() const
 {
-    if (const T* value = std::get_if<T>(&m_value))
-        return *value;
     throw StoreException(ErrorCode::InvalidType, "value of type " + vx::toText(type()));
-}
-
-bool Value::asBool() const
-{
-    return as<bool>();
-}
-
-std::int32_t Value::asInt32() const
-{
-    return as<std::int32_t>();
-}
-
-std::int64_t Value::asInt64() const
-{
-    return as<std::int64_t>();
-}
-
-const std::string& Value::asString() const
-{
-    return as<std::string>();
-}
-
-const std::string& Value::asObject() const
-{
-    return as<Object>().text;
 }
 
 std::string Value::text() const
 {
-    switch (type()) {
-    case Type::Boolean: return asBool() ? "true" : "false";
-    case Type::Int32: return std::to_string(asInt32());
-    case Type::Int64: return std::to_string(asInt64());
-    case Type::String: return asString();
-    case Type::Object: return asObject();
-    }
-    return {};
+    const nlohmann::json value = toJson().at("value");
+    return value.is_string() ? value.get<std::string>() : value.dump();
 }
 
 nlohmann::json Value::toJson() const
 {
     nlohmann::json json{{"type", vx::toText(type())}};
-    switch (type()) {
-    case Type::Boolean: json["value"] = asBool(); break;
-    case Type::Int32: json["value"] = asInt32(); break;
-    case Type::Int64: json["value"] = asInt64(); break;
-    case Type::String: json["value"] = asString(); break;
-    case Type::Object: json["value"] = asObject(); break;
-    }
+    const auto put = [&](const auto& value) {
+        if constexpr (requires { value.text; })
+            json["value"] = value.text;
+        else
+            json["value"] = value;
+    };
+    std::visit(put, m_value);
     return json;
 }
 

@@ -43,11 +43,11 @@ public:
     Type type() const noexcept { return static_cast<Type>(m_value.index() + 1); }
 
     /// Each throws StoreException (InvalidType) for a value of another type.
-    bool asBool() const;
-    std::int32_t asInt32() const;
-    std::int64_t asInt64() const;
-    const std::string& asString() const;
-    const std::string& asObject() const;
+    bool asBool() const { return as<bool>(); }
+    std::int32_t asInt32() const { return as<std::int32_t>(); }
+    std::int64_t asInt64() const { return as<std::int64_t>(); }
+    const std::string& asString() const { return as<std::string>(); }
+    const std::string& asObject() const { return as<Object>().text; }
 
     /// The form that parse reads; texts and objects stand as they are, without quotes.
     std::string text() const;
@@ -65,7 +65,13 @@ private:
 
     explicit Value(Variant value) : m_value(std::move(value)) {}
     template <typename T>
-    const T& as() const;
+    const T& as() const
+    {
+        if (!std::holds_alternative<T>(m_value))
+            refuseType();
+        return *std::get_if<T>(&m_value);
+    }
+    [[noreturn]] void refuseType() const;
 
     Variant m_value;
 };

@@ -1,50 +1,29 @@
 #include "store/server/faultplan.h"
 
 #include <algorithm>
+#include <nlohmann/json.hpp>
 
 namespace devhost::store {
 
-void FaultPlan::add(const Fault& fault)
+void FaultPlan::apply(const nlohmann::json& request)
 {
+    const FaultState given = faultStateFromJson(request);
+    const bool clear = request.value("clear", false);
     const std::lock_guard lock(m_mutex);
-    if (fault.count > 0)
-        m_state.faults.push_back(fault);
-}
-
-void FaultPlan::clear()
-{
-    const std::lock_guard lock(m_mutex);
-    m_state = {};
-}
-
-void FaultPlan::setRefuse(bool refuse)
-{
-    const std::lock_guard lock(m_mutex);
-    m_state.refuse = refuse;
-}
-
-void FaultPlan::setDelay(unsigned milliseconds)
-{
-    const std::lock_guard lock(m_mutex);
-    m_state.delayMs = milliseconds;
+    if (clear)
+        m_state = {};
+    std::ranges::copy_if(
+        given.faults, std::back_inserter(m_state.faults), [](const Fault& fault) { return fault.count > 0; });
+    if (request.contains("delayMs"))
+        m_state.delayMs = given.delayMs;
+    if (request.contains("refuse"))
+        m_state.refuse = given.refuse;
 }
 
 FaultState FaultPlan::state() const
 {
     const std::lock_guard lock(m_mutex);
     return m_state;
-}
-
-bool FaultPlan::refuses() const
-{
-    const std::lock_guard lock(m_mutex);
-    return m_state.refuse;
-}
-
-unsigned FaultPlan::delayMs() const
-{
-    const std::lock_guard lock(m_mutex);
-    return m_state.delayMs;
 }
 
 std::optional<ErrorCode> FaultPlan::take(Operation operation, const std::string& name)

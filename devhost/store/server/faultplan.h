@@ -10,14 +10,11 @@ namespace devhost::store {
 /// The faults that are planned now. Any thread.
 class FaultPlan {
 public:
-    void add(const Fault& fault);
-    void clear();
-    void setRefuse(bool refuse);
-    void setDelay(unsigned milliseconds);
+    /// Takes over the members that are there, of those that faultStateFromJson reads: faults come to the planned
+    /// ones, which "clear": true forgets before, with refusal and delay. Throws StoreException and the JSON
+    /// library's errors.
+    void apply(const nlohmann::json& request);
     FaultState state() const;
-
-    bool refuses() const;
-    unsigned delayMs() const;
     /// Uses up one count of the earliest fault that matches, if any. `name` is empty for an open.
     std::optional<ErrorCode> take(Operation operation, const std::string& name);
 

@@ -178,14 +178,7 @@ void RequestHandler::unsubscribe(const json& request, json&)
 
 void RequestHandler::plan(const json& request, json& reply)
 {
-    if (request.value("clear", false))
-        m_faults.clear();
-    for (const Fault& fault : faultStateFromJson(request).faults)
-        m_faults.add(fault);
-    if (const auto delay = request.find("delayMs"); delay != request.end())
-        m_faults.setDelay(delay->get<unsigned>());
-    if (const auto refuse = request.find("refuse"); refuse != request.end())
-        m_faults.setRefuse(refuse->get<bool>());
+    m_faults.apply(request);
     // Connections for notifications lie in wait, and only they close themselves.
     m_subscribers.wakeAll();
     reply["plan"] = toJson(m_faults.state());

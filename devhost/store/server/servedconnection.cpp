@@ -1,6 +1,5 @@
 #include "store/server/servedconnection.h"
 
-#include "logging/logstream.h"
 #include "vxtl/parsejson.h"
 
 #include <nlohmann/json.hpp>
@@ -15,21 +14,13 @@ constexpr auto welcome = R"({"code":0})";
 
 } // namespace
 
-ServedConnection::ServedConnection(vx::SharedHandle pipe, RequestHandler& handler, void* stopEvent)
-    : m_pipe(std::move(pipe), stopEvent), m_handler(handler), m_stopEvent(stopEvent)
-{}
-
-void ServedConnection::run() noexcept
+ServedConnection::ServedConnection(ipc::Pipe& pipe, RequestHandler& handler, const ipc::Signal& stop)
+    : m_pipe(pipe), m_handler(handler), m_stop(stop)
 {
-    try {
-        serve();
-    } catch (const std::exception& exception) {
-        vx::logging::LogStream(vx::logging::Level::Warning)
-            << "A client's connection was dropped. " << exception.what();
-    }
+    m_pipe.limit({&stop});
 }
 
-void ServedConnection::serve()
+void ServedConnection::run()
 {
     const auto frame = m_pipe.receive();
     if (!frame)
@@ -54,11 +45,12 @@ void ServedConnection::serveCalls(Role role)
 
 void ServedConnection::serveNotifications(const nlohmann::json& hello, Role role)
 {
-    const auto awake = std::make_shared<vx::KernelHandle>(CreateEventW(nullptr, FALSE, FALSE, nullptr));
-    const auto subscriber = m_handler.attach(hello, [awake] { SetEvent(awake->get()); });
+    const auto awake = std::make_shared<ipc::Signal>();
+    const auto subscriber = m_handler.attach(hello, [awake] { awake->set(); });
     bool open = m_pipe.send(welcome);
-    void* const events[] = {m_stopEvent, m_pipe.watchForClose(), awake->get()};
+    void* const events[] = {m_stop.handle(), m_pipe.watchForClose(), awake->handle()};
     while (open && WaitForMultipleObjects(3, events, FALSE, INFINITE) == WAIT_OBJECT_0 + 2 && !refused(role)) {
+        awake->reset();
         for (const std::string& frame : subscriber->take())
             open = open && m_pipe.send(frame);
     }
@@ -67,13 +59,13 @@ void ServedConnection::serveNotifications(const nlohmann::json& hello, Role role
 
 bool ServedConnection::refused(Role role) const
 {
-    return role == Role::Application && m_handler.faults().refuses();
+    return role == Role::Application && m_handler.faults().state().refuse;
 }
 
 bool ServedConnection::pause(Role role) const
 {
-    const unsigned milliseconds = role == Role::Application ? m_handler.faults().delayMs() : 0;
-    return milliseconds == 0 || WaitForSingleObject(m_stopEvent, milliseconds) == WAIT_TIMEOUT;
+    const unsigned milliseconds = role == Role::Application ? m_handler.faults().state().delayMs : 0;
+    return milliseconds == 0 || !m_stop.wait(milliseconds);
 }
 
 } // namespace devhost::store

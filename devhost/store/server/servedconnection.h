@@ -1,6 +1,6 @@
 #pragma once
 
-#include "store/protocol/pipe.h"
+#include "ipc/pipe.h"
 #include "store/server/requesthandler.h"
 
 namespace devhost::store {
@@ -9,23 +9,23 @@ namespace devhost::store {
 /// and what for; then it either answers requests or hands out notifications.
 class ServedConnection {
 public:
-    /// The handler and the stop event are borrowed.
-    ServedConnection(vx::SharedHandle pipe, RequestHandler& handler, void* stopEvent);
+    /// All are borrowed.
+    ServedConnection(ipc::Pipe& pipe, RequestHandler& handler, const ipc::Signal& stop);
 
-    /// Returns when the client goes, the stop event fires or the fault plan refuses. Never throws.
-    void run() noexcept;
+    /// Returns when the client goes, the signal is set or the fault plan refuses. Throws what a greeting that is
+    /// none does.
+    void run();
 
 private:
-    void serve();
     void serveCalls(Role role);
     void serveNotifications(const nlohmann::json& hello, Role role);
     bool refused(Role role) const;
-    /// False when the stop event ended the pause.
+    /// False when the signal ended the pause.
     bool pause(Role role) const;
 
-    Pipe m_pipe;
+    ipc::Pipe& m_pipe;
     RequestHandler& m_handler;
-    void* m_stopEvent;
+    const ipc::Signal& m_stop;
 };
 
 } // namespace devhost::store

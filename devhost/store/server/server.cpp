@@ -1,13 +1,12 @@
 #include "store/server/server.h"
 
+#include "ipc/instance.h"
+#include "ipc/listener.h"
 #include "logging/logstream.h"
-#include "store/protocol/pipe.h"
-#include "store/server/listener.h"
+#include "store/server/servedconnection.h"
 #include "store/server/storefile.h"
-#include "store/server/systemfailure.h"
 #include "vxtl/str.h"
-
-#include <windows.h>
+#include "vxtl/win32exception.h"
 
 namespace devhost::store {
 
@@ -15,15 +14,10 @@ namespace {
 
 vx::SharedHandle lockInstance(const std::wstring& instance)
 {
-    // Its existence is the lock: the system takes it away when the process ends in whatever way.
-    const std::wstring name = L"Global\\tarnhd." + instance + L".store";
-    auto lock = std::make_shared<vx::KernelHandle>(CreateMutexW(nullptr, FALSE, name.c_str()));
-    const DWORD error = GetLastError();
-    if (error == ERROR_ALREADY_EXISTS || error == ERROR_ACCESS_DENIED)
+    auto lock = ipc::lockPart(instance, L"store");
+    if (!lock)
         throw StoreException(ErrorCode::NotAllowed, "store instance '" + vx::str::toUtf8(instance) + "'",
             "another server is running; stop it or choose another instance");
-    if (!lock->isValid())
-        throwSystemFailure(error, name);
     return lock;
 }
 
@@ -49,14 +43,15 @@ public:
     Running(const std::wstring& file, const std::wstring& instance)
         : m_lock(lockInstance(instance)), m_file(file),
           m_handler(load(m_file, file), [this](const std::string& content) { m_file.replace(content); }),
-          m_listener(pipeName(instance), m_handler)
+          m_listener(ipc::pipeName(instance, L"store"),
+              [this](ipc::Pipe& pipe, const ipc::Signal& stop) { ServedConnection(pipe, m_handler, stop).run(); })
     {}
 
 private:
     vx::SharedHandle m_lock;
     StoreFile m_file;
     RequestHandler m_handler;
-    Listener m_listener;
+    ipc::Listener m_listener;
 };
 
 Server::Server(std::wstring file, std::wstring instance) : m_file(std::move(file)), m_instance(std::move(instance)) {}
@@ -70,7 +65,11 @@ void Server::start()
 {
     if (m_running)
         return;
-    m_running = std::make_unique<Running>(m_file, m_instance);
+    try {
+        m_running = std::make_unique<Running>(m_file, m_instance);
+    } catch (const vx::Win32Exception& exception) {
+        throwSystemFailure(exception.code(), ipc::pipeName(m_instance, L"store"));
+    }
     vx::logging::LogStream(vx::logging::Level::Info) << "Store " << m_file << " is served as " << m_instance;
 }
 

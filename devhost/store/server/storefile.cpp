@@ -1,7 +1,7 @@
 #include "store/server/storefile.h"
 
-#include "store/server/systemfailure.h"
 #include "vxtl/str.h"
+#include "vxtl/win32exception.h"
 
 #include <filesystem>
 
@@ -25,6 +25,14 @@ vx::SharedHandle lockBeside(const std::wstring& path)
 }
 
 } // namespace
+
+void throwSystemFailure(unsigned long error, const std::wstring& subject)
+{
+    const std::wstring reason = vx::str::trim(vx::Win32ErrorCategory::emptyReason(error));
+    const std::string text = vx::str::toUtf8(reason) + " [system error " + std::to_string(error) + "]";
+    const ErrorCode code = error == ERROR_ACCESS_DENIED ? ErrorCode::AccessDenied : ErrorCode::Unknown;
+    throw StoreException(code, vx::str::toUtf8(subject), text);
+}
 
 StoreFile::StoreFile(std::wstring path) : m_path(std::move(path))
 {

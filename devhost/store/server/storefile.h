@@ -1,5 +1,6 @@
 #pragma once
 
+#include "store/protocol/errorcode.h"
 #include "vxtl/handle.h"
 
 #include <memory>
@@ -7,6 +8,9 @@
 #include <string>
 
 namespace devhost::store {
+
+/// Throws StoreException with the text of the system's error code: AccessDenied for 5, else Unknown.
+[[noreturn]] void throwSystemFailure(unsigned long error, const std::wstring& subject);
 
 /// The one file of a store. Held by one server at a time, through a second file beside it that lives as
 /// long as this object, and vanishes with the process. One thread at a time.

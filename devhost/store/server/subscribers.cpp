@@ -1,6 +1,6 @@
 #include "store/server/subscribers.h"
 
-#include "store/server/patterns.h"
+#include "store/protocol/patterns.h"
 
 #include <algorithm>
 #include <utility>

@@ -2,7 +2,7 @@
 
 #include "account.h"
 #include "configuration.h"
-#include "location.h"
+#include "logging-backend/location.h"
 #include "logging-backend/logger.h"
 #include "securityattributes.h"
 
@@ -56,13 +56,12 @@ void FileContext::place()
     const bool lowIntegrity = !administrator && m_hasLowIntegrity();
     if (administrator)
         m_securityAttributes = m_flags & LOG_FLAG_STRICT_ACL ? restrictedAttributes() : inheritingAttributes();
-    std::wstring folder = rootOf(administrator  ? Location::Machine
-                                 : lowIntegrity ? Location::LowIntegrity
-                                                : Location::User);
-    folder += L"\\Vantorix";
-    if (!m_path->createDirectories(folder, nullptr))
+    const std::wstring maker = makerFolder(administrator  ? Location::Machine
+                                           : lowIntegrity ? Location::LowIntegrity
+                                                          : Location::User);
+    if (!m_path->createDirectories(maker, nullptr))
         return;
-    folder += L"\\Log\\" + m_name1;
+    const std::wstring folder = logFolder(maker, m_name1);
     if (!m_path->createDirectories(folder, m_securityAttributes.get()))
         return;
     m_fileBase = folder + L"\\" + m_name2;

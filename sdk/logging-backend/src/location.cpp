@@ -1,4 +1,4 @@
-#include "location.h"
+#include "logging-backend/location.h"
 
 #include "configuration.h"
 
@@ -34,8 +34,6 @@ std::wstring configuredRoot(HKEY hive, const wchar_t* folder, const wchar_t* var
     return root;
 }
 
-} // namespace
-
 std::wstring rootOf(Location location)
 {
     switch (location) {
@@ -44,6 +42,18 @@ std::wstring rootOf(Location location)
     case Location::LowIntegrity: break;
     }
     return registryText(HKEY_CURRENT_USER, shellFolders, KEY_QUERY_VALUE, L"{A520A1A4-1780-4FF6-BD18-167343C5AF16}");
+}
+
+} // namespace
+
+std::wstring makerFolder(Location location)
+{
+    return rootOf(location) + L"\\Vantorix";
+}
+
+std::wstring logFolder(const std::wstring& makerFolder, const std::wstring& name1)
+{
+    return makerFolder + L"\\Log\\" + name1;
 }
 
 } // namespace VxQrlLogging

@@ -1,16 +1,12 @@
-#include "agent/gate.h"
-#include "childprocess.h"
+#include "agentfixture.h"
 #include "common/factory/commonfactory.h"
 #include "common/patches/updateid.h"
 #include "common/patchstorage/ipatchstorage.h"
+#include "ipc/signal.h"
 #include "keys/keycatalogue.h"
-#include "store/client/client.h"
-#include "store/server/server.h"
 #include "vxtl/str.h"
 
-#include <gmock/gmock.h>
 #include <nlohmann/json.hpp>
-#include <stdlib.h>
 
 namespace {
 
@@ -31,14 +27,10 @@ std::string idOf(const std::wstring& name)
     return vx::str::toUtf8(deriveUpdateId(L"", L"", L"", name));
 }
 
-/// tarnag.exe in a folder of its own, with a store and an empty patch storage.
-class DeployTest : public testing::Test {
-protected:
+/// With an empty patch storage, and two missing updates in the store.
+struct DeployTest : AgentTest {
     DeployTest()
     {
-        for (const wchar_t* file : {L"tarnag.exe", L"vx_qrl_meridia_32.dll"})
-            std::filesystem::copy_file(support::programFolder() / file, folder.path() / file);
-        _wputenv_s(L"TARNHD_INSTANCE", instance.c_str());
         server.start();
         storage->clear();
         put(keys::status.scanning.lastScanning.missingUpdates,
@@ -77,20 +69,12 @@ protected:
         return lines;
     }
 
-    support::ChildProcess deploy(const json& script)
+    support::ChildProcess deploy(const json& members)
     {
-        support::writeFile(folder.path() / "tarnag.script.json", json{{"runs", {{{"deploy", script}}}}}.dump());
+        script(json{{"runs", {{{"deploy", members}}}}}.dump());
         return start();
     }
-    support::ChildProcess start(const std::wstring& arguments = {})
-    {
-        return {folder.path() / "tarnag.exe", arguments, folder.path()};
-    }
 
-    support::TemporaryFolder folder;
-    const std::wstring instance = folder.path().filename().native();
-    store::Server server{(folder.path() / "store.json").native(), instance};
-    store::Client client{instance};
     std::shared_ptr<IPatchStorage> storage = CommonFactory().createPatchStorage();
 };
 
@@ -99,8 +83,8 @@ protected:
 TEST_F(DeployTest, takesPatchesThroughTheirStatesAndItemsFromTheQueue)
 {
     const auto name = folder.path().filename().string();
-    devhost::agent::NamedEvent go(name + "-go");
-    devhost::agent::NamedEvent reached(name + "-reached");
+    const devhost::ipc::Signal go(vx::str::fromUtf8(name + "-go"));
+    const devhost::ipc::Signal reached(vx::str::fromUtf8(name + "-reached"));
     queue({"ALL", "CRITICAL"});
     openRequest();
     // An entry of somebody else in front, and an old one of B.
@@ -110,7 +94,7 @@ TEST_F(DeployTest, takesPatchesThroughTheirStatesAndItemsFromTheQueue)
     const auto agent =
         deploy({{"stepMs", 0}, {"pauses", {{{"at", "installation_executing"}, {"startedEvent", name + "-reached"},
                                               {"waitForEvent", name + "-go"}}}}});
-    reached.wait();
+    ASSERT_TRUE(reached.wait(60'000));
     EXPECT_THAT(log(), ElementsAre(idOf(L"A") + " installation_executing download_success",
                            "other installation_failed ?", idOf(L"B") + " installation_executing download_success"));
     EXPECT_EQ(read(keys::settings.installation.deploymentQueue).size(), 2u);

@@ -2,7 +2,7 @@
 
 #include "childprocess.h"
 #include "host/exitcode.h"
-#include "host/signal.h"
+#include "ipc/signal.h"
 
 #include <gmock/gmock.h>
 #include <windows.h>
@@ -32,7 +32,7 @@ protected:
     }
 
     const std::filesystem::path library = support::programFolder() / "host-test-plugin.dll";
-    Signal started;
+    ipc::Signal started;
 };
 
 std::string failureOf(const std::function<void()>& action)

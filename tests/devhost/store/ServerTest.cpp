@@ -106,13 +106,15 @@ TEST_F(StoreTest, plannedFaultsHitApplicationsOnlyTheEarliestThatMatchesFirst)
 TEST_F(StoreTest, refusalAndDelayLastUntilCleared)
 {
     server.start();
-    client.set("a", Value::fromInt32(1));
+    client.subscribe("a", [&](const Change& change) { heard.add(change.name); });
     tool.setRefuse(true);
     EXPECT_EQ(codeOf([&] { client.get("a"); }), ErrorCode::Unreachable);
     EXPECT_FALSE(client.waitForServer(std::chrono::milliseconds(0)));
+    tool.set("a", Value::fromInt32(1));
     EXPECT_EQ(tool.get("a"), Value::fromInt32(1));
     tool.clearFaults();
     EXPECT_EQ(client.get("a"), Value::fromInt32(1));
+    EXPECT_EQ(heard.waitFor(1).size(), 1U) << "once it is let in again";
 
     tool.setDelay(std::chrono::milliseconds(150));
     const auto begin = std::chrono::steady_clock::now();
