@@ -23,7 +23,7 @@ std::string newSession()
 }
 
 /// Nothing either when the other side talks nonsense: the connection is given up then, too.
-std::optional<nlohmann::json> receiveJson(Pipe& pipe)
+std::optional<nlohmann::json> receiveJson(ipc::Pipe& pipe)
 {
     const auto frame = pipe.receive();
     try {
