@@ -5,7 +5,9 @@
 #include "storefailure.h"
 
 #include "logging/logstream.h"
+#include "vxtl/guarded.h"
 #include "vxtl/parsejson.h"
+#include "vxtl/scopeexit.h"
 
 #include <algorithm>
 #include <memory>
@@ -29,38 +31,17 @@ std::basic_string<Character> copyOf(const LibraryText<Character>& text)
     return text ? text.get() : std::basic_string<Character>();
 }
 
-/// Closes what a constructor that throws has opened.
-class HandlesGuard {
-public:
-    HandlesGuard(const QrlMeridiaApi& api, QrlMeridiaHandle (&handles)[2]) : m_api(api), m_handles(handles) {}
-    ~HandlesGuard()
-    {
-        if (m_isDismissed)
-            return;
-        for (QrlMeridiaHandle& handle : m_handles)
-            if (handle != 0) {
-                m_api.closeHandle(handle);
-                handle = 0;
-            }
-    }
-    HandlesGuard(const HandlesGuard&) = delete;
-    HandlesGuard& operator=(const HandlesGuard&) = delete;
-
-    void dismiss() noexcept { m_isDismissed = true; }
-
-private:
-    const QrlMeridiaApi& m_api;
-    QrlMeridiaHandle (&m_handles)[2];
-    bool m_isDismissed = false;
-};
-
 } // namespace
 
 SettingsApi::SettingsApi(
     const std::wstring& profile, const std::wstring& sid, const std::wstring& client, const LoadApi& loadApi)
 {
     VX_LOG_SCOPE();
-    HandlesGuard guard(m_api, m_handles);
+    ScopeExit opened([this] {
+        for (const QrlMeridiaHandle handle : m_handles)
+            if (handle != 0)
+                m_api.closeHandle(handle);
+    });
     if (loadApi(m_api) != delayload::LoadStatus::Success)
         VX_THROW(BaseException, L"Cannot load QRL Meridia library");
     for (QrlMeridiaHandle& handle : m_handles) {
@@ -69,7 +50,7 @@ SettingsApi::SettingsApi(
         if (error != Error::Success)
             VX_THROW(QrlMeridiaException, error, errorText(error));
     }
-    guard.dismiss();
+    opened.dismiss();
 }
 
 SettingsApi::~SettingsApi()
@@ -204,12 +185,9 @@ settings::SubscriptionId SettingsApi::subscribeForChanges(
         cancel(*record);
         VX_THROW(QrlMeridiaException, code, errorText(again) + (L", Setting: " + name));
     }
-    try {
-        m_subscriptions.push_back(record);
-    } catch (...) {
-        cancel(*record);
-        throw;
-    }
+    ScopeExit unlisted([&] { cancel(*record); });
+    m_subscriptions.push_back(record);
+    unlisted.dismiss();
     return record->id();
 }
 
@@ -273,14 +251,10 @@ void SettingsApi::settingsChangeNotificationCallback(
             << "vx::meridia::SettingsApi::settingsChangeNotificationCallback: userData is not provided";
         return;
     }
-    try {
+    guarded([&] {
         if (const auto record = ChangeSubscription::find(context))
             record->callback()(settingName);
-    } catch (const std::exception& exception) {
-        LogStream(Level::Error) << exception;
-    } catch (...) {
-        LogStream(Level::Error) << "Unknown exception in a subscriber of " << settingName;
-    }
+    });
 }
 
 } // namespace vx::meridia

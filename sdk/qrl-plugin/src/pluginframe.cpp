@@ -1,6 +1,8 @@
 #include "pluginframe.h"
 
+#include "vxtl/exception.h"
 #include "vxtl/guarded.h"
+#include "vxtl/scopeexit.h"
 
 namespace vx::qrl {
 
@@ -12,19 +14,6 @@ constexpr std::uint32_t noFactory = 2;
 
 /// PBT_APMRESUMEAUTOMATIC.
 constexpr std::uint32_t resumeAutomatic = 18;
-
-/// Calls a function at the end of its scope; the function must not throw.
-template <typename Function>
-class ScopeGuard {
-public:
-    explicit ScopeGuard(Function function) : m_function(std::move(function)) {}
-    ~ScopeGuard() { m_function(); }
-    ScopeGuard(const ScopeGuard&) = delete;
-    ScopeGuard& operator=(const ScopeGuard&) = delete;
-
-private:
-    Function m_function;
-};
 
 } // namespace
 
@@ -81,7 +70,7 @@ std::uint32_t PluginFrame::main(pluginAPI* pluginAPI) noexcept
     std::uint32_t result = failed;
     guarded([&] {
         const auto plugin = getPlugin(pluginAPI);
-        const ScopeGuard stopped([this, plugin, pluginAPI] { reportPluginStopped(*plugin, *pluginAPI); });
+        const ScopeExit stopped([this, plugin, pluginAPI] { reportPluginStopped(*plugin, *pluginAPI); });
         plugin->reportPluginStarted();
         result = plugin->main(m_factory, m_stopRequested) ? done : noFactory;
     });

@@ -5,6 +5,8 @@
 #include "logging/logstream.h"
 #include "settings-api/exceptions.h"
 #include "synchronize.h"
+#include "vxtl/exception.h"
+#include "vxtl/scopeexit.h"
 
 namespace vx::settings {
 
@@ -14,36 +16,20 @@ using details::SettingsCache;
 using logging::Level;
 using logging::LogStream;
 
-/// A value on its way to the provider; counts as failed on every way out but one.
-class Write {
-public:
-    Write(SettingsCache& cache, const std::wstring& name, details::CacheEntry&& entry)
-        : m_cache(cache), m_passage(cache.beginWrite(name, std::move(entry)))
-    {}
-    ~Write() { m_cache.endWrite(m_passage, m_outcome); }
-    Write(const Write&) = delete;
-    Write& operator=(const Write&) = delete;
-
-    void succeed() noexcept { m_outcome = SettingsCache::Outcome::Saved; }
-
-private:
-    SettingsCache& m_cache;
-    const SettingsCache::Passage m_passage;
-    SettingsCache::Outcome m_outcome = SettingsCache::Outcome::Failed;
-};
-
 template <typename Kind>
 bool writeThrough(
     SettingsCache& cache, details::SettingsImpl& provider, const std::wstring& name, const typename Kind::Value& value)
 {
-    Write write(cache, name, {Kind::type, Kind::toJson(value), false});
+    const auto passage = cache.beginWrite(name, {Kind::type, Kind::toJson(value), false});
+    auto outcome = SettingsCache::Outcome::Failed;
+    const ScopeExit written([&] { cache.endWrite(passage, outcome); });
     try {
         (provider.*Kind::set)(name, value);
     } catch (const std::exception& exception) {
         LogStream(Level::Warning) << Kind::writeFailure << name << ". Exception caught: " << What(exception);
         return false;
     }
-    write.succeed();
+    outcome = SettingsCache::Outcome::Saved;
     return true;
 }
 

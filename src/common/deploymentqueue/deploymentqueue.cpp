@@ -105,24 +105,21 @@ void DeploymentQueue::settle(nlohmann::json list, const Change& apply)
 bool DeploymentQueue::isEmpty()
 {
     VX_LOG_SCOPE();
-    try {
-        bool empty = true;
+    bool empty = true;
+    guarded(Level::Warning, [&] {
         change([&](const nlohmann::json& list) {
             empty = itemsOf(list).empty();
             return false;
         });
-        return empty;
-    } catch (const std::exception& e) {
-        LogStream(Level::Warning) << e;
-        return true;
-    }
+    });
+    return empty;
 }
 
 void DeploymentQueue::pushBack(const std::wstring& updateId)
 {
     VX_LOG_SCOPE();
     VX_LOG_VALUES(updateId);
-    try {
+    guardedAgainst<BaseException>([&] {
         std::optional<DeploymentItem> pushed;
         change([&](nlohmann::json& list) {
             Items items;
@@ -144,32 +141,29 @@ void DeploymentQueue::pushBack(const std::wstring& updateId)
             list.push_back(toJson(*pushed));
             return true;
         });
-    } catch (const BaseException& e) {
-        LogStream(Level::Error) << e;
-    }
+    });
 }
 
 std::wstring DeploymentQueue::getFront()
 {
     VX_LOG_SCOPE();
-    try {
+    std::wstring front;
+    guarded([&] {
         Items items;
         change([&](const nlohmann::json& list) {
             items = itemsOf(list);
             return false;
         });
         requireItem(!items.empty());
-        return items.front().descriptor;
-    } catch (const std::exception& e) {
-        LogStream(Level::Error) << e;
-        return {};
-    }
+        front = std::move(items.front().descriptor);
+    });
+    return front;
 }
 
 void DeploymentQueue::pop()
 {
     VX_LOG_SCOPE();
-    try {
+    guarded([&] {
         std::optional<DeploymentItem> popped;
         change([&](nlohmann::json& list) {
             Items items = itemsOf(list);
@@ -179,15 +173,13 @@ void DeploymentQueue::pop()
             return popped && takeOut(list, std::move(items), sameAs(*popped));
         });
         requireItem(popped.has_value());
-    } catch (const std::exception& e) {
-        LogStream(Level::Error) << e;
-    }
+    });
 }
 
 bool DeploymentQueue::remove(const std::wstring& updateId)
 {
     VX_LOG_SCOPE();
-    try {
+    return guarded([&] {
         bool removed = false;
         change([&](nlohmann::json& list) {
             const bool found = takeOut(list, itemsOf(list), withText(updateId));
@@ -195,10 +187,7 @@ bool DeploymentQueue::remove(const std::wstring& updateId)
             return found;
         });
         return removed;
-    } catch (const std::exception& e) {
-        LogStream(Level::Error) << e;
-        return false;
-    }
+    });
 }
 
 } // namespace vx::tarn::common

@@ -4,6 +4,7 @@
 #include "common/utils/number.h"
 #include "logging/logstream.h"
 #include "vxtl/exception.h"
+#include "vxtl/guarded.h"
 #include "vxtl/parsejson.h"
 #include "vxtl/registry.h"
 #include "vxtl/str.h"
@@ -47,18 +48,6 @@ std::vector<ReportEvent> readEvents(const json& stored)
     return events;
 }
 
-/// Runs an operation whose registry failures are a log line and false.
-template <typename Operation>
-bool reporting(const char* failure, Operation operation)
-{
-    try {
-        return operation();
-    } catch (const BaseException& e) {
-        LogStream(Level::Error) << failure << What(e);
-        return false;
-    }
-}
-
 } // namespace
 
 PatchRegistryStorage::PatchRegistryStorage(std::wstring finishedValueName, std::wstring patchesValueName,
@@ -78,7 +67,7 @@ registry::RegistryKey& PatchRegistryStorage::key()
 bool PatchRegistryStorage::clear()
 {
     VX_LOG_SCOPE();
-    return reporting("Failed to clear a patch registry storage. Caught exception: ", [&] {
+    return guardedAgainst<BaseException>("Failed to clear a patch registry storage. Caught exception: ", [&] {
         for (const std::wstring& name : {m_patchesValueName, m_statusesValueName, m_finishedValueName})
             if (key().doesValueExist(name))
                 key().deleteValue(name);
@@ -89,7 +78,7 @@ bool PatchRegistryStorage::clear()
 bool PatchRegistryStorage::savePatches(const PatchMap& patches)
 {
     VX_LOG_SCOPE();
-    return reporting("Failed to save patches to a patch registry storage. Caught exception: ", [&] {
+    return guardedAgainst<BaseException>("Failed to save patches to a patch registry storage. Caught exception: ", [&] {
         if (!clear()) {
             LogStream(Level::Error)
                 << "Failed to clear a patch registry storage. Patches information will not be saved.";
@@ -107,60 +96,59 @@ bool PatchRegistryStorage::loadPatches(PatchMap& patches, std::vector<ReportEven
 {
     VX_LOG_SCOPE();
     // The words are those of saving.
-    return reporting("Failed to save patches to a patch registry storage. Caught exception: ", [&] {
+    return guardedAgainst<BaseException>("Failed to save patches to a patch registry storage. Caught exception: ", [&] {
         if (!key().doesValueExist(m_patchesValueName) || !key().doesValueExist(m_statusesValueName)) {
             LogStream(Level::Warning) << "Failed to load patches. Either \"" << m_patchesValueName << "\" or \""
                                       << m_statusesValueName << "\" doesn't exist";
             return false;
         }
-        try {
+        return guardedAgainst<json::exception>("Failed to parse json. Caught exception: ", [&] {
             readPatches(readJson(key(), m_patchesValueName), patches);
             statuses = readEvents(readJson(key(), m_statusesValueName));
-            return true;
-        } catch (const json::exception& e) {
-            LogStream(Level::Error) << "Failed to parse json. Caught exception: " << What(e);
-            return false;
-        }
+        });
     });
 }
 
 bool PatchRegistryStorage::addPatchState(const ReportEvent& event)
 {
     VX_LOG_SCOPE();
-    return reporting("Failed to add patch state to a patch registry storage. Caught exception: ", [&] {
-        json events = json::array();
-        if (key().doesValueExist(m_statusesValueName)) {
-            json stored = readJson(key(), m_statusesValueName);
-            if (stored.is_array())
-                events = std::move(stored);
-            else
-                LogStream(Level::Warning) << "Wrong value is in patch registry storage in statuses node. Will be used "
-                                             "default empty value.";
-        }
-        events.push_back(toJson(event));
-        writeJson(key(), m_statusesValueName, events);
-        return true;
-    });
+    return guardedAgainst<BaseException>(
+        "Failed to add patch state to a patch registry storage. Caught exception: ", [&] {
+            json events = json::array();
+            if (key().doesValueExist(m_statusesValueName)) {
+                json stored = readJson(key(), m_statusesValueName);
+                if (stored.is_array())
+                    events = std::move(stored);
+                else
+                    LogStream(Level::Warning)
+                        << "Wrong value is in patch registry storage in statuses node. Will be used "
+                           "default empty value.";
+            }
+            events.push_back(toJson(event));
+            writeJson(key(), m_statusesValueName, events);
+            return true;
+        });
 }
 
 bool PatchRegistryStorage::reportInstallationFinished(bool finished)
 {
     VX_LOG_SCOPE();
-    return reporting("Failed to add patch state to a patch registry storage. Caught exception: ", [&] {
-        key().setInt32Value(m_finishedValueName, finished ? 1 : 0);
-        return true;
-    });
+    return guardedAgainst<BaseException>(
+        "Failed to add patch state to a patch registry storage. Caught exception: ", [&] {
+            key().setInt32Value(m_finishedValueName, finished ? 1 : 0);
+            return true;
+        });
 }
 
 bool PatchRegistryStorage::isInstallationFinished()
 {
-    return reporting("Failed to check if installation finished. Caught exception: ",
+    return guardedAgainst<BaseException>("Failed to check if installation finished. Caught exception: ",
         [&] { return key().doesValueExist(m_finishedValueName) && key().getInt32Value(m_finishedValueName) == 1; });
 }
 
 bool PatchRegistryStorage::hasPatchStates()
 {
-    return reporting("Failed to check if installation finished. Caught exception: ",
+    return guardedAgainst<BaseException>("Failed to check if installation finished. Caught exception: ",
         [&] { return key().doesValueExist(m_statusesValueName); });
 }
 

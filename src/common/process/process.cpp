@@ -1,28 +1,16 @@
 #include "common/process/process.h"
 
 #include "vxtl-process/process/process.h"
+#include "vxtl/guarded.h"
 #include "vxtl/win32exception.h"
 
 #include <windows.h>
 
 namespace vx::tarn::common {
 
-using logging::Level;
-using logging::LogStream;
-
 namespace {
 
-template <typename Action>
-bool succeeds(Action action)
-{
-    try {
-        action();
-        return true;
-    } catch (const std::exception& exception) {
-        LogStream(Level::Error) << "Failed to start process. Exception caught: " << What(exception);
-        return false;
-    }
-}
+constexpr std::string_view startFailure = "Failed to start process. Exception caught: ";
 
 } // namespace
 
@@ -33,7 +21,8 @@ bool Process::start(const std::wstring& commandLine, unsigned long flags, proces
 {
     VX_LOG_SCOPE();
     VX_LOG_VALUES(commandLine, flags, static_cast<int>(redirect), static_cast<HANDLE>(userToken));
-    return succeeds([&] { m_process = std::make_shared<process::Process>(commandLine, flags, redirect, userToken); });
+    return guarded(
+        startFailure, [&] { m_process = std::make_shared<process::Process>(commandLine, flags, redirect, userToken); });
 }
 
 bool Process::start(
@@ -41,7 +30,7 @@ bool Process::start(
 {
     VX_LOG_SCOPE();
     VX_LOG_VALUES(executable, arguments);
-    return succeeds(
+    return guarded(startFailure,
         [&] { m_process = std::make_shared<process::Process>(executable, arguments, std::wstring(), credentials); });
 }
 

@@ -1,6 +1,6 @@
 #include "common/utils/folders.h"
 
-#include "vxtl/exception.h"
+#include "vxtl/guarded.h"
 #include "vxtl/registry.h"
 
 namespace vx::tarn::common::utils {
@@ -11,13 +11,12 @@ std::wstring getInstallationPath(const std::shared_ptr<registry::Registry>& regi
         logging::LogStream(logging::Level::Error) << "Invalid registry argument.";
         return {};
     }
-    try {
-        return registry->openKey(L"HKEY_LOCAL_MACHINE\\Software\\Vantorix\\tarn")
-            ->getStringValue(L"InstallationDirectory");
-    } catch (const std::exception& e) {
-        logging::LogStream(logging::Level::Error) << "Failed to get installation path. Exception caught: " << What(e);
-        return {};
-    }
+    std::wstring path;
+    guarded("Failed to get installation path. Exception caught: ", [&] {
+        path = registry->openKey(L"HKEY_LOCAL_MACHINE\\Software\\Vantorix\\tarn")
+                   ->getStringValue(L"InstallationDirectory");
+    });
+    return path;
 }
 
 } // namespace vx::tarn::common::utils

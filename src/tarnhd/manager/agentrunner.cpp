@@ -8,6 +8,7 @@
 #include "vxtl/exception.h"
 #include "vxtl/guarded.h"
 #include "vxtl/registry.h"
+#include "vxtl/scopeexit.h"
 
 #include <array>
 #include <filesystem>
@@ -28,18 +29,6 @@ public:
 
 private:
     const SharedHandle m_handle;
-};
-
-// A late thread may still count when the next one does: a flag would be cleared under the other's agent.
-class CountedAgent {
-public:
-    explicit CountedAgent(std::atomic<int>& count) : m_count(count) { ++m_count; }
-    ~CountedAgent() { --m_count; }
-    CountedAgent(const CountedAgent&) = delete;
-    CountedAgent& operator=(const CountedAgent&) = delete;
-
-private:
-    std::atomic<int>& m_count;
 };
 
 } // namespace
@@ -117,12 +106,10 @@ bool AgentRunner::agentStartRequested(AgentStartReason reason, common::Event& st
 AgentRunner::Result AgentRunner::startAgent(AgentStartReason reason, common::Event& stopEvent)
 {
     MANAGER_SCOPE("startAgent");
-    try {
-        return runAgent(reason, stopEvent);
-    } catch (const BaseException& e) {
-        LogStream(Level::Error) << "Failed to start tarnpatch agent. Exception caught: " << What(e);
-        return Result::Failed;
-    }
+    Result result = Result::Failed;
+    guardedAgainst<BaseException>(
+        "Failed to start tarnpatch agent. Exception caught: ", [&] { result = runAgent(reason, stopEvent); });
+    return result;
 }
 
 AgentRunner::Result AgentRunner::runAgent(AgentStartReason reason, common::Event& stopEvent)
@@ -134,7 +121,9 @@ AgentRunner::Result AgentRunner::runAgent(AgentStartReason reason, common::Event
         return Result::Failed;
     }
     useUpArguments(args);
-    const CountedAgent counted(m_agentsWaitedFor);
+    // A late thread may still count when the next one does: a flag would be cleared under the other's agent.
+    ++m_agentsWaitedFor;
+    const ScopeExit waitedFor([this] { --m_agentsWaitedFor; });
     const WaitableHandle agent(process->getHandle());
     const std::array<const IWaitable*, 2> waitSet{&stopEvent, &agent};
     if (sync::waitForMultipleObjects(waitSet) == waitSet.begin()) {
@@ -195,9 +184,14 @@ void AgentRunner::storeLastStartTimestamp(std::int64_t timestamp)
 
 void AgentRunner::setArguments(const std::wstring& args)
 {
+    const std::lock_guard lock(m_argumentsMutex);
+    replaceArguments(args);
+}
+
+void AgentRunner::replaceArguments(const std::wstring& args)
+{
     MANAGER_SCOPE("setArguments");
     VX_LOG_VALUES(args);
-    const std::lock_guard lock(m_argumentsMutex);
     m_arguments = args;
 }
 
@@ -206,7 +200,7 @@ void AgentRunner::useUpArguments(const std::wstring& used)
 {
     const std::lock_guard lock(m_argumentsMutex);
     if (m_arguments == used)
-        setArguments(L"");
+        replaceArguments(L"");
 }
 
 std::wstring AgentRunner::arguments() const

@@ -56,10 +56,11 @@ private:
     void storeLastStartTimestamp(std::int64_t timestamp);
     AgentStartReason takeStartReason();
     std::wstring arguments() const;
+    void replaceArguments(const std::wstring& args); ///< under m_argumentsMutex
     void useUpArguments(const std::wstring& used);
 
     common::CommonFactory* const m_commonFactory; ///< borrowed
-    mutable sync::RecursiveMutex m_argumentsMutex;
+    mutable sync::Mutex m_argumentsMutex;
     std::wstring m_arguments; ///< guarded by m_argumentsMutex
     const TarnpatchSettings m_settings;
     const TarnpatchStatus m_status;

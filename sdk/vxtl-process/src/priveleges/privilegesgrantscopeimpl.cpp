@@ -1,6 +1,6 @@
 #include "priveleges/privilegesgrantscopeimpl.h"
 
-#include "vxtl/exception.h"
+#include "vxtl/guarded.h"
 
 namespace vx::priveleges {
 
@@ -13,14 +13,9 @@ PrivilegesGrantScopeImpl::PrivilegesGrantScopeImpl(std::shared_ptr<IPrivelegesHo
 
 PrivilegesGrantScopeImpl::~PrivilegesGrantScopeImpl()
 {
-    for (const std::wstring& name : m_granted) {
-        // One that can't be taken back must not keep the others.
-        try {
-            m_holder->removePrivilege(name);
-        } catch (const std::exception& exception) {
-            LogStream(Level::Error) << exception;
-        }
-    }
+    // One that can't be taken back must not keep the others.
+    for (const std::wstring& name : m_granted)
+        guarded([&] { m_holder->removePrivilege(name); });
 }
 
 bool PrivilegesGrantScopeImpl::grant(const std::wstring& name)

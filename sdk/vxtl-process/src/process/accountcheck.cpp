@@ -4,6 +4,7 @@
 #include "vxtl-process/process/launchdriver.h"
 #include "vxtl-process/users/useraccount.h"
 #include "vxtl-process/users/useraccountproperties.h"
+#include "vxtl/guarded.h"
 
 #include <windows.h>
 
@@ -25,11 +26,7 @@ void requireUsable(users::UserAccountProperties& properties)
 
 void checkAccount(const users::UserAccount& account, LaunchDriver& driver)
 {
-    try {
-        requireUsable(*driver.accountProperties(account));
-    } catch (const std::exception& exception) {
-        logging::LogStream(logging::Level::Error) << exception;
-    }
+    guarded([&] { requireUsable(*driver.accountProperties(account)); });
 }
 
 } // namespace vx::process

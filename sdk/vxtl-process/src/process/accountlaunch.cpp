@@ -4,7 +4,7 @@
 #include "process/accountcheck.h"
 #include "process/impersonationguard.h"
 #include "vxtl-process/users/useraccount.h"
-#include "vxtl/exception.h"
+#include "vxtl/guarded.h"
 
 #include <windows.h>
 
@@ -37,12 +37,8 @@ LaunchedProcess createImpersonated(void* token, const LaunchRequest& request, La
 
 bool mayAssignPrimaryToken(const std::wstring& qualifiedName, LaunchDriver& driver)
 {
-    try {
-        return driver.privelegesHolder(qualifiedName)->hasPrivilege(L"SeAssignPrimaryTokenPrivilege");
-    } catch (const std::exception& exception) {
-        LogStream(Level::Error) << exception;
-        return false;
-    }
+    return guarded(
+        [&] { return driver.privelegesHolder(qualifiedName)->hasPrivilege(L"SeAssignPrimaryTokenPrivilege"); });
 }
 
 } // namespace
