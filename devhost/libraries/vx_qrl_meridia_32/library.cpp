@@ -1,6 +1,7 @@
 #include "libraries/vx_qrl_meridia_32/library.h"
 
 #include "ipc/instance.h"
+#include "logging/nodestructor.h"
 #include "vxtl/str.h"
 
 #include <algorithm>
@@ -36,8 +37,8 @@ void call(NotificationFunction function, void* userData, const Change& change)
 
 Library& Library::instance()
 {
-    static Library& library = *new Library;
-    return library;
+    static vx::NoDestructor<Library> library;
+    return *library;
 }
 
 Handle Library::open(const std::string& profile, const std::string& account, const std::string& clientName)

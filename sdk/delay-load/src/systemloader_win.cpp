@@ -1,6 +1,7 @@
 #include "systemloader.h"
 
 #include "delay-load/bootstrap.h"
+#include "logging/nodestructor.h"
 
 #include <windows.h>
 
@@ -78,9 +79,9 @@ std::optional<std::wstring> SystemLoader::readRegistryText(const std::wstring& k
 
 LoadStatus delayLoadInitialize(std::uint32_t component, const Initializer& initializer, LoadResult& result)
 {
-    // Never destroyed: other threads may still bootstrap while the process ends.
-    static Bootstrap& bootstrap = *new Bootstrap(std::make_shared<SystemLoader>());
-    return bootstrap.initialize({{}, true, component}, initializer, result);
+    // Other threads may still bootstrap while the process ends.
+    static NoDestructor<Bootstrap> bootstrap(std::make_shared<SystemLoader>());
+    return bootstrap->initialize({{}, true, component}, initializer, result);
 }
 
 } // namespace vx::delayload

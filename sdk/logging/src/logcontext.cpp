@@ -3,9 +3,9 @@
 #include "logging/details/lasterror.h"
 #include "logging/details/messagetext.h"
 #include "logging/details/threadid.h"
+#include "logging/nodestructor.h"
 
 #include <algorithm>
-#include <cstddef>
 #include <mutex>
 #include <new>
 
@@ -52,10 +52,9 @@ std::string escape(std::string_view text)
 
 LogContext& LogContext::instance()
 {
-    // Never destroyed: other threads may still log while the process ends. In memory that can't be short.
-    alignas(LogContext) static std::byte memory[sizeof(LogContext)];
-    static LogContext& context = *new (memory) LogContext;
-    return context;
+    // Other threads may still log while the process ends.
+    static NoDestructor<LogContext> context;
+    return *context;
 }
 
 LogContext::LogContext() : m_lockValid(false), m_lock(lockSpinCount)

@@ -1,6 +1,6 @@
 #include "pluginframe.h"
 
-#include <new>
+#include "logging/nodestructor.h"
 
 namespace vx::qrl {
 
@@ -33,12 +33,11 @@ void VX_STDCALL qrlOnResumeFromLowPowerMode(pluginAPI* pluginAPI)
     processFrame().onResumeFromLowPowerMode(pluginAPI);
 }
 
-// Never destroyed: when a host ends without stopping the plug-in, the library's detach finds the plug-in's threads
+// Not destroyed: when a host ends without stopping the plug-in, the library's detach finds the plug-in's threads
 // already killed, and taking the plug-in apart would wait for them under the loader lock.
 PluginFrame& processFrame()
 {
-    alignas(PluginFrame) static std::byte memory[sizeof(PluginFrame)];
-    static PluginFrame& frame = *new (memory) PluginFrame(Callbacks{
+    static NoDestructor<PluginFrame> frame(Callbacks{
         .initialize = QRLPluginInitialize,
         .main = qrlPluginMain,
         .stop = qrlPluginStop,
@@ -46,7 +45,7 @@ PluginFrame& processFrame()
         .onSessionChangeEvent = qrlPluginOnSessionChangeEvent,
         .onResumeFromLowPowerMode = qrlOnResumeFromLowPowerMode,
     });
-    return frame;
+    return *frame;
 }
 
 } // namespace

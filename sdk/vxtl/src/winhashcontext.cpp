@@ -1,5 +1,6 @@
 #include "winhashcontext.h"
 
+#include "logging/nodestructor.h"
 #include "vxtl/win32exception.h"
 
 #include <windows.h>
@@ -37,8 +38,8 @@ private:
 /// destructor would do that while the loader is locked.
 const Provider& processProvider()
 {
-    static const Provider& provider = *new Provider;
-    return provider;
+    static NoDestructor<Provider> provider;
+    return *provider;
 }
 
 HCRYPTHASH native(void* hash)
