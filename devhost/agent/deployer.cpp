@@ -81,7 +81,7 @@ void Deployer::walkThrough(const Patches& patches, const DeployScript& script) c
         const auto state = script.states[i];
         const bool last = i + 1 == script.states.size();
         m_log.record(patches, {state, vx::str::fromUtf8(script.code)},
-            last && !script.result.empty() ? script.result : suggestedResult(state));
+            last ? script.result.value_or(suggestedResult(state)) : suggestedResult(state));
         say("now " + vx::toText(state));
         for (const auto& pause : script.pauses)
             if (pause.at == state)

@@ -13,19 +13,17 @@ namespace {
 
 using vx::tarn::ValueItem;
 
-ValueItem readState(const Member& member)
+template <typename Enumeration>
+Enumeration readWord(const Member& member, const char* kind)
 {
-    if (const auto state = vx::findText<ValueItem>(readText(member)))
-        return *state;
-    member.mustBe("the state of a patch");
+    if (const auto value = vx::findText<Enumeration>(readText(member)))
+        return *value;
+    member.mustBe(kind);
 }
 
-std::string readResult(const Member& member)
+ValueItem readState(const Member& member)
 {
-    auto text = readText(member);
-    if (!vx::findText<vx::tarn::InstallationResultItem>(text))
-        member.mustBe("the result of an installation");
-    return text;
+    return readWord<ValueItem>(member, "the state of a patch");
 }
 
 std::size_t readItems(const Member& member)
@@ -63,7 +61,7 @@ void readPart(DeployScript& script, const std::string& name, const Member& membe
     else if (name == "states")
         readElements(member, [&](const Member& state) { script.states.push_back(readState(state)); });
     else if (name == "result")
-        script.result = readResult(member);
+        script.result = readWord<vx::tarn::InstallationResultItem>(member, "the result of an installation");
     else if (name == "code")
         script.code = readText(member);
     else if (name == "stepMs")

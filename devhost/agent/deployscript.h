@@ -6,6 +6,7 @@
 #include <chrono>
 #include <cstddef>
 #include <limits>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -22,7 +23,8 @@ struct DeployScript {
     std::size_t items = std::numeric_limits<std::size_t>::max(); ///< how many of the queue's at most
     /// Each patch goes through them in order; none is the way to an installed patch, or to a waiting one.
     std::vector<vx::tarn::ValueItem> states;
-    std::string result;                  ///< that the last state's log entries carry; empty: what the state suggests
+    /// That the last state's log entries carry; empty: what the state suggests.
+    std::optional<vx::tarn::InstallationResultItem> result;
     std::string code;                    ///< that all states carry
     std::chrono::milliseconds step{100}; ///< length of each state
     std::vector<Pause> pauses;

@@ -4,7 +4,6 @@
 #include "common/settings/tarnpatchstatus.h"
 #include "settings-api/settings.h"
 #include "vxtl/clock.h"
-#include "vxtl/str.h"
 
 #include <algorithm>
 #include <nlohmann/json.hpp>
@@ -16,16 +15,20 @@ namespace {
 
 using nlohmann::json;
 using namespace vx::tarn;
-using vx::str::toUtf8;
 
-json toEntry(const common::PatchInfo& patch, const common::PatchStatus& status, const std::string& result)
+json toEntry(const common::ListedPatch& patch, const common::PatchStatus& status, InstallationResultItem result)
 {
-    return {{"patch_specifier", {{"id", toUtf8(patch.specifier.id)}, {"region", patch.specifier.region}}},
-        {"update_id", toUtf8(common::deriveUpdateId(patch))},
-        {"installation_time", vx::systemTicks() / vx::ticksPerSecond}, {"bulletin_id", toUtf8(patch.bulletinId)},
-        {"product_name", toUtf8(patch.productName)}, {"service_pack", toUtf8(patch.servicePack)},
-        {"update_name", toUtf8(patch.updateName)}, {"installation_result", result},
-        {"status", {{"value", vx::toText(status.value)}, {"code", toUtf8(status.code)}}}};
+    common::InstallationLogEntry entry;
+    entry.patchSpecifier = patch.specifier;
+    entry.updateId = common::deriveUpdateId(patch);
+    entry.installationTime = vx::systemTicks() / vx::ticksPerSecond;
+    entry.bulletinId = patch.bulletinId;
+    entry.productName = patch.productName;
+    entry.servicePack = patch.servicePack;
+    entry.updateName = patch.updateName;
+    entry.installationResult = result;
+    entry.status = status;
+    return toJson(entry);
 }
 
 bool isOf(const json& entry, const json& updateId)
@@ -35,8 +38,8 @@ bool isOf(const json& entry, const json& updateId)
 
 } // namespace
 
-void InstallationLog::record(
-    const std::vector<common::PatchInfo>& patches, const common::PatchStatus& status, const std::string& result) const
+void InstallationLog::record(const std::vector<common::PatchInfo>& patches, const common::PatchStatus& status,
+    InstallationResultItem result) const
 {
     const TarnpatchStatus report(m_settings);
     json log = report.installation.log.entries();

@@ -3,7 +3,6 @@
 #include "common/patches/patchinfo.h"
 
 #include <memory>
-#include <string>
 #include <vector>
 
 namespace vx::settings {
@@ -20,7 +19,7 @@ public:
     /// Puts the patches into a state, stamped with the present second, in one write: a patch's first entry is
     /// replaced where it stands, new entries go to the front. What else the log holds stays as it is.
     void record(const std::vector<vx::tarn::common::PatchInfo>& patches, const vx::tarn::common::PatchStatus& status,
-        const std::string& result) const;
+        vx::tarn::InstallationResultItem result) const;
 
 private:
     std::shared_ptr<vx::settings::Settings> m_settings;

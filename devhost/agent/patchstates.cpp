@@ -3,6 +3,7 @@
 namespace devhost::agent {
 
 using enum vx::tarn::ValueItem;
+using Result = vx::tarn::InstallationResultItem;
 
 bool waitsForReboot(vx::tarn::ValueItem state)
 {
@@ -14,26 +15,26 @@ bool isInstalled(vx::tarn::ValueItem state)
     return state == InstallationCompleted || state == InstallationExcluded;
 }
 
-std::string suggestedResult(vx::tarn::ValueItem state)
+Result suggestedResult(vx::tarn::ValueItem state)
 {
     switch (state) {
     case InstallationRequested:
     case InstallationCanceled:
-    case FileDownloading: return "installation_not_started";
+    case FileDownloading: return Result::InstallationNotStarted;
     case FileDownloadCompleted:
-    case InstallationExecuting: return "download_success";
+    case InstallationExecuting: return Result::DownloadSuccess;
     case FileDownloadFailed:
     case FileManualDownloadRequired:
-    case FileIsMissing: return "download_error";
-    case FileValidationFailed: return "signature_verification_error";
-    case InstallationCompleted: return "installation_success";
-    case InstallationFailed: return "installation_error";
-    case InstallationHungUp: return "installation_hung_up";
-    case InstallationExcluded: return "excluded";
+    case FileIsMissing: return Result::DownloadError;
+    case FileValidationFailed: return Result::SignatureVerificationError;
+    case InstallationCompleted: return Result::InstallationSuccess;
+    case InstallationFailed: return Result::InstallationError;
+    case InstallationHungUp: return Result::InstallationHungUp;
+    case InstallationExcluded: return Result::Excluded;
     case InstallationCompletedPendingReboot:
     case InstallationWillContinueAfterReboot: break;
     }
-    return "installation_unknown";
+    return Result::InstallationUnknown;
 }
 
 } // namespace devhost::agent

@@ -153,34 +153,12 @@ void LoggerWin::flush() noexcept
     });
 }
 
-void LoggerWin::vlog(int level, const wchar_t* format, std::va_list arguments) noexcept
-{
-    if (!isFiltered(level))
-        entry([&] { logWide(level, format, arguments); });
-}
-
-void LoggerWin::vlog(int level, const char* format, std::va_list arguments) noexcept
-{
-    if (!isFiltered(level))
-        entry([&] { logNarrow(level, format, arguments); });
-}
-
-void LoggerWin::logWide(int level, const wchar_t* format, std::va_list arguments)
-{
-    // Before the formatting: the record tells when the message came, not when it was ready.
-    const RecordTime time = RecordTime::now((m_flags & LOG_FLAG_UTC) != 0);
-    MessageBuffer<wchar_t, headerSize> record;
-    if (record.format(format, arguments))
-        writeRecord(level, time, record.data(), record.size());
-    else
-        log(failureLevel, L"VX_QRL_LOG failure: too large message. Format: %s", format);
-}
-
-void LoggerWin::logNarrow(int level, const char* format, std::va_list arguments)
+template <typename Fill>
+void LoggerWin::logNarrow(int level, const char* format, const Fill& fill)
 {
     const RecordTime time = RecordTime::now((m_flags & LOG_FLAG_UTC) != 0);
     MessageBuffer<char, 0> message;
-    if (!message.format(format, arguments)) {
+    if (!fill(message)) {
         log(failureLevel, L"VX_QRL_LOG failure: too large message. Format: %S", format);
         return;
     }
@@ -198,6 +176,36 @@ void LoggerWin::logNarrow(int level, const char* format, std::va_list arguments)
     const std::size_t size = headerSize + static_cast<std::size_t>(length);
     record[size] = L'\0';
     writeRecord(level, time, record, size);
+}
+
+void LoggerWin::vlog(int level, const wchar_t* format, std::va_list arguments) noexcept
+{
+    if (!isFiltered(level))
+        entry([&] { logWide(level, format, arguments); });
+}
+
+void LoggerWin::vlog(int level, const char* format, std::va_list arguments) noexcept
+{
+    if (!isFiltered(level))
+        entry([&] { logNarrow(level, format, [&](auto& message) { return message.format(format, arguments); }); });
+}
+
+// Past the system's printf, which is a good part of a short record's cost.
+void LoggerWin::write(int level, std::string_view first, std::string_view second) noexcept
+{
+    if (!isFiltered(level))
+        entry([&] { logNarrow(level, "%s%s", [&](auto& message) { return message.join(first, second); }); });
+}
+
+void LoggerWin::logWide(int level, const wchar_t* format, std::va_list arguments)
+{
+    // Before the formatting: the record tells when the message came, not when it was ready.
+    const RecordTime time = RecordTime::now((m_flags & LOG_FLAG_UTC) != 0);
+    MessageBuffer<wchar_t, headerSize> record;
+    if (record.format(format, arguments))
+        writeRecord(level, time, record.data(), record.size());
+    else
+        log(failureLevel, L"VX_QRL_LOG failure: too large message. Format: %s", format);
 }
 
 void LoggerWin::writeRecord(int level, const RecordTime& time, wchar_t* record, std::size_t size)

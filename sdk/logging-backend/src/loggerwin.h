@@ -29,6 +29,8 @@ public:
     void flush() noexcept override;
     void vlog(int level, const wchar_t* format, std::va_list arguments) noexcept override;
     void vlog(int level, const char* format, std::va_list arguments) noexcept override;
+    /// One record of two UTF-8 texts, as log(level, "%s%s", ...) writes it.
+    void write(int level, std::string_view first, std::string_view second) noexcept;
     /// What open() writes through.
     virtual std::unique_ptr<FileContext> createContext(
         const std::wstring& name1, const std::wstring& name2, unsigned flags);
@@ -40,7 +42,8 @@ private:
     bool initialise(Lock& lock);
     void writeStartBanner();
     void logWide(int level, const wchar_t* format, std::va_list arguments);
-    void logNarrow(int level, const char* format, std::va_list arguments);
+    template <typename Fill>
+    void logNarrow(int level, const char* format, const Fill& fill);
     void writeRecord(int level, const RecordTime& time, wchar_t* record, std::size_t size);
     void writeText(int level, std::wstring_view text);
     void setLevel(int level) noexcept;

@@ -3,9 +3,9 @@
 #include <cstdarg>
 #include <cstddef>
 #include <cstdio>
-#include <cstring>
 #include <cwchar>
 #include <memory>
+#include <string_view>
 
 namespace VxQrlLogging {
 
@@ -16,25 +16,8 @@ inline int formatText(wchar_t* target, std::size_t room, const wchar_t* format, 
     return _vsnwprintf(target, room, format, arguments);
 }
 
-/// The front-end's only format goes past the system's printf, which is a good part of a short record's cost.
 inline int formatText(char* target, std::size_t room, const char* format, std::va_list arguments)
 {
-    if (std::strcmp(format, "%s%s") == 0) {
-        std::va_list copy;
-        va_copy(copy, arguments);
-        const char* first = va_arg(copy, const char*);
-        const char* second = va_arg(copy, const char*);
-        va_end(copy);
-        if (first && second) {
-            const std::size_t firstSize = std::strlen(first);
-            const std::size_t secondSize = std::strlen(second);
-            if (firstSize + secondSize > room)
-                return -1;
-            std::memcpy(target, first, firstSize);
-            std::memcpy(target + firstSize, second, secondSize);
-            return static_cast<int>(firstSize + secondSize);
-        }
-    }
     return _vsnprintf(target, room, format, arguments);
 }
 
@@ -55,15 +38,25 @@ public:
     /// False when the text is too large for the large buffer too.
     bool format(const Char* format, std::va_list arguments)
     {
-        std::va_list again;
-        va_copy(again, arguments);
-        bool done = formatTo(m_small, smallBufferSize, format, arguments);
-        if (!done) {
-            m_large.reset(new Char[largeBufferSize + 1]);
-            done = formatTo(m_large.get(), largeBufferSize, format, again);
-        }
-        va_end(again);
-        return done;
+        return fill([&](Char* target, std::size_t room) {
+            std::va_list copy;
+            va_copy(copy, arguments);
+            const int length = formatText(target, room, format, copy);
+            va_end(copy);
+            return length;
+        });
+    }
+
+    /// The same for two texts, one behind the other.
+    bool join(std::basic_string_view<Char> first, std::basic_string_view<Char> second)
+    {
+        return fill([&](Char* target, std::size_t room) {
+            const std::size_t length = first.size() + second.size();
+            if (length > room)
+                return -1;
+            second.copy(target + first.copy(target, first.size()), second.size());
+            return static_cast<int>(length);
+        });
     }
 
     Char* data() noexcept { return m_large ? m_large.get() : m_small; }
@@ -71,9 +64,20 @@ public:
     std::size_t size() const noexcept { return m_size; }
 
 private:
-    bool formatTo(Char* buffer, std::size_t capacity, const Char* format, std::va_list arguments)
+    /// `write` fills a buffer with that much room and gives the length, or -1 when it doesn't fit.
+    template <typename Write>
+    bool fill(const Write& write)
     {
-        const int length = formatText(buffer + Spare, capacity - Spare - 2, format, arguments);
+        if (fillIn(m_small, smallBufferSize, write))
+            return true;
+        m_large.reset(new Char[largeBufferSize + 1]);
+        return fillIn(m_large.get(), largeBufferSize, write);
+    }
+
+    template <typename Write>
+    bool fillIn(Char* buffer, std::size_t capacity, const Write& write)
+    {
+        const int length = write(buffer + Spare, capacity - Spare - 2);
         if (length < 0)
             return false;
         Char* end = buffer + Spare + length;

@@ -6,10 +6,19 @@ namespace VxQrlLogging {
 
 std::atomic<int> details::processLevel{0};
 
-Logger& processLogger() noexcept
+namespace {
+
+LoggerWin& ownLogger() noexcept
 {
     static LoggerWin logger(&details::processLevel);
     return logger;
+}
+
+} // namespace
+
+Logger& processLogger() noexcept
+{
+    return ownLogger();
 }
 
 void open(const char* name1, const char* name2, int level, unsigned flags) noexcept
@@ -51,6 +60,12 @@ void log(int level, const wchar_t* format, ...) noexcept
     va_start(arguments, format);
     processLogger().vlog(level, format, arguments);
     va_end(arguments);
+}
+
+void write(int level, std::string_view first, std::string_view second) noexcept
+{
+    if (isEnabled(level))
+        ownLogger().write(level, first, second);
 }
 
 std::unique_ptr<Logger> createLogger()

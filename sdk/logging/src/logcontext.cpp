@@ -105,7 +105,7 @@ void LogContext::write(Level level, std::string_view text, int indentChange) noe
         indentation.append(depth > 0 ? 2 * static_cast<std::size_t>(depth) : 0, ' ');
         details::MessageText escaped;
         appendEscaped(escaped, text);
-        VxQrlLogging::log(backendLevel(level), "%s%s", indentation.c_str(), escaped.c_str());
+        VxQrlLogging::write(backendLevel(level), indentation.view(), escaped.view());
     } catch (...) {
     }
 }

@@ -9,7 +9,7 @@ char* MessageText::grow(std::size_t count)
 {
     if (count > m_capacity - m_size) {
         const std::size_t capacity = std::max(2 * m_capacity, m_size + count);
-        std::unique_ptr<char[]> larger(new char[capacity + 1]);
+        std::unique_ptr<char[]> larger(new char[capacity]);
         std::memcpy(larger.get(), data(), m_size);
         m_heap = std::move(larger);
         m_capacity = capacity;

@@ -122,23 +122,17 @@ void DeploymentQueue::pushBack(const std::wstring& updateId)
     guardedAgainst<BaseException>([&] {
         std::optional<DeploymentItem> pushed;
         change([&](nlohmann::json& list) {
-            Items items;
-            bool areAsWritten = true;
-            readEach<DeploymentItem>(list, [&](DeploymentItem& item, nlohmann::json&, bool isAsWritten) {
-                items.push_back(std::move(item));
-                areAsWritten &= isAsWritten;
-            });
+            Items items = itemsOf(list);
             if (std::ranges::any_of(items, withText(updateId))) {
                 if (!pushed)
                     LogStream(Level::Warning) << "Deployment item \"" << updateId
                                               << "\" already exists in the deployment queue, will be skipped.";
                 return false;
             }
-            if (!areAsWritten)
-                list = listToJson(items);
             if (!pushed)
                 pushed = {operationIdNow(), updateId};
-            list.push_back(toJson(*pushed));
+            items.push_back(*pushed);
+            list = listToJson(items);
             return true;
         });
     });

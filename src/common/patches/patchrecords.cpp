@@ -49,14 +49,14 @@ constexpr Field fields<MissingUpdate>[] = {
 template <>
 constexpr Field fields<ListedUpdate>[] = {
     readOnly<ListedUpdate, &ListedUpdate::bulletinId>("bulletin_id"),
-    readOnly<ListedUpdate, &ListedUpdate::category>("category"),
+    narrowed<ListedUpdate, &ListedUpdate::category>("category"),
     dropped<ListedUpdate, &MissingUpdate::cveIds>("cve_id"),
     dropped<ListedUpdate, &MissingUpdate::descriptionUrl>("description_url"),
     dropped<ListedUpdate, &MissingUpdate::endOfLife>("end_of_life"),
     readOnly<ListedUpdate, &ListedUpdate::patchSpecifier>("patch_specifier"),
     readOnly<ListedUpdate, &ListedUpdate::productName>("product_name"),
     readOnly<ListedUpdate, &ListedUpdate::servicePack>("service_pack"),
-    readOnly<ListedUpdate, &ListedUpdate::severity>("severity"),
+    narrowed<ListedUpdate, &ListedUpdate::severity>("severity"),
     dropped<ListedUpdate, &MissingUpdate::updateId>("update_id"),
     readOnly<ListedUpdate, &ListedUpdate::updateName>("update_name"),
     dropped<ListedUpdate, &MissingUpdate::userFriendlyUpdateName>("user_friendly_update_name"),
@@ -65,15 +65,15 @@ constexpr Field fields<ListedUpdate>[] = {
 
 template <>
 constexpr Field fields<InstallationLogEntry>[] = {
-    readOnly<InstallationLogEntry, &InstallationLogEntry::bulletinId>("bulletin_id"),
-    readOnly<InstallationLogEntry, &InstallationLogEntry::installationResult>("installation_result"),
-    readOnly<InstallationLogEntry, &InstallationLogEntry::installationTime>("installation_time"),
-    readOnly<InstallationLogEntry, &InstallationLogEntry::patchSpecifier>("patch_specifier"),
-    readOnly<InstallationLogEntry, &InstallationLogEntry::productName>("product_name"),
-    readOnly<InstallationLogEntry, &InstallationLogEntry::servicePack>("service_pack"),
-    readOnly<InstallationLogEntry, &InstallationLogEntry::status>("status"),
-    readOnly<InstallationLogEntry, &InstallationLogEntry::updateId>("update_id"),
-    readOnly<InstallationLogEntry, &InstallationLogEntry::updateName>("update_name"),
+    field<InstallationLogEntry, &InstallationLogEntry::bulletinId>("bulletin_id"),
+    field<InstallationLogEntry, &InstallationLogEntry::installationResult>("installation_result"),
+    field<InstallationLogEntry, &InstallationLogEntry::installationTime>("installation_time"),
+    field<InstallationLogEntry, &InstallationLogEntry::patchSpecifier>("patch_specifier"),
+    field<InstallationLogEntry, &InstallationLogEntry::productName>("product_name"),
+    field<InstallationLogEntry, &InstallationLogEntry::servicePack>("service_pack"),
+    field<InstallationLogEntry, &InstallationLogEntry::status>("status"),
+    field<InstallationLogEntry, &InstallationLogEntry::updateId>("update_id"),
+    field<InstallationLogEntry, &InstallationLogEntry::updateName>("update_name"),
 };
 
 template <>
@@ -138,6 +138,11 @@ json toJson(const DeploymentItem& item)
 json toJson(const MissingUpdate& update)
 {
     return writeRecord(update);
+}
+
+json toJson(const InstallationLogEntry& entry)
+{
+    return writeRecord(entry);
 }
 
 json toJson(const PatchStatus& status)

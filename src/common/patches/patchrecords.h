@@ -71,6 +71,7 @@ struct InstallationLogEntry : LoggedState {
 
 nlohmann::json toJson(const DeploymentItem& item);
 nlohmann::json toJson(const MissingUpdate& update);
+nlohmann::json toJson(const InstallationLogEntry& entry);
 nlohmann::json toJson(const PatchStatus& status);
 
 /// Reads one record: DeploymentItem, MissingUpdate or InstallationLogEntry.
@@ -82,7 +83,8 @@ template <typename Record>
 std::vector<Record> listFromJson(const nlohmann::json& value);
 /// Reads an array one by one, DeploymentItem, ListedUpdate or LoggedState, and hands each record over together with
 /// its element, while that is still in the processor's cache: a long list is far larger. isAsWritten tells that the
-/// element is just as the record, a ListedUpdate's the whole MissingUpdate, would be written.
+/// element is just as the record would be written; a ListedUpdate's, as the whole update behind a PatchInfo, which cuts
+/// severity and category to 16 bits.
 template <typename Record>
 void readEach(
     nlohmann::json& list, const std::function<void(Record&, nlohmann::json& element, bool isAsWritten)>& take);

@@ -77,6 +77,11 @@ json write(ValueItem value)
     return toText(value);
 }
 
+json write(InstallationResultItem value)
+{
+    return toText(value);
+}
+
 bool readMembers(const json& value, std::span<const Field> fields, void* record)
 {
     const auto& object = objectIn(value);

@@ -2,6 +2,7 @@
 
 #include "common/patches/patchrecords.h"
 
+#include <cstdint>
 #include <nlohmann/json.hpp>
 #include <span>
 #include <string_view>
@@ -33,6 +34,7 @@ json write(const std::wstring& text);
 json write(std::int64_t number);
 json write(const std::vector<std::wstring>& texts);
 json write(ValueItem value);
+json write(InstallationResultItem value);
 json write(const PatchSpecifier& specifier);
 json write(const PatchStatus& status);
 
@@ -61,6 +63,16 @@ template <typename Record, auto member>
 constexpr Field readOnly(std::string_view key)
 {
     return {key, [](const json& value, void* record) { return read(value, static_cast<Record*>(record)->*member); }};
+}
+
+/// A number that comes back with its lowest 16 bits alone.
+template <typename Record, auto member>
+constexpr Field narrowed(std::string_view key)
+{
+    return {key, [](const json& value, void* record) {
+                std::int64_t& number = static_cast<Record*>(record)->*member;
+                return read(value, number) && number == static_cast<std::uint16_t>(number);
+            }};
 }
 
 template <typename Record, auto member>

@@ -69,33 +69,29 @@ Ticks TaskScheduler::schedule(
         if (queued != m_tasks.end())
             return replaceUnique(queued, fresh);
     }
-    const Ticks due = entry.due;
-    insert(fresh, fresh.begin());
-    m_condition.notify_one();
-    return due;
+    return insert(fresh);
 }
 
-// The replaced task ends up in `fresh`, which dies outside the lock.
+// Both tasks go into `fresh`: the one that is replaced stays there and dies outside the lock.
 Ticks TaskScheduler::replaceUnique(Entries::iterator queued, Entries& fresh)
 {
-    Entry& entry = fresh.front();
-    if (entry.due >= queued->due)
+    if (fresh.front().due >= queued->due)
         return queued->due;
-    const Ticks due = queued->due = entry.due;
-    queued->task.swap(entry.task);
-    insert(m_tasks, queued);
-    m_condition.notify_one();
-    return due;
+    fresh.splice(fresh.end(), m_tasks, queued);
+    return insert(fresh);
 }
 
 // Looking from the back stops behind the entries of the same due time, where a stable sort would put an
 // appended entry.
-void TaskScheduler::insert(Entries& from, Entries::iterator entry)
+Ticks TaskScheduler::insert(Entries& fresh)
 {
-    auto position = &from == &m_tasks ? entry : m_tasks.end();
-    while (position != m_tasks.begin() && std::prev(position)->due > entry->due)
+    const Ticks due = fresh.front().due;
+    auto position = m_tasks.end();
+    while (position != m_tasks.begin() && std::prev(position)->due > due)
         --position;
-    m_tasks.splice(position, from, entry);
+    m_tasks.splice(position, fresh, fresh.begin());
+    m_condition.notify_one();
+    return due;
 }
 
 std::size_t TaskScheduler::cancel(const std::string& name, std::size_t maxCount)

@@ -54,7 +54,7 @@ private:
     using Entries = std::list<Entry>;
 
     vx::Ticks replaceUnique(Entries::iterator queued, Entries& fresh);
-    void insert(Entries& from, Entries::iterator entry);
+    vx::Ticks insert(Entries& fresh);
     std::chrono::milliseconds untilFirstDue() const;
 
     mutable vx::sync::Mutex m_mutex;

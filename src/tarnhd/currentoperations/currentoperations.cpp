@@ -84,10 +84,8 @@ std::vector<CurrentOperations::MissingPatch> CurrentOperations::getMissingUpdate
     std::vector<MissingPatch> patches;
     patches.reserve(missingUpdates.size());
     readEach<ListedUpdate>(missingUpdates, [&](ListedUpdate& update, json& element, bool isAsWritten) {
-        const bool isCut =
-            std::max(update.severity, update.category) > UINT16_MAX || std::min(update.severity, update.category) < 0;
         // Most are, and building them anew would cost more than all the rest of a pass.
-        if (isCut || !isAsWritten)
+        if (!isAsWritten)
             element = toJson(toMissingUpdate(PatchInfo(fromJson<MissingUpdate>(element)), {}));
         ListedPatch patch(std::move(update));
         std::wstring updateId = deriveUpdateId(patch); // while its texts are in the processor's cache

@@ -35,8 +35,13 @@ void log(int level, const char* format, ...) noexcept
     va_end(copy);
     std::vsnprintf(text.data(), text.size() + 1, format, arguments);
     va_end(arguments);
+    write(level, text, {});
+}
+
+void write(int level, std::string_view first, std::string_view second) noexcept
+{
     const std::lock_guard lock(mutex);
-    captured.push_back({level, text});
+    captured.push_back({level, std::string(first).append(second)});
     added.notify_all();
 }
 

@@ -6,7 +6,7 @@
 
 namespace vx::logging::details {
 
-/// A narrow text that grows: the first 511 bytes stand in the object, so a usual log line needs no heap.
+/// A narrow text that grows: the first 512 bytes stand in the object, so a usual log line needs no heap.
 /// A stack object of one thread.
 class MessageText {
 public:
@@ -20,20 +20,13 @@ public:
     void append(std::size_t count, char c);
 
     std::string_view view() const noexcept { return {data(), m_size}; }
-    /// Valid until the next append.
-    const char* c_str() noexcept
-    {
-        char* text = m_heap ? m_heap.get() : m_inline;
-        text[m_size] = '\0';
-        return text;
-    }
 
 private:
     const char* data() const noexcept { return m_heap ? m_heap.get() : m_inline; }
     char* grow(std::size_t count);
 
     std::size_t m_size = 0;
-    std::size_t m_capacity = sizeof m_inline - 1;
+    std::size_t m_capacity = sizeof m_inline;
     std::unique_ptr<char[]> m_heap;
     char m_inline[512];
 };
