@@ -122,8 +122,14 @@ void DeploymentQueue::pushBack(const std::wstring& updateId)
     guardedAgainst<BaseException>([&] {
         std::optional<DeploymentItem> pushed;
         change([&](nlohmann::json& list) {
-            Items items = itemsOf(list);
-            if (std::ranges::any_of(items, withText(updateId))) {
+            bool isQueued = false;
+            std::vector<std::pair<nlohmann::json*, DeploymentItem>> foreign; // not in the form that is written here
+            readEach<DeploymentItem>(list, [&](DeploymentItem& item, nlohmann::json& element, bool isAsWritten) {
+                isQueued |= item.descriptor == updateId;
+                if (!isAsWritten)
+                    foreign.emplace_back(&element, std::move(item));
+            });
+            if (isQueued) {
                 if (!pushed)
                     LogStream(Level::Warning) << "Deployment item \"" << updateId
                                               << "\" already exists in the deployment queue, will be skipped.";
@@ -131,8 +137,9 @@ void DeploymentQueue::pushBack(const std::wstring& updateId)
             }
             if (!pushed)
                 pushed = {operationIdNow(), updateId};
-            items.push_back(*pushed);
-            list = listToJson(items);
+            for (const auto& [element, item] : foreign)
+                *element = toJson(item);
+            list.push_back(toJson(*pushed));
             return true;
         });
     });
