@@ -33,6 +33,7 @@ std::size_t readItems(const Member& member)
     return member.value.get<std::size_t>();
 }
 
+// A pause without the event that ends it would be an agent that hangs: that is refused here.
 Pause readPause(const Member& entry)
 {
     Pause pause;

@@ -30,6 +30,7 @@ public:
     bool complete(const std::function<std::shared_ptr<vx::settings::Settings>()>& makeSettings) const;
 
 private:
+    /// What a deployment that waits for a boot has left in the registry.
     struct Kept {
         vx::tarn::common::PatchMap patches;
         std::vector<vx::tarn::common::ReportEvent> events;

@@ -13,6 +13,7 @@
 
 namespace devhost::host {
 
+/// What the command line says of a run.
 struct HostOptions {
     std::filesystem::path plugin;
     std::optional<std::filesystem::path> store; ///< the file to serve; none when another process serves it

@@ -32,6 +32,7 @@ PluginSession::~PluginSession()
     if (waitForEnd(std::chrono::milliseconds(0))) {
         m_main.join();
     } else {
+        // Unloading under a running thread would end the host; a leaked library shows that a stop has failed.
         m_main.detach();
         m_loader.leak();
     }
@@ -42,6 +43,7 @@ void PluginSession::start()
     m_end = std::make_shared<MainEnd>();
     m_main = std::thread([end = m_end, record = m_record, listener = m_onMainEnded] {
         end->code = record->get()->pluginMain(record->get());
+        // Before the listener, which may end the host: whoever waits for the end has it by then.
         end->told.set();
         listener(end->code);
     });

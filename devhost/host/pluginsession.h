@@ -17,6 +17,7 @@ namespace devhost::host {
 /// unloaded at destruction. Operations may come from any thread once the constructor has returned.
 class PluginSession {
 public:
+    /// Who is told what the plug-in does; called on the plug-in's threads.
     struct Listener {
         HostCallbacks::StateListener onState; ///< on the plug-in's thread
         std::function<void(std::uint32_t code)> onMainEnded;
@@ -43,6 +44,7 @@ public:
     bool isRecordIntact() const { return m_record->isIntact(); }
 
 private:
+    /// The end of the main callback.
     struct MainEnd {
         ipc::Signal told;
         std::uint32_t code = 0; ///< written before `told` is set

@@ -12,6 +12,7 @@ namespace devhost::host {
 /// line, shown at once. Texts are UTF-8.
 class Printer {
 public:
+    /// For people, or for programs.
     enum class Form { Text, Json };
 
     /// The stream is borrowed.

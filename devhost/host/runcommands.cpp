@@ -53,6 +53,7 @@ void addRun(Commands& commands)
     const auto [run, options] =
         commands.add("run", "serve the store and run the plug-in until Ctrl-C or 'tarnhost stop'", runHost);
     run->add_option("--plugin", options.plugin, "the plug-in; tarnhd.dll beside this program without it");
+    // Hosts of all ages are to be tried: the plug-in fills in no more than the record's size allows.
     const std::set<std::uint32_t> sizes(PluginRecord::knownSizes.begin(), PluginRecord::knownSizes.end());
     run->add_option("--size", options.size, "size of the plug-in record that the host knows")
         ->check(CLI::IsMember(sizes))

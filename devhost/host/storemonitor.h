@@ -14,6 +14,7 @@ class Printer;
 /// may come up later than this object. Owns a thread until the store is there.
 class StoreMonitor {
 public:
+    /// Whether a store without a profile is given one: the plug-in waits for it.
     enum class Profile { Provide, LeaveAlone };
 
     StoreMonitor(std::wstring instance, Printer& printer, Profile profile);

@@ -89,9 +89,11 @@ ExitCode listValues(const Context& context, const KeyOptions& options)
 ExitCode watchValues(const Context& context, const WatchOptions& options)
 {
     Client values(context.instance);
+    // Of its own: the other answers while this one's thread is in the callback.
     Client changes(context.instance);
     std::atomic<unsigned> told = 0;
     const auto print = [&](const store::Change& change) {
+        // Changes may still come between the signal and the end of this command.
         if (options.count != 0 && told >= options.count)
             return;
         printChange(context.printer, values, change);

@@ -25,6 +25,7 @@ public:
     Listener& operator=(const Listener&) = delete;
 
 private:
+    /// A connection's thread, to be joined once it is done.
     struct Served {
         std::atomic<bool> done{false};
         std::thread thread;

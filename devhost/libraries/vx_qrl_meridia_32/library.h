@@ -40,6 +40,7 @@ public:
     void unsubscribe(Handle handle, const std::wstring& name, NotificationFunction function, void* userData);
 
 private:
+    /// One subscription through one handle.
     struct Subscription {
         Handle handle;
         std::wstring name;

@@ -19,6 +19,7 @@ namespace devhost::store {
 /// Any thread may call. Held by shared pointer: the thread keeps it alive.
 class NotificationChannel : public std::enable_shared_from_this<NotificationChannel> {
 public:
+    /// How patient the thread is with a server that is gone.
     struct Pauses {
         unsigned long firstMs = 100;    ///< between attempts to reach a server that is gone; doubled
         unsigned long longestMs = 250;  ///< up to this
@@ -35,6 +36,7 @@ public:
     void stop();
 
 private:
+    /// One callback. A running one keeps its unsubscriber waiting.
     struct Subscription {
         SubscriptionId id = 0;
         ChangeCallback callback;

@@ -38,6 +38,8 @@ ValueStore load(const StoreFile& file, const std::wstring& path)
 
 } // namespace
 
+// The order of the members is that of the start: the pipe last, when there is something to serve; the lock first, so
+// that no second server even reads the file.
 class Server::Running {
 public:
     Running(const std::wstring& file, const std::wstring& instance)

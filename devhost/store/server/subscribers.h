@@ -44,6 +44,7 @@ public:
     void wakeAll();
 
 private:
+    /// A process's names and its present connection.
     struct Session {
         std::set<std::string> names;
         std::shared_ptr<Subscriber> subscriber;

@@ -13,6 +13,7 @@ namespace devhost::store {
 /// number that also survives restarts. No locks: one thread at a time.
 class ValueStore {
 public:
+    /// A value and its age.
     struct Entry {
         Value value;
         std::int64_t revision; ///< of the value's last change

@@ -4,6 +4,7 @@
 
 namespace VxQrlLogging {
 
+/// When a record came: the calendar's parts, in UTC or by the local clock.
 struct RecordTime {
     unsigned year;
     unsigned month;

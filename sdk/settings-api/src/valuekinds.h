@@ -8,6 +8,7 @@
 /// are told.
 namespace vx::settings::details {
 
+/// A value that JSON holds as it is.
 template <typename T>
 struct PlainKind {
     using Value = T;

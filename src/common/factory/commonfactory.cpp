@@ -24,8 +24,11 @@ namespace vx::tarn::common {
 
 namespace {
 
+// The agent takes the same one: the queue is read, changed and written back as a whole.
 constexpr wchar_t deploymentQueueMutex[] = L"TARN - DEPLOYMENT QUEUE - {D8AFE2BA-BD53-4D73-81D7-C8EF0DC5E27E}";
 
+// Two layers, as a store that is away for a while must not stop the plug-in: the cache answers and keeps what it is to
+// write until the store is back.
 std::shared_ptr<settings::Settings> openStore()
 {
     auto store = std::make_shared<meridia::SettingsApi>(L"safe", L"S-1-5-18", L"Vantorix Tarnpatch Handler");

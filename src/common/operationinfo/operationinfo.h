@@ -12,7 +12,9 @@ namespace vx::tarn::common {
 
 struct ListedPatch;
 
+/// How a request names what it means: the first word of its text.
 enum class OperationScope : std::int32_t { Unknown = 0, BySeverity = 1, ByIds = 2, ByGuids = 3, ByRule = 4 };
+/// Which patches a request by severity means; Important includes the critical ones.
 enum class SeverityFilter : std::int32_t { None = 0, Critical = 1, Important = 2, All = 3 };
 
 /// The parsed text of a remote installation request; answers whether a patch is in its scope. A plain

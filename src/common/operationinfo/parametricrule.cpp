@@ -30,6 +30,7 @@ bool matches(const RuleParameter& parameter, const ListedPatch& patch)
     case RuleParameterType::Bulletin: return parameter.value == patch.bulletinId;
     case RuleParameterType::ServicePack: return parameter.value == patch.servicePack;
     case RuleParameterType::Patch: return parameter.value == patch.updateName;
+    // Not converted at the parsing: a rule that has matched before it comes to a bad number is no bad rule.
     case RuleParameterType::Severity: return utils::toInt32(parameter.value) == patch.severity;
     }
     return false;

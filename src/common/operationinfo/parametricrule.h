@@ -10,6 +10,7 @@ namespace vx::tarn::common {
 
 struct ListedPatch;
 
+/// Which of a patch's texts, or its severity, a parameter of a rule is compared with.
 enum class RuleParameterType : std::int32_t { Product = 1, Bulletin = 2, ServicePack = 3, Patch = 4, Severity = 5 };
 inline constexpr auto ruleParameterTexts = enumTexts<RuleParameterType>({
     {RuleParameterType::Product, "PRODUCT"},

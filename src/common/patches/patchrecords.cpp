@@ -11,6 +11,8 @@ namespace {
 
 using namespace details;
 
+// One table a record, read and written by the same code: a read that converts member by member in templates would be
+// there once for each record, and these are a good part of the library.
 template <typename Record>
 constexpr Field fields[] = {};
 
@@ -18,6 +20,7 @@ template <>
 constexpr Field fields<PatchSpecifier>[] = {
     field<PatchSpecifier, &PatchSpecifier::id>("id"), field<PatchSpecifier, &PatchSpecifier::region>("region")};
 
+// What is dropped is checked all the same: a list that the one reader takes must not be refused by another.
 constexpr Field droppedSpecifier[] = {
     dropped<void, &PatchSpecifier::id>("id"), dropped<void, &PatchSpecifier::region>("region")};
 

@@ -17,11 +17,13 @@
 
 namespace vx::tarn::common {
 
+/// What names a patch where it comes from. Unlike the update_id it is not derived from the patch's texts.
 struct PatchSpecifier {
     std::wstring id; ///< a GUID's text
     std::int64_t region = 0;
 };
 
+/// How far the installation of a patch has come.
 struct PatchStatus {
     ValueItem value{};
     std::wstring code; ///< free text that the agent gives with the state
@@ -44,6 +46,7 @@ struct ListedUpdate {
     std::int64_t category = 0;
 };
 
+/// A patch that a scan found missing, as the agent publishes it.
 struct MissingUpdate : ListedUpdate {
     std::wstring updateId;
     std::wstring endOfLife;
@@ -59,6 +62,7 @@ struct LoggedState {
     PatchStatus status;
 };
 
+/// The last that the agent did with a patch. Of several entries with one update_id the first counts.
 struct InstallationLogEntry : LoggedState {
     PatchSpecifier patchSpecifier;
     std::int64_t installationTime = 0; ///< in the agent's unit

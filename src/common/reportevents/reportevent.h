@@ -10,6 +10,7 @@
 
 namespace vx::tarn::common {
 
+/// How far a deployment has come on a machine.
 struct MachineStateReport {
     utils::Guid deploymentId{};
     std::int64_t machineId = 0;
@@ -21,6 +22,7 @@ struct MachineStateReport {
     friend bool operator==(const MachineStateReport&, const MachineStateReport&) = default;
 };
 
+/// How far a deployment has come with one patch on a machine.
 struct PatchStateReport {
     utils::Guid deploymentId{};
     std::int64_t machineId = 0;

@@ -32,6 +32,7 @@ constexpr EnumTexts textsOf(ReportEventType)
     return {"ReportEventType", reportEventTypeTexts};
 }
 
+/// States of a machine in a deployment. The numbers are those of the management side.
 enum class MachineStateTarget : std::int32_t {
     Failed = 1,
     Canceled = 10,
@@ -61,6 +62,7 @@ constexpr EnumTexts textsOf(MachineStateTarget)
     return {"MachineStateTarget", machineStateTargetTexts};
 }
 
+/// States of a patch in a deployment. The numbers are those of the management side.
 enum class PatchStateTarget : std::int32_t {
     Failed = 1,
     Executing = 4,

@@ -38,6 +38,7 @@ public:
 /// The vocabulary of rows, for the sections to inherit: `Read<Minutes> delay{m_store, L"a.delay", 1};`
 class KeyKinds {
 protected:
+    /// A value that stands in the store as it is used.
     template <KeyType keyType, typename StoredValue, typename DefaultValue = StoredValue>
     struct Plain {
         using Value = StoredValue;
@@ -55,6 +56,7 @@ protected:
     struct Text : Plain<KeyType::String, std::wstring, const char*> {};
     /// A JSON array, by default an empty one.
     struct List : Plain<KeyType::Json, nlohmann::json, void> {};
+    /// 0 to 23.
     struct HourOfDay : Int32 {
         static constexpr const char* unit = "hour of the day";
     };

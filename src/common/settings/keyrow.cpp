@@ -34,6 +34,7 @@ template <typename Get, typename Default>
 auto KeyRow::readOr(Get get, Default fallback) const
 {
     const std::wstring name = key();
+    // Only absence has a default. A value of the wrong type, or a store that refuses, is for the caller to see.
     try {
         return (m_settings->*get)(name);
     } catch (const settings::NotFoundException& exception) {

@@ -21,6 +21,7 @@ void ActionScheduler::start(const std::chrono::milliseconds& period, bool immedi
             return;
         m_started = true;
     }
+    // Without the lock, which a stop takes while this runs.
     onTimeout(period, immediately);
     m_taskScheduler.run();
 }
@@ -37,6 +38,8 @@ void ActionScheduler::onTimeout(const std::chrono::milliseconds& period, bool im
 {
     VX_LOG_SCOPE();
     LogStream(Level::Debug) << "Period = " << period.count() << " milliseconds";
+    // The period is that of start, which does not return before the last tick. The next tick is queued when this one
+    // is over, so slow actions put it off and never pile up.
     auto tick = [this, &period] {
         callTasks();
         onTimeout(period, false);
@@ -47,6 +50,7 @@ void ActionScheduler::onTimeout(const std::chrono::milliseconds& period, bool im
 
 void ActionScheduler::callTasks()
 {
+    // Held over the actions: once setEnabled(false) has returned, none runs any more.
     const std::lock_guard enabledLock(m_enabledMutex);
     if (!m_enabled)
         return;

@@ -37,6 +37,7 @@ private:
     /// The installation log by update_id; of several entries the one nearest the front.
     using LogIndex = std::unordered_map<std::wstring_view, const common::LoggedState*>;
 
+    /// A missing update as filters see it, with what the log is searched for.
     struct MissingPatch {
         common::ListedPatch patch;
         std::wstring updateId;

@@ -45,6 +45,7 @@ public:
     AgentStartReason getStartReason() const;
 
 private:
+    /// How an attempt to start the agent ended; AlreadyRunning is what the agent itself answers.
     enum class Result { Finished = 0, Failed = 1, AlreadyRunning = 2 };
 
     bool startEventSignaled(common::Event& stopEvent);

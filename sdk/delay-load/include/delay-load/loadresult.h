@@ -7,6 +7,7 @@
 
 namespace vx::delayload {
 
+/// How a bootstrap ended. Other: without a library or function that could be named.
 enum class LoadStatus : std::uint32_t { Success = 0, ModuleNotFound = 1, FunctionNotFound = 2, Other = 3 };
 
 /// What became of a bootstrap. The names are narrow, cut at 1,024 characters and then without a zero behind.

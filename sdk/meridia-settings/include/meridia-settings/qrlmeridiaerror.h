@@ -26,6 +26,7 @@ const wchar_t* errorText(QrlMeridiaError_enum code) noexcept;
 
 } // namespace meridia
 
+/// Names the store's exceptions in reports.
 struct QrlMeridiaErrorCategory {
     static constexpr const wchar_t* label = L"QrlMeridiaException";
     static const wchar_t* emptyReason(meridia::QrlMeridiaError_enum code) noexcept { return meridia::errorText(code); }

@@ -41,6 +41,7 @@ public:
     void report(std::wostream& stream) const override { reportAs(Kind::typeName, stream); }
 };
 
+// The names and reasons of the children, in the words that administrators know.
 struct InvalidType {
     static constexpr const wchar_t* typeName = L"vx::settings::InvalidTypeException";
     static constexpr const wchar_t* reason = L"Setting has an invalid type";

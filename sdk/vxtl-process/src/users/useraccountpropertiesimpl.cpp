@@ -51,6 +51,7 @@ void UserAccountPropertiesImpl::requireLevel(unsigned long level, Buffer& buffer
 template <typename Record>
 const Record& UserAccountPropertiesImpl::record(unsigned long level, Buffer& buffer)
 {
+    // Each question costs a way to the domain's controller, so an answer is kept for all that its level tells.
     requireLevel(level, buffer);
     return *static_cast<const Record*>(buffer.get());
 }
@@ -77,7 +78,7 @@ bool UserAccountPropertiesImpl::isLockedOut()
 
 bool UserAccountPropertiesImpl::isPasswordExpired()
 {
-    return hasFlag(0x800000);
+    return hasFlag(UF_PASSWORD_EXPIRED);
 }
 
 bool UserAccountPropertiesImpl::isPasswordChangeForbidden()
@@ -87,7 +88,7 @@ bool UserAccountPropertiesImpl::isPasswordChangeForbidden()
 
 bool UserAccountPropertiesImpl::isNotDelegated()
 {
-    return hasFlag(0x100000);
+    return hasFlag(UF_NOT_DELEGATED);
 }
 
 bool UserAccountPropertiesImpl::isNormalAccount()
@@ -107,6 +108,7 @@ bool UserAccountPropertiesImpl::isServerTrustAccount()
 
 bool UserAccountPropertiesImpl::isGuest()
 {
+    // A guest's number is 0, so it is told by the two bits that all others have one of.
     return (privilege() & 3) == USER_PRIV_GUEST;
 }
 

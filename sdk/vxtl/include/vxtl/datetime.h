@@ -7,8 +7,10 @@ namespace vx {
 /// A point in time in the Gregorian calendar, years 1 to 9999, or NEVER. Immutable; any thread.
 class DateTime {
 public:
+    /// What the parts are meant in; kept, and not converted.
     enum class Kind : std::int32_t { Utc = 0, System = 1, Local = 2 };
 
+    /// As people write them: month and day begin at 1.
     struct Parts {
         unsigned year, month, day, hour, minute, second, millisecond;
     };

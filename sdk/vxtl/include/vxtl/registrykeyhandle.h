@@ -9,6 +9,7 @@ struct RegistryKeyCloser {
     void operator()(void* key) const noexcept;
 };
 
+/// A key that was not opened is null.
 struct NoRegistryKey {
     bool operator()(void* key) const noexcept { return !key; }
 };

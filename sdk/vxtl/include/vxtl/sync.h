@@ -23,6 +23,7 @@ inline constexpr unsigned long infinite = 0xFFFFFFFF;
 namespace details {
 /// False on a time-out.
 bool waitForSingleObject(void* handle, unsigned long timeoutMs);
+/// Which of several handles ended a wait.
 struct Fired {
     std::size_t index;
     bool isAbandoned; ///< a mutex whose owner has died

@@ -13,6 +13,7 @@
 
 namespace vx::settings::details {
 
+/// The types that a setting can have.
 enum class ValueType : std::int32_t { Bool = 1, Int32 = 2, Int64 = 3, Double = 4, String = 5, Json = 6 };
 
 /// What became of an attempt to give the provider what was pending.
@@ -37,6 +38,7 @@ class SettingsCache {
 
 public:
     using Version = std::uint64_t;
+    /// Whether the provider took a value.
     enum class Outcome { Saved, Failed };
 
     /// A value on its way to the provider; goes back through end.
@@ -44,6 +46,8 @@ public:
         Slot* slot;
         Version version;
     };
+    /// A waiting value that has been taken for saving: a passage that endSave ends. The name lives as long as the
+    /// cache.
     struct Pending {
         const std::wstring& name;
         ValueType type;
@@ -81,6 +85,7 @@ public:
     bool endSave(const Passage& passage, Outcome outcome);
 
 private:
+    /// One name's entry with what tells whether a late answer may still replace it.
     struct Slot {
         CacheEntry entry{{}, {}, true};
         Version written = 0; ///< the version of the last write; tells one value from another

@@ -36,6 +36,7 @@ struct LaunchRequest {
     void* environment = nullptr;                    ///< borrowed; null: the caller's
 };
 
+/// A child that runs; the handles are the caller's.
 struct LaunchedProcess {
     SharedHandle process;
     SharedHandle thread;

@@ -8,6 +8,7 @@
 
 namespace vx::users {
 
+/// A terminal session as the system lists it.
 struct Session {
     unsigned long id = 0;
     std::wstring stationName;
