@@ -1,7 +1,5 @@
 #include "barefile.h"
 
-#include "rotationrace.h"
-
 #include <algorithm>
 #include <windows.h>
 
@@ -20,21 +18,11 @@ void writeAll(HANDLE file, std::wstring_view text)
     WriteFile(file, text.data(), static_cast<DWORD>(text.size() * sizeof(wchar_t)), &written, nullptr);
 }
 
-bool exists(const std::wstring& path)
-{
-    WIN32_FIND_DATAW data;
-    const HANDLE search = FindFirstFileW(path.c_str(), &data);
-    if (search == INVALID_HANDLE_VALUE)
-        return false;
-    FindClose(search);
-    return true;
-}
-
 } // namespace
 
-BareFile::BareFile(const std::wstring& folder, const std::wstring& stem)
+BareFile::BareFile(const std::wstring& folder, const std::wstring& stem, unsigned rotateCount)
 {
-    for (unsigned i = 0; i <= rotateCount + 1; ++i)
+    for (unsigned i = 0; i <= rotateCount; ++i)
         m_names.push_back(folder + L"\\" + stem + (i ? L"." + std::to_wstring(i) : L"") + L".log");
     std::wstring name = m_names[0];
     std::replace(name.begin(), name.end(), L'\\', L'_');
@@ -83,8 +71,7 @@ void BareFile::appendRotating(std::wstring_view record, unsigned long long maxSi
 
 void BareFile::rotate()
 {
-    DeleteFileW(m_names[rotateCount].c_str());
-    for (unsigned n = rotateCount; n-- > 0;)
-        if (exists(m_names[n]))
-            MoveFileExW(m_names[n].c_str(), m_names[n + 1].c_str(), MOVEFILE_REPLACE_EXISTING);
+    DeleteFileW(m_names.back().c_str());
+    for (std::size_t n = m_names.size() - 1; n-- > 0;)
+        MoveFileExW(m_names[n].c_str(), m_names[n + 1].c_str(), MOVEFILE_REPLACE_EXISTING);
 }

@@ -8,7 +8,8 @@
 /// else. One thread.
 class BareFile {
 public:
-    BareFile(const std::wstring& folder, const std::wstring& stem);
+    /// `rotateCount` old files are kept.
+    BareFile(const std::wstring& folder, const std::wstring& stem, unsigned rotateCount);
     ~BareFile();
     BareFile(const BareFile&) = delete;
     BareFile& operator=(const BareFile&) = delete;

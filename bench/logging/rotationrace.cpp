@@ -179,7 +179,7 @@ public:
 
 class BareAppender : public Appender {
 public:
-    explicit BareAppender(const std::wstring& folder) : m_file(folder, L"bare") {}
+    explicit BareAppender(const std::wstring& folder) : m_file(folder, L"bare", rotateCount) {}
     void append(const std::string& text) override
     {
         std::wstring record(40, L' ');
@@ -228,9 +228,9 @@ int runRacer(int argc, char** argv)
     return 0;
 }
 
-void compareRotationRace(bench::Comparison& table, const Sandbox& sandbox)
+void compareRotationRace(bench::Comparison& table, const bench::LogSandbox& sandbox)
 {
-    Sandbox::configure(maxSizeKb, rotateCount);
+    bench::LogSandbox::configure(maxSizeKb, rotateCount);
     std::filesystem::create_directories(sandbox.folder(folderName));
     Race bare("bare", sandbox.folder(folderName));
     Race ours("ours", sandbox.folder(folderName));

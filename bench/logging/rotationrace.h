@@ -1,7 +1,7 @@
 #pragma once
 
 #include "bench/comparison.h"
-#include "sandbox.h"
+#include "bench/logsandbox.h"
 
 #include <string_view>
 
@@ -14,4 +14,4 @@ inline constexpr std::string_view racerMode = "race";
 int runRacer(int argc, char** argv);
 
 /// The row of two processes that write one rotated file. Every record is read back and counted.
-void compareRotationRace(bench::Comparison& table, const Sandbox& sandbox);
+void compareRotationRace(bench::Comparison& table, const bench::LogSandbox& sandbox);

@@ -6,6 +6,7 @@
 
 Sandbox::Sandbox() : m_agentDirectory(devhost::host::readAgentDirectory())
 {
+    bench::LogSandbox::configure(bench::neverFull, 2);
     std::filesystem::create_directories(root() / "agent");
     devhost::host::writeAgentDirectory(root() / "agent");
 }

@@ -1,11 +1,11 @@
 #pragma once
 
-#include "bench/datafolder.h"
+#include "bench/logsandbox.h"
 
 #include <optional>
 
 /// A folder of its own for log, store and agent, which the registry names as the agent's. There is no agent in
-/// it. At the end folder and registry are as before.
+/// it, and the log does not rotate. At the end folder and registry are as before.
 class Sandbox {
 public:
     Sandbox();
@@ -13,9 +13,9 @@ public:
     Sandbox(const Sandbox&) = delete;
     Sandbox& operator=(const Sandbox&) = delete;
 
-    const std::filesystem::path& root() const { return m_folder.path(); }
+    const std::filesystem::path& root() const { return m_folder.root(); }
 
 private:
-    bench::DataFolder m_folder;
+    bench::LogSandbox m_folder;
     std::optional<std::filesystem::path> m_agentDirectory; ///< what the registry named before
 };

@@ -1,7 +1,9 @@
-#include "sandbox.h"
+#include "bench/logsandbox.h"
 
 #include <stdexcept>
 #include <windows.h>
+
+namespace bench {
 
 namespace {
 
@@ -30,25 +32,27 @@ void forgetConfiguration()
 
 } // namespace
 
-Sandbox::Sandbox()
+LogSandbox::LogSandbox()
 {
     forgetConfiguration();
 }
 
-Sandbox::~Sandbox()
+LogSandbox::~LogSandbox()
 {
     forgetConfiguration();
 }
 
-std::filesystem::path Sandbox::folder(const wchar_t* name1) const
+std::filesystem::path LogSandbox::folder(const wchar_t* name1) const
 {
     return m_folder.path() / L"Vantorix" / L"Log" / name1;
 }
 
-void Sandbox::configure(unsigned long maxSizeKb, unsigned long rotateCount)
+void LogSandbox::configure(unsigned long maxSizeKb, unsigned long rotateCount)
 {
     const HKEY key = createKey();
     setNumber(key, L"LogMaxSizeKB", maxSizeKb);
     setNumber(key, L"LogRotateCount", rotateCount);
     RegCloseKey(key);
 }
+
+} // namespace bench
