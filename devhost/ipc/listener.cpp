@@ -2,6 +2,7 @@
 
 #include "ipc/security.h"
 #include "vxtl/guarded.h"
+#include "vxtl/scopeexit.h"
 #include "vxtl/win32exception.h"
 
 #include <utility>
@@ -61,15 +62,12 @@ void Listener::run(std::unique_ptr<Pipe> pipe)
 void Listener::serve(std::unique_ptr<Pipe> pipe)
 {
     Served& served = m_served.emplace_back();
-    try {
-        served.thread = std::thread([this, pipe = std::move(pipe), &served] {
-            vx::guarded("A client's connection was dropped. ", [&] { m_serve(*pipe, m_stop); });
-            served.done = true;
-        });
-    } catch (...) {
-        m_served.pop_back();
-        throw;
-    }
+    vx::ScopeExit unserved([this] { m_served.pop_back(); });
+    served.thread = std::thread([this, pipe = std::move(pipe), &served] {
+        vx::guarded("A client's connection was dropped. ", [&] { m_serve(*pipe, m_stop); });
+        served.done = true;
+    });
+    unserved.dismiss();
 }
 
 void Listener::joinFinished()

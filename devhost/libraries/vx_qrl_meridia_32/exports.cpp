@@ -13,7 +13,7 @@ using namespace devhost::store;
 namespace {
 
 template <typename Body>
-int guarded(Body body) noexcept
+int errorCodeOf(Body body) noexcept
 {
     try {
         body();
@@ -56,7 +56,7 @@ template <typename Result, typename Read>
 Result read(int* error, Result fallback, Read readValue) noexcept
 {
     Result result = fallback;
-    const int code = guarded([&] { result = readValue(); });
+    const int code = errorCodeOf([&] { result = readValue(); });
     if (error)
         *error = code;
     return result;
@@ -97,7 +97,7 @@ Handle QrlMeridia_OpenHandle(const wchar_t* profile, const wchar_t* account, con
 
 void QrlMeridia_CloseHandle(Handle handle)
 {
-    guarded([&] { Library::instance().close(handle); });
+    errorCodeOf([&] { Library::instance().close(handle); });
 }
 
 bool QrlMeridia_GetBool(Handle handle, const wchar_t* name, bool fallback, int* error)
@@ -135,41 +135,41 @@ void QrlMeridia_FreeString(void* text)
 
 int QrlMeridia_SetBool(Handle handle, const wchar_t* name, bool value)
 {
-    return guarded([&] { store(handle, name, Value::fromBool(value)); });
+    return errorCodeOf([&] { store(handle, name, Value::fromBool(value)); });
 }
 
 int QrlMeridia_SetInt32(Handle handle, const wchar_t* name, std::int32_t value)
 {
-    return guarded([&] { store(handle, name, Value::fromInt32(value)); });
+    return errorCodeOf([&] { store(handle, name, Value::fromInt32(value)); });
 }
 
 int QrlMeridia_SetInt64(Handle handle, const wchar_t* name, std::int64_t value)
 {
-    return guarded([&] { store(handle, name, Value::fromInt64(value)); });
+    return errorCodeOf([&] { store(handle, name, Value::fromInt64(value)); });
 }
 
 int QrlMeridia_SetString(Handle handle, const wchar_t* name, const wchar_t* value)
 {
     if (!value)
         return static_cast<int>(ErrorCode::InvalidParameter);
-    return guarded([&] { store(handle, name, Value::fromString(utf8(value))); });
+    return errorCodeOf([&] { store(handle, name, Value::fromString(utf8(value))); });
 }
 
 int QrlMeridia_SetObjectFromStringUtf8(Handle handle, const wchar_t* name, const char* value)
 {
     if (!value)
         return static_cast<int>(ErrorCode::InvalidParameter);
-    return guarded([&] { store(handle, name, Value::fromObject(value)); });
+    return errorCodeOf([&] { store(handle, name, Value::fromObject(value)); });
 }
 
 int QrlMeridia_Subscribe(Handle handle, const wchar_t* name, NotificationFunction function, void* userData)
 {
-    return guarded([&] { Library::instance().subscribe(handle, text(name), function, userData); });
+    return errorCodeOf([&] { Library::instance().subscribe(handle, text(name), function, userData); });
 }
 
 int QrlMeridia_Unsubscribe(Handle handle, const wchar_t* name, NotificationFunction function, void* userData)
 {
-    return guarded([&] { Library::instance().unsubscribe(handle, text(name), function, userData); });
+    return errorCodeOf([&] { Library::instance().unsubscribe(handle, text(name), function, userData); });
 }
 
 } // extern "C"

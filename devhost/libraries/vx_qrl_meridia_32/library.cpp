@@ -2,6 +2,7 @@
 
 #include "ipc/instance.h"
 #include "logging/nodestructor.h"
+#include "vxtl/scopeexit.h"
 #include "vxtl/str.h"
 
 #include <algorithm>
@@ -44,14 +45,11 @@ Library& Library::instance()
 Handle Library::open(const std::string& profile, const std::string& account, const std::string& clientName)
 {
     auto client = acquire();
-    try {
-        client->open(profile, account, clientName);
-    } catch (...) {
-        drop(std::move(client), 0);
-        throw;
-    }
+    vx::ScopeExit unopened([&] { drop(std::move(client), 0); });
+    client->open(profile, account, clientName);
     const std::lock_guard lock(m_mutex);
     m_handles.insert(++m_lastHandle);
+    unopened.dismiss();
     return m_lastHandle;
 }
 
