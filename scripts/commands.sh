@@ -125,7 +125,8 @@ command_wine() {
 
 # Client, server and program share one core, or the figures swing with the scheduler's mood.
 command_bench() {
-    local programs=() name
+    local name
+    install_packages python3
     build_flavour product all
     (
         taskset -cp "$(($(nproc) - 1))" "$BASHPID" >/dev/null
@@ -141,6 +142,7 @@ command_bench() {
             say "${name%.exe}"
             sync # what the one before has written is not to be written under this one
             command_wine "./$name" || failed=1
+            [ "$name" != bench-plugin.exe ] || python3 "$project/scripts/unitsizes.py" tarnhd.dll.map
         done
         exit "${failed:-0}"
     ) || die "a figure is out of reach; see NO above"

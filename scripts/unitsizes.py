@@ -1,0 +1,47 @@
+#!/usr/bin/env python3
+"""Prints what each unit adds to a library, out of the linker's map file: unitsizes.py MAP.
+
+Counted is what ends up in the file, without debug information: code, constants, data, tables for exceptions. Objects
+that stand alone belong to the folder of their target; archives of the compiler are one row.
+"""
+import re
+import sys
+from collections import Counter
+
+PLACED = re.compile(r"^ \.(text|rdata|data|eh_frame|idata|edata|tls|CRT|rsrc)\S*\s+0x\S+\s+(0x\S+)\s+(\S.*)$")
+
+
+def unit_of(source):
+    archive = re.match(r"(?:.*/)?lib([\w+-]+)(?:\.dll)?\.a\(", source)
+    if archive and source.startswith(("sdk/", "src/")):
+        return archive[1]
+    if archive:
+        return "compiler's run-time" if source.startswith("/") else archive[1]
+    return "tarnhd" if "tarnhd.dir" in source else "compiler's run-time"
+
+
+def sizes(lines):
+    total = Counter()
+    placing = False
+    pending = ""
+    for line in lines:
+        placing |= line.startswith("Linker script and memory map")
+        line = pending + line.rstrip("\n")
+        # A long section name has a line for itself.
+        pending = line if re.fullmatch(r" \.\S+", line) else ""
+        found = PLACED.match(line) if placing else None
+        if found:
+            total[unit_of(found[3])] += int(found[2], 16)
+    return total
+
+
+def main():
+    with open(sys.argv[1], encoding="utf-8") as file:
+        total = sizes(file)
+    whole = sum(total.values())
+    for unit, size in total.most_common():
+        print(f"| {unit:<30} | {size / 1024:8.1f} KB | {100 * size / whole:5.1f} % |")
+
+
+if __name__ == "__main__":
+    main()
