@@ -67,7 +67,7 @@ TEST(AgentScript, readsADeploymentsMembers)
                             .deploy.value();
     EXPECT_EQ(script.items, 2u);
     EXPECT_THAT(script.states, ElementsAre(FileDownloading, InstallationFailed));
-    EXPECT_EQ(script.result, "download_error");
+    EXPECT_EQ(script.result, vx::tarn::InstallationResultItem::DownloadError);
     EXPECT_EQ(script.code, "5");
     EXPECT_EQ(script.step.count(), 0);
     ASSERT_EQ(script.pauses.size(), 1u);
