@@ -1,8 +1,8 @@
 #!/usr/bin/env python3
 """Prints what each unit adds to a library, out of the linker's map file: unitsizes.py MAP.
 
-Counted is what ends up in the file, without debug information: code, constants, data, tables for exceptions. Objects
-that stand alone belong to the folder of their target; archives of the compiler are one row.
+Counted is what ends up in the file, without debug information: code, constants, data, tables for exceptions. What
+templates of the standard library become counts for the unit that comes first.
 """
 import re
 import sys
@@ -12,12 +12,9 @@ PLACED = re.compile(r"^ \.(text|rdata|data|eh_frame|idata|edata|tls|CRT|rsrc)\S*
 
 
 def unit_of(source):
-    archive = re.match(r"(?:.*/)?lib([\w+-]+)(?:\.dll)?\.a\(", source)
-    if archive and source.startswith(("sdk/", "src/")):
-        return archive[1]
-    if archive:
-        return "compiler's run-time" if source.startswith("/") else archive[1]
-    return "tarnhd" if "tarnhd.dir" in source else "compiler's run-time"
+    target = re.match(r"(?:sdk|src)/.*CMakeFiles/([^/]+)\.dir/", source)
+    target = target or re.match(r"(?:sdk|src)/.*/lib([^/]+)\.a\(", source)
+    return target[1] if target else "compiler's run-time"
 
 
 def sizes(lines):
