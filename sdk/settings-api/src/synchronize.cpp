@@ -41,7 +41,7 @@ SaveResult save(SettingsCache& cache, SettingsImpl& provider, const SettingsCach
                                   << static_cast<std::int32_t>(pending.type);
         return SaveResult::Failed;
     }
-    if (!guarded(Level::Warning, "Failed to save a cache value to the settings. Reason: ", [&] {
+    if (!guardedAgainst<std::exception>(Level::Warning, "Failed to save a cache value to the settings. Reason: ", [&] {
             handler->save(provider, pending.name, pending.value);
         }))
         return SaveResult::Failed;

@@ -72,14 +72,20 @@ bool guarded(Function&& function) noexcept
 
 /// The same for exceptions of one kind; others pass to the caller.
 template <typename Caught, typename Message, typename Function>
-bool guardedAgainst(const Message& message, Function&& function)
+bool guardedAgainst(logging::Level level, const Message& message, Function&& function)
 {
     try {
         return details::outcomeOf(std::forward<Function>(function));
     } catch (const Caught&) {
-        details::logCaught(logging::Level::Error, message);
+        details::logCaught(level, message);
         return false;
     }
+}
+
+template <typename Caught, typename Message, typename Function>
+bool guardedAgainst(const Message& message, Function&& function)
+{
+    return guardedAgainst<Caught>(logging::Level::Error, message, std::forward<Function>(function));
 }
 
 template <typename Caught, typename Function>
