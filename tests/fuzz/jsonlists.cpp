@@ -1,7 +1,7 @@
 // Any JSON is refused with a type error or a conversion's std::invalid_argument, or gives the same records in both ways
 // of reading, and these are written as they were read.
 
-#include "common/patches/patchrecords.h"
+#include "common/patches/patchinfo.h"
 #include "input.h"
 
 using namespace vx::tarn::common;
@@ -9,36 +9,36 @@ using nlohmann::json;
 
 namespace {
 
-json written(const DeploymentItem& item)
+/// A part of a record written with the rest at its defaults.
+template <typename Whole, typename Part>
+json written(const Part& part)
+{
+    Whole whole;
+    static_cast<Part&>(whole) = part;
+    return toJson(whole);
+}
+
+json published(const DeploymentItem& item)
 {
     return toJson(item);
 }
 
-json written(const MissingUpdate& update)
+json published(const MissingUpdate& update)
 {
-    return toJson(update);
+    return toJson(toMissingUpdate(PatchInfo(update), update.updateId));
 }
 
-json written(const ListedUpdate& update)
+json published(const InstallationLogEntry& entry)
 {
-    MissingUpdate whole;
-    static_cast<ListedUpdate&>(whole) = update;
-    return toJson(whole);
+    return toJson(entry);
 }
 
-/// The log has no writer of its own.
-json written(const LoggedState& state)
+template <typename Part, typename Whole>
+std::vector<Part> readOneByOne(json value)
 {
-    return {{"update_id", toJson(DeploymentItem{{}, state.updateId})["update_id"]}, {"status", toJson(state.status)}};
-}
-
-template <typename Record, typename Whole>
-std::vector<Record> readOneByOne(json value)
-{
-    std::vector<Record> records;
-    readEach<Record>(value, [&](Record& record, json& element, bool isAsWritten) {
-        if constexpr (!std::is_void_v<Whole>)
-            fuzz::require(isAsWritten == (toJson(fromJson<Whole>(element)).dump() == element.dump()), "as written");
+    std::vector<Part> records;
+    readEach<Part>(value, [&](Part& record, json& element, bool isAsWritten) {
+        fuzz::require(isAsWritten == (published(fromJson<Whole>(element)).dump() == element.dump()), "as written");
         records.push_back(record);
     });
     return records;
@@ -58,19 +58,19 @@ auto tryToRead(const json& value, Read read) -> std::optional<decltype(read(valu
     return std::nullopt;
 }
 
-template <typename Record, typename Read>
-void check(const json& value, Read readRecords)
+template <typename Whole, typename Part = Whole>
+void check(const json& value)
 {
-    const auto wholes = tryToRead(value, listFromJson<Record>);
-    const auto records = tryToRead(value, readRecords);
+    const auto wholes = tryToRead(value, listFromJson<Whole>);
+    const auto records = tryToRead(value, readOneByOne<Part, Whole>);
     fuzz::require(wholes.has_value() == records.has_value(), "refused by both or none");
     if (!wholes)
         return;
     fuzz::require(wholes->size() == value.size() && records->size() == value.size(), "one record an element");
     for (std::size_t i = 0; i < value.size(); ++i) {
-        using Part = std::decay_t<decltype(records->front())>;
-        fuzz::require(fuzz::isFrom(value[i], written(wholes->at(i))), "as it was read");
-        fuzz::require(written(records->at(i)) == written(static_cast<const Part&>(wholes->at(i))), "the same by both");
+        const Part& part = wholes->at(i);
+        fuzz::require(fuzz::isFrom(value[i], toJson(wholes->at(i))), "as it was read");
+        fuzz::require(written<Whole>(records->at(i)) == written<Whole>(part), "the same by both");
     }
 }
 
@@ -82,8 +82,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     if (!input)
         return 0;
     const json& value = *input;
-    check<DeploymentItem>(value, readOneByOne<DeploymentItem, DeploymentItem>);
-    check<MissingUpdate>(value, readOneByOne<ListedUpdate, MissingUpdate>);
-    check<InstallationLogEntry>(value, readOneByOne<LoggedState, void>);
+    check<DeploymentItem>(value);
+    check<MissingUpdate, ListedUpdate>(value);
+    check<InstallationLogEntry, LoggedState>(value);
     return 0;
 }
