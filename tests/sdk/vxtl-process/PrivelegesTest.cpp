@@ -1,56 +1,13 @@
+#include "fakedrivers.h"
 #include "priveleges/lsauserprivilegesholerimpl.h"
 #include "priveleges/privilegesgrantscopeimpl.h"
 #include "support/logcapture.h"
 #include "support/thrown.h"
 #include "vxtl/win32exception.h"
 
-#include <windows.h>
-
 using namespace vx;
 using namespace vx::priveleges;
 using testing::ElementsAre;
-
-namespace {
-
-/// One account's rights; each call fails with the status when that is set.
-struct FakePolicyDriver : PolicyDriver {
-    long status = 0;
-    bool known = true;
-    std::vector<std::wstring> rights;
-    std::vector<std::wstring> removed;
-    std::weak_ptr<void> opened;
-
-    long open(const wchar_t*, unsigned long, std::shared_ptr<void>& policy) override
-    {
-        if (status == 0)
-            opened = policy = std::make_shared<int>();
-        return status;
-    }
-    unsigned long errorOf(long failed) override { return static_cast<unsigned long>(-failed); }
-    bool lookUpSid(const wchar_t*, const std::wstring&, Sid&) override
-    {
-        SetLastError(ERROR_NONE_MAPPED);
-        return known;
-    }
-    long enumerateRights(void*, const Sid&, std::vector<std::wstring>& result) override
-    {
-        result = rights;
-        return status;
-    }
-    long addRight(void*, const Sid&, const std::wstring& right) override
-    {
-        if (status == 0)
-            rights.push_back(right);
-        return status;
-    }
-    long removeRight(void*, const Sid&, const std::wstring& right) override
-    {
-        removed.push_back(right);
-        return status;
-    }
-};
-
-} // namespace
 
 TEST(Priveleges, failsToOpenAndClosesThePolicyAgain)
 {

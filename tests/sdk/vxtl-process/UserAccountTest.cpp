@@ -1,5 +1,5 @@
 #include "vxtl-process/users/useraccount.h"
-#include "ownaccount.h"
+#include "fakedrivers.h"
 #include "process/effectiveadminrights.h"
 #include "support/thrown.h"
 #include "users/impersonatedscope.h"
