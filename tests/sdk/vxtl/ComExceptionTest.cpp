@@ -9,34 +9,24 @@
 
 #include <thread>
 
-// COM objects delete themselves; their destructor is nobody's to call.
-#pragma GCC diagnostic ignored "-Wnon-virtual-dtor"
-
 using namespace vx;
 using testing::EndsWith;
 using testing::HasSubstr;
 
 namespace {
 
-/// Counts its references and names a source.
-struct FakeErrorInfo : IErrorInfo {
-    HRESULT sourceResult = S_OK;
-    const wchar_t* source = L"the source";
-    int references = 1;
-
-    HRESULT WINAPI QueryInterface(REFIID, void**) override { return E_NOINTERFACE; }
-    ULONG WINAPI AddRef() override { return static_cast<ULONG>(++references); }
-    ULONG WINAPI Release() override { return static_cast<ULONG>(--references); }
-    HRESULT WINAPI GetGUID(GUID*) override { return E_NOTIMPL; }
-    HRESULT WINAPI GetSource(BSTR* text) override
-    {
-        *text = source ? SysAllocString(source) : nullptr;
-        return sourceResult;
-    }
-    HRESULT WINAPI GetDescription(BSTR*) override { return E_NOTIMPL; }
-    HRESULT WINAPI GetHelpFile(BSTR*) override { return E_NOTIMPL; }
-    HRESULT WINAPI GetHelpContext(DWORD*) override { return E_NOTIMPL; }
-};
+/// The system's error object; `source` null: it knows none.
+std::shared_ptr<IErrorInfo> errorInfo(const wchar_t* source)
+{
+    ICreateErrorInfo* maker = nullptr;
+    EXPECT_EQ(CreateErrorInfo(&maker), S_OK);
+    IErrorInfo* info = nullptr;
+    maker->QueryInterface(IID_IErrorInfo, reinterpret_cast<void**>(&info));
+    if (source)
+        maker->SetSource(const_cast<wchar_t*>(source));
+    maker->Release();
+    return {info, [](IErrorInfo* last) { last->Release(); }};
+}
 
 std::wstring reportOf(const ComError& error)
 {
@@ -47,31 +37,27 @@ std::wstring reportOf(const ComError& error)
 
 TEST(ComException, reportsMessageResultAndSource)
 {
-    FakeErrorInfo info;
-    EXPECT_EQ(reportOf({static_cast<long>(0x8004FFFF), &info}),
+    EXPECT_EQ(reportOf({static_cast<long>(0x8004FFFF), errorInfo(L"the source").get()}),
         L"Type: vx::ComException, Reason: reason, Function: function, File: file, Line: 7, COM Error: IDispatch error "
         L"#65023, HRESULT: -2147155969, COM Source: the source");
     EXPECT_THAT(reportOf(E_ACCESSDENIED), HasSubstr(L", COM Error: Access denied.,"));
     EXPECT_THAT(reportOf(E_ACCESSDENIED), EndsWith(L", HRESULT: -2147024891, COM Source: "));
-    info.source = nullptr;
-    EXPECT_THAT(reportOf({E_FAIL, &info}), EndsWith(L", COM Source: "));
-    info.sourceResult = E_FAIL;
-    EXPECT_THAT(reportOf({E_FAIL, &info}), EndsWith(L", COM Source: "));
+    EXPECT_THAT(reportOf({E_FAIL, errorInfo(nullptr).get()}), EndsWith(L", COM Source: "));
 }
 
 TEST(ComException, sharesTheErrorObjectWithItsCopies)
 {
-    FakeErrorInfo info;
+    const auto info = errorInfo(L"the source");
+    const auto references = [&] { return info->AddRef(), info->Release(); };
     {
-        const ComException first({E_FAIL, &info}, L"reason", L"function", L"file", 7);
-        EXPECT_EQ(info.references, 2);
+        const ComException first({E_FAIL, info.get()}, L"reason", L"function", L"file", 7);
         ComException second(first);
-        EXPECT_EQ(info.references, 3);
+        EXPECT_EQ(references(), 3u);
         second = ComException(S_OK, L"another", L"function", L"file", 7);
-        EXPECT_EQ(info.references, 2);
+        EXPECT_EQ(references(), 2u);
         EXPECT_EQ(second.reason(), L"another");
     }
-    EXPECT_EQ(info.references, 1);
+    EXPECT_EQ(references(), 1u);
 }
 
 TEST(ComApartment, entersTheMultithreadedApartmentOnce)
