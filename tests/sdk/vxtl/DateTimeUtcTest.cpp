@@ -22,8 +22,7 @@ TEST(DateTimeUtc, givesTheSpanBetweenTwoDates)
     EXPECT_EQ(later - earlier, 2 * 864'000'000'000 + 10'000);
     EXPECT_EQ(earlier - later, -(2 * 864'000'000'000 + 10'000));
     EXPECT_THROW(DateTime::never() - later, BaseException);
-    EXPECT_EQ(
-        support::thrown<BaseException>([&] { later - DateTime::never(); }).reason(), L"Requested span from/to NEVER.");
-    EXPECT_TRUE(DateTime::fromTime(-1).isNever());
+    EXPECT_EQ(support::thrown<BaseException>([&] { later - DateTime::fromTime(-1); }).reason(),
+        L"Requested span from/to NEVER.");
     EXPECT_LT(std::llabs(DateTime::fromTime(systemTicks() / ticksPerSecond) - DateTime::now()), 60 * ticksPerSecond);
 }

@@ -46,11 +46,9 @@ TEST(Sync, singleWaitTellsFiringFromTimeoutAndFailure)
 
 TEST(Sync, multipleWaitGivesTheFirstThatFired)
 {
-    const auto clear = makeEvent(false);
-    const auto set = makeEvent(true);
-    const std::pair<std::vector<std::shared_ptr<Waitable>>, std::ptrdiff_t> rows[] = {{{}, 0}, {{set}, 0},
-        {{clear, set}, 1}, {{set, makeEvent(true)}, 0}, {{makeAbandonedMutex()}, 0},
-        {{clear, clear, makeAbandonedMutex()}, 2}};
+    const auto clear = makeEvent(false), set = makeEvent(true);
+    const std::pair<std::vector<std::shared_ptr<Waitable>>, std::ptrdiff_t> rows[] = {
+        {{}, 0}, {{clear, set}, 1}, {{set, makeEvent(true)}, 0}, {{clear, clear, makeAbandonedMutex()}, 2}};
     for (const auto& [list, expected] : rows)
         EXPECT_EQ(sync::waitForMultipleObjects(list) - list.begin(), expected) << "of " << list.size();
     const std::vector invalid(2, std::make_shared<Waitable>(nullptr));
