@@ -1,7 +1,7 @@
 #include "logcontext.h"
 #include "support/logcapture.h"
 
-#include <map>
+#include <set>
 #include <thread>
 
 using namespace vx::logging;
@@ -66,10 +66,9 @@ TEST(LogContext, keepsTheDepthOfEachThreadApart)
         });
     threads.clear();
     LogStream(Level::Debug) << "after";
-    std::map<std::string, int> counts;
+    std::set<std::string> texts;
     for (const auto& line : log.lines())
-        ++counts[line.text];
-    const std::map<std::string, int> expected = {
-        {"  after", 1}, {"  inside", 400}, {"{ here", 1}, {"{ there", 400}, {"} there", 400}};
-    EXPECT_EQ(counts, expected);
+        texts.insert(line.text);
+    EXPECT_THAT(texts, testing::ElementsAre("  after", "  inside", "{ here", "{ there", "} there"));
+    EXPECT_EQ(log.lines().size(), 1202u);
 }

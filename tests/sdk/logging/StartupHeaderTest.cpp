@@ -1,26 +1,22 @@
 #include "logging/startupheader.h"
 
-#include <cstdio>
-#include <gtest/gtest.h>
-#include <vector>
+#include <regex>
 #include <windows.h>
-
-#include <tlhelp32.h>
 
 namespace vx::logging::startup_header {
 namespace {
 
-TEST(StartupHeader, tellsTheParentThatTheSystemKnows)
+TEST(StartupHeader, describesProcessAndModule)
 {
-    PROCESSENTRY32W entry{};
-    entry.dwSize = sizeof entry;
-    const HANDLE snapshot = CreateToolhelp32Snapshot(TH32CS_SNAPPROCESS, 0);
-    for (BOOL more = Process32FirstW(snapshot, &entry); more && entry.th32ProcessID != GetCurrentProcessId();)
-        more = Process32NextW(snapshot, &entry);
-    CloseHandle(snapshot);
-    char parent[16];
-    std::snprintf(parent, sizeof parent, "0x%04lX", entry.th32ParentProcessID);
-    EXPECT_TRUE(getStartProcessInfo().ends_with(std::string("Parent Process Id: ") + parent)) << parent;
+    const auto matches = [](const std::string& text, const char* pattern) {
+        EXPECT_TRUE(std::regex_match(text, std::regex(pattern))) << text;
+    };
+    matches(getStartProcessInfo(), R"(Process file: .*logging-backend-tests\.exe, )"
+                                   R"(Process Id: 0x[0-9A-F]{4,}, Parent Process Id: 0x[0-9A-F]{4,})");
+    matches(getModuleFileInfo(""),
+        R"(Module  file: .*logging-backend-tests\.exe, Version: <no version>, File size: [1-9]\d+, )"
+        R"(Created: \d{4}-\d\d-\d\d \d\d:\d\d:\d\d, Modified: 20\d\d-\d\d-\d\d \d\d:\d\d:\d\d)");
+    matches(getModuleFileInfo("1.2.3.4"), ".*, Version: 1.2.3.4, .*");
 }
 
 TEST(StartupHeader, readsTheVersionOfAModuleThatHasOne)
