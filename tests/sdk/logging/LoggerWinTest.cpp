@@ -1,8 +1,6 @@
 #include "loggerwin.h"
 
 #include "logfolder.h"
-#include "logging-backend/processlogger.h"
-#include "logging/logstream.h"
 
 #include <cstdio>
 #include <optional>
@@ -99,15 +97,6 @@ TEST_F(LoggerWinTest, ignoresASecondOpenButOpensAgainAfterClose)
     EXPECT_FALSE(std::filesystem::exists(folder.root / "Vantorix" / "Log" / "other"));
 }
 
-TEST_F(LoggerWinTest, reflectsTheFlagsInItsBanner)
-{
-    open(4, LOG_FLAG_BANNER_DEBUG);
-    logger->close();
-    EXPECT_THAT(folder.files(), IsEmpty()) << "the banner is filtered and nothing else was written";
-    open(5, LOG_FLAG_BANNER_DEBUG | LOG_FLAG_UTC);
-    EXPECT_THAT(folder.lines()[1], testing::HasSubstr("]  D: ***  LOGGING STARTED  *** (UTC+00:00, local:"));
-}
-
 TEST_F(LoggerWinTest, stampsItsRecordsInUtcWithTheFlagAndInLocalTimeWithout)
 {
     using Clock = void(WINAPI*)(SYSTEMTIME*);
@@ -128,6 +117,7 @@ TEST_F(LoggerWinTest, stampsItsRecordsInUtcWithTheFlagAndInLocalTimeWithout)
         const std::string after = stamp(clock);
         const std::vector<std::string> lines = folder.lines();
         ASSERT_EQ(lines.size(), 5u);
+        EXPECT_EQ(lines[1].find("(UTC+00:00, local:") != std::string::npos, flags == LOG_FLAG_UTC);
         for (const std::string& line : std::span(lines).subspan(1)) {
             EXPECT_LE(before, line.substr(0, before.size())) << line;
             EXPECT_GE(after, line.substr(0, after.size())) << line;
@@ -175,13 +165,14 @@ static LONG CALLBACK takeDebuggerText(EXCEPTION_POINTERS* info)
     return EXCEPTION_CONTINUE_EXECUTION;
 }
 
-TEST_F(LoggerWinTest, showsItsRecordsToTheDebuggerWhenConfigured)
+TEST_F(LoggerWinTest, showsItsRecordsToTheDebuggerAndItsBannersWhenConfigured)
 {
     const auto handler = AddVectoredExceptionHandler(1, takeDebuggerText);
-    open();
+    open(4, LOG_FLAG_BANNER_DEBUG);
     logger->log(4, "unseen");
     logger->close();
     EXPECT_EQ(debuggerText, L"");
+    EXPECT_EQ(folder.lines().size(), 1u) << "the banners are filtered";
     LogFolder::configure(L"\\prog", L"DebugOutputLogging", 2);
     open();
     logger->log(3, "seen");
@@ -224,22 +215,4 @@ TEST_F(LoggerWinTest, survivesCloseAndOpenWhileThreadsLog)
     }
     for (std::thread& thread : threads)
         thread.join();
-}
-
-TEST(ProcessLogger, carriesTheFrontEndAndKeepsTheLastError)
-{
-    const LogFolder folder;
-    EXPECT_FALSE(isEnabled(1));
-    open("prog", "part", 5, 0);
-    EXPECT_TRUE(isEnabled(5));
-    SetLastError(1234);
-    {
-        const vx::logging::LogScope scope("place");
-        vx::logging::LogStream(vx::logging::Level::Warning) << "100%s\t" << L"\u00e9\n" << 1;
-    }
-    log(4, L"wide %s", L"entry");
-    EXPECT_EQ(GetLastError(), 1234u);
-    close();
-    EXPECT_FALSE(isEnabled(1));
-    EXPECT_THAT(folder.messages(), ElementsAre("{ place", "  100%s\\t\u00e9\\n1", "} place", "wide entry"));
 }

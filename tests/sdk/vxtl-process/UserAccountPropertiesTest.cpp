@@ -32,22 +32,6 @@ TEST(UserAccountProperties, tellsWhichCallFailedAndReadsEachLevelOnce)
     EXPECT_THAT(driver.queries, ElementsAre(L"\\\\DC/joe/1", L"\\\\DC/joe/1", L"\\\\DC/joe/4"));
 }
 
-TEST(UserAccountProperties, tellsGuestUserAndAdministratorApart)
-{
-    const std::tuple<unsigned long, bool, bool, bool> rows[] = {{USER_PRIV_GUEST, true, false, false},
-        {USER_PRIV_USER, false, true, false}, {USER_PRIV_ADMIN, false, false, true},
-        {USER_PRIV_MASK, false, true, true}, {4, true, false, false}};
-    for (const auto& [privilege, isGuest, isUser, isAdmin] : rows) {
-        SCOPED_TRACE(privilege);
-        FakeAccountDriver driver;
-        driver.privilege = privilege;
-        UserAccountPropertiesImpl properties(UserAccount(L"", L"joe"), driver);
-        EXPECT_EQ(properties.isGuest(), isGuest);
-        EXPECT_EQ(properties.isUser(), isUser);
-        EXPECT_EQ(properties.isAdmin(), isAdmin);
-    }
-}
-
 TEST(UserAccountProperties, asksNoControllerForALocalAccount)
 {
     FakeAccountDriver driver;

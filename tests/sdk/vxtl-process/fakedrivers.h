@@ -16,10 +16,9 @@ inline vx::SharedHandle ownToken()
     return std::make_shared<vx::KernelHandle>(token);
 }
 
-/// An account database with one account of settable flags and privilege.
+/// An account database with one account of settable flags.
 struct FakeAccountDriver : vx::users::AccountDriver {
     unsigned long flags = 0;
-    unsigned long privilege = 0;
     vx::users::AccountAnswer controller{0, std::make_shared<std::wstring>()};
     unsigned long userStatus = 0;
     std::vector<std::wstring> queries; ///< server, user and level
@@ -35,7 +34,6 @@ struct FakeAccountDriver : vx::users::AccountDriver {
             return {0, std::make_shared<USER_INFO_4>()};
         auto record = std::make_shared<USER_INFO_1>();
         record->usri1_flags = flags;
-        record->usri1_priv = privilege;
         return {0, record};
     }
 };
@@ -45,23 +43,16 @@ struct FakePolicyDriver : vx::priveleges::PolicyDriver {
     using Sid = vx::priveleges::Sid;
 
     long status = 0;
-    bool known = true;
     std::vector<std::wstring> rights;
     std::vector<std::wstring> removed;
-    std::weak_ptr<void> opened;
 
     long open(const wchar_t*, unsigned long, std::shared_ptr<void>& policy) override
     {
-        if (status == 0)
-            opened = policy = std::make_shared<int>();
+        policy = std::make_shared<int>();
         return status;
     }
     unsigned long errorOf(long failed) override { return static_cast<unsigned long>(-failed); }
-    bool lookUpSid(const wchar_t*, const std::wstring&, Sid&) override
-    {
-        SetLastError(ERROR_NONE_MAPPED);
-        return known;
-    }
+    bool lookUpSid(const wchar_t*, const std::wstring&, Sid&) override { return true; }
     long enumerateRights(void*, const Sid&, std::vector<std::wstring>& result) override
     {
         result = rights;

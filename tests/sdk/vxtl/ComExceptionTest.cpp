@@ -40,24 +40,21 @@ TEST(ComException, reportsMessageResultAndSource)
     EXPECT_EQ(reportOf({static_cast<long>(0x8004FFFF), errorInfo(L"the source").get()}),
         L"Type: vx::ComException, Reason: reason, Function: function, File: file, Line: 7, COM Error: IDispatch error "
         L"#65023, HRESULT: -2147155969, COM Source: the source");
-    EXPECT_THAT(reportOf(E_ACCESSDENIED), HasSubstr(L", COM Error: Access denied.,"));
-    EXPECT_THAT(reportOf(E_ACCESSDENIED), EndsWith(L", HRESULT: -2147024891, COM Source: "));
+    EXPECT_THAT(reportOf(E_ACCESSDENIED), EndsWith(L"COM Error: Access denied., HRESULT: -2147024891, COM Source: "));
     EXPECT_THAT(reportOf({E_FAIL, errorInfo(nullptr).get()}), EndsWith(L", COM Source: "));
 }
 
 TEST(ComException, sharesTheErrorObjectWithItsCopies)
 {
     const auto info = errorInfo(L"the source");
-    const auto references = [&] { return info->AddRef(), info->Release(); };
     {
         const ComException first({E_FAIL, info.get()}, L"reason", L"function", L"file", 7);
         ComException second(first);
-        EXPECT_EQ(references(), 3u);
+        EXPECT_EQ((info->AddRef(), info->Release()), 3u);
         second = ComException(S_OK, L"another", L"function", L"file", 7);
-        EXPECT_EQ(references(), 2u);
         EXPECT_EQ(second.reason(), L"another");
     }
-    EXPECT_EQ(references(), 1u);
+    EXPECT_EQ((info->AddRef(), info->Release()), 1u);
 }
 
 TEST(ComApartment, entersTheMultithreadedApartmentOnce)

@@ -40,7 +40,7 @@ TEST(BaseException, keepsItsReportWhichCopiesBuildAnew)
     EXPECT_STREQ(assigned.what(), "report 2");
 }
 
-TEST(BaseException, logsItsReportAndSurvivesOneThatThrows)
+TEST(BaseException, survivesAReportThatThrows)
 {
     struct Unreportable : BaseException {
         using BaseException::BaseException;
@@ -50,11 +50,7 @@ TEST(BaseException, logsItsReportAndSurvivesOneThatThrows)
     const Unreportable unreportable(L"x", nullptr, nullptr, 1);
     EXPECT_STREQ(unreportable.what(), "");
     logging::LogStream(logging::Level::Error) << unreportable;
-    logging::LogStream(logging::Level::Error) << BaseException(L"went wrong", nullptr, nullptr, 1);
-    logging::LogStream(logging::Level::Error) << std::runtime_error("plain");
-    for (const char* line : {"Exception occurred. Type: vx::BaseException, Reason: went wrong",
-             "Exception occurred. plain", "Serious Error: Exception occurred during another exception tracing."})
-        EXPECT_TRUE(log.has(2, line)) << log.text();
+    EXPECT_TRUE(log.has(2, "Serious Error: Exception occurred during another exception tracing.")) << log.text();
 }
 
 TEST(BaseException, standsInTheLogInUtf8)

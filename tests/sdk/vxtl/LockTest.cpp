@@ -37,16 +37,7 @@ void expectOneThreadAtATime(const char* trace, Lock& lock)
 
 TEST(Lock, letsOneThreadInAtATime)
 {
-    struct {
-        void lock()
-        {
-            while (!mutex.try_lock())
-                std::this_thread::yield();
-        }
-        void unlock() { mutex.unlock(); }
-    } tried;
     expectOneThreadAtATime("mutex", mutex);
-    expectOneThreadAtATime("tried mutex", tried);
     expectOneThreadAtATime("shared mutex", sharedMutex);
     expectOneThreadAtATime("recursive mutex", recursiveMutex);
 }
