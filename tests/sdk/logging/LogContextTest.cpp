@@ -1,8 +1,8 @@
 #include "logcontext.h"
 #include "support/logcapture.h"
+#include "support/onthreads.h"
 
 #include <set>
-#include <thread>
 
 using namespace vx::logging;
 
@@ -56,15 +56,12 @@ TEST(LogContext, keepsTheDepthOfEachThreadApart)
 {
     support::LogCapture log;
     const LogScope scope("here");
-    std::vector<std::jthread> threads;
-    for (int i = 0; i < 4; ++i)
-        threads.emplace_back([] {
-            for (int k = 0; k < 100; ++k) {
-                const LogScope inner("there");
-                LogStream(Level::Debug) << "inside";
-            }
-        });
-    threads.clear();
+    support::onThreads(4, [](int) {
+        for (int i = 0; i < 100; ++i) {
+            const LogScope inner("there");
+            LogStream(Level::Debug) << "inside";
+        }
+    });
     LogStream(Level::Debug) << "after";
     std::set<std::string> texts;
     for (const auto& line : log.lines())

@@ -1,6 +1,7 @@
 #include "loggerwin.h"
 
 #include "logfolder.h"
+#include "support/onthreads.h"
 
 #include <cstdio>
 #include <optional>
@@ -128,30 +129,21 @@ TEST_F(LoggerWinTest, stampsItsRecordsInUtcWithTheFlagAndInLocalTimeWithout)
 
 TEST_F(LoggerWinTest, readsItsLevelFromTheNearestValidValue)
 {
-    const auto opensAt = [this](int level) {
+    constexpr auto all = L"", program = L"\\prog", file = L"\\prog\\part";
+    const std::tuple<const char*, const wchar_t*, unsigned long, std::uint64_t, unsigned long, int> rows[] = {
+        {"all logs", all, REG_DWORD, 3, 4, 3},
+        {"the program", program, REG_DWORD, 5, 4, 5},
+        {"the file", file, REG_DWORD, 6, 4, 6},
+        {"binary", file, REG_BINARY, 1, 4, 5},
+        {"too long", file, REG_DWORD, 1, 8, 5},
+        {"too short", file, REG_DWORD, 1, 2, 5},
+        {"marked as absent", file, REG_DWORD, 0xFFFFFFFF, 4, 5},
+    };
+    for (const auto& [trace, key, type, number, size, level] : rows) {
+        LogFolder::configure(key, L"LogLevel", type, &number, size);
         open();
-        const bool result = logger->isEnabled(level) && !logger->isEnabled(level + 1);
+        EXPECT_TRUE(logger->isEnabled(level) && !logger->isEnabled(level + 1)) << trace;
         logger->close();
-        return result;
-    };
-    LogFolder::configure(L"", L"LogLevel", 3);
-    EXPECT_TRUE(opensAt(3)) << "all logs";
-    LogFolder::configure(L"\\prog", L"LogLevel", 5);
-    EXPECT_TRUE(opensAt(5)) << "the program";
-    LogFolder::configure(L"\\prog\\part", L"LogLevel", 6);
-    EXPECT_TRUE(opensAt(6)) << "the file";
-
-    const std::uint64_t one = 1;
-    const unsigned long none = 0xFFFFFFFF;
-    const std::tuple<const char*, unsigned long, const void*, unsigned long> rows[] = {
-        {"binary", REG_BINARY, &one, 4},
-        {"too long", REG_DWORD, &one, 8},
-        {"too short", REG_DWORD, &one, 2},
-        {"marked as absent", REG_DWORD, &none, 4},
-    };
-    for (const auto& [trace, type, data, size] : rows) {
-        LogFolder::configure(L"\\prog\\part", L"LogLevel", type, data, size);
-        EXPECT_TRUE(opensAt(5)) << trace;
     }
 }
 
@@ -203,16 +195,13 @@ TEST_F(LoggerWinTest, keepsTheLastError)
 TEST_F(LoggerWinTest, survivesCloseAndOpenWhileThreadsLog)
 {
     open();
-    std::vector<std::thread> threads;
-    for (int t = 0; t < 4; ++t)
-        threads.emplace_back([this] {
-            for (int i = 0; i < 50; ++i)
+    support::onThreads(5, [this](int thread) {
+        for (int i = 0; i < 50; ++i)
+            if (thread == 0) {
+                logger->close();
+                open();
+            } else {
                 logger->log(4, "message");
-        });
-    for (int i = 0; i < 10; ++i) {
-        logger->close();
-        open();
-    }
-    for (std::thread& thread : threads)
-        thread.join();
+            }
+    });
 }

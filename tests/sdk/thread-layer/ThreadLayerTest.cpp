@@ -1,4 +1,5 @@
 #include "support/footprint.h"
+#include "support/onthreads.h"
 
 #include <gtest/gtest.h>
 
@@ -36,21 +37,11 @@ private:
     const HMODULE m_module = LoadLibraryW(name);
 };
 
-template <typename Work>
-void onThreads(int count, Work work)
-{
-    std::vector<std::thread> threads;
-    for (int i = 0; i < count; ++i)
-        threads.emplace_back([&work, i] { work(i); });
-    for (std::thread& thread : threads)
-        thread.join();
-}
-
 void throwOnThreads()
 {
     const Library library;
     std::atomic<int> failures = 0;
-    onThreads(4, [&](int thread) {
+    support::onThreads(4, [&](int thread) {
         for (int i = 0; i < 100; ++i)
             failures += !library.throwNested(thread * 1000 + i + 1);
     });
@@ -86,7 +77,7 @@ TEST(ThreadLayer, makesAStaticObjectOnceWhileOthersWaitForIt)
     static std::atomic<int> made;
     const Library library;
     std::atomic<int> early = 0;
-    onThreads(8, [&](int) {
+    support::onThreads(8, [&](int) {
         library.makeOnce([] {
             SwitchToThread();
             ++made;
