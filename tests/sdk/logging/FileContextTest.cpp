@@ -187,30 +187,24 @@ TEST_F(FileContextTest, dropsOutWithoutADirectory)
 TEST_F(FileContextTest, standsWhereItsAccountMayWrite)
 {
     SetEnvironmentVariableW(L"LOCALAPPDATA", folder.root.c_str());
-    struct {
-        const char* trace;
-        bool isAdministrator;
-        bool (*hasLowIntegrity)();
-        bool isLocal;
-        std::wstring file;
-    } const rows[] = {
+    const std::tuple<const char*, bool, bool (*)(), bool, std::wstring> rows[] = {
         {"administrator", true, [] { return true; }, false, L"part.S-1-"},
         {"user", false, [] { return false; }, false, folder.file()},
         // A folder of its own, which this machine does not name.
         {"low integrity", false, [] { return true; }, true, L"\\Vantorix\\Log\\prog\\part.log"},
     };
     const HANDLE user = support::tokenWithoutAdministrators();
-    for (const auto& row : rows) {
-        SCOPED_TRACE(row.trace);
+    for (const auto& [trace, isAdministrator, hasLowIntegrity, isLocal, file] : rows) {
+        SCOPED_TRACE(trace);
         calls.clear();
-        FileContext context = recordingContext(LOG_FLAG_STRICT_ACL | LOG_FLAG_USER_SUFFIX, row.hasLowIntegrity);
-        EXPECT_TRUE(row.isAdministrator || ImpersonateLoggedOnUser(user));
+        FileContext context = recordingContext(LOG_FLAG_STRICT_ACL | LOG_FLAG_USER_SUFFIX, hasLowIntegrity);
+        EXPECT_TRUE(isAdministrator || ImpersonateLoggedOnUser(user));
         context.open();
-        EXPECT_EQ(mutexExists(context.mutexName(true)), row.isLocal);
-        EXPECT_EQ(mutexExists(context.mutexName(false)), !row.isLocal);
+        EXPECT_EQ(mutexExists(context.mutexName(true)), isLocal);
+        EXPECT_EQ(mutexExists(context.mutexName(false)), !isLocal);
         RevertToSelf();
-        EXPECT_EQ(calls.back() == "prog default", !row.isAdministrator);
-        EXPECT_THAT(context.fileName(0), HasSubstr(row.file));
+        EXPECT_EQ(calls.back() == "prog default", !isAdministrator);
+        EXPECT_THAT(context.fileName(0), HasSubstr(file));
     }
     CloseHandle(user);
 }

@@ -5,7 +5,6 @@
 
 #include <cstdio>
 #include <optional>
-#include <regex>
 #include <span>
 #include <windows.h>
 
@@ -36,9 +35,7 @@ TEST_F(LoggerWinTest, framesItsRecordsWithBanners)
     const auto lines = folder.lines();
     ASSERT_EQ(lines.size(), 5u);
     EXPECT_EQ(lines[0], "");
-    EXPECT_TRUE(std::regex_match(
-        lines[1], std::regex(R"(\d{4}-\d\d-\d\d \d\d:\d\d:\d\d\.\d{3} \[[0-9a-f]{4}\.[0-9a-f]{4}\]  I: )"
-                             R"(\*\*\*  LOGGING STARTED  \*\*\* \(UTC[+-]\d+:-?\d\d, session: 0x[0-9a-f]+\))")));
+    EXPECT_THAT(lines[1].substr(34), testing::StartsWith("]  I: ***  LOGGING STARTED  *** (UTC"));
     EXPECT_EQ(lines[2].substr(34), "]  I: narrow \u00e9\ufffd wide") << "UTF-8 that is broken stays readable";
     EXPECT_EQ(lines[3].substr(36), "*E: wide text narrow");
     EXPECT_EQ(lines[4].substr(37), "I: ***  LOGGING ENDED  ***");
@@ -181,7 +178,6 @@ TEST_F(LoggerWinTest, keepsTheLastError)
     };
     LogFolder::configure(L"", L"LogMaxSizeKB", 0);
     kept("open", [this] { open(); });
-    kept("filtered", [this] { logger->log(5, "x"); });
     kept("rotating", [this] { logger->log(4, "x"); });
     kept("too large", [this] { logger->log(4, "%70000s", "x"); });
     kept("flush", [this] { logger->flush(); });

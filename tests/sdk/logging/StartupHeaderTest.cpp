@@ -3,8 +3,7 @@
 #include <regex>
 #include <windows.h>
 
-namespace vx::logging::startup_header {
-namespace {
+using namespace vx::logging::startup_header;
 
 TEST(StartupHeader, describesProcessAndModule)
 {
@@ -36,6 +35,3 @@ TEST(StartupHeader, readsTheVersionOfAModuleThatHasOne)
     EXPECT_EQ(moduleVersionText(system), expected);
     EXPECT_EQ(moduleVersionText(GetModuleHandleW(nullptr)), "");
 }
-
-} // namespace
-} // namespace vx::logging::startup_header

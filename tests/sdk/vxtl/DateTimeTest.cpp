@@ -2,8 +2,7 @@
 #include "support/thrown.h"
 #include "vxtl/exception.h"
 
-namespace vx {
-namespace {
+using namespace vx;
 
 TEST(DateTime, namesTheFirstPartOutOfRange)
 {
@@ -30,6 +29,3 @@ TEST(DateTime, countsTicksFromYearOne)
         EXPECT_EQ(DateTime(DateTime(parts).parts()).ticks(), ticks) << parts.year;
     }
 }
-
-} // namespace
-} // namespace vx

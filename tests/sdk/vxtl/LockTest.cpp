@@ -6,10 +6,10 @@
 #include <shared_mutex>
 #include <type_traits>
 
-namespace vx::sync {
-namespace {
-
 using namespace std::chrono_literals;
+using namespace vx::sync;
+
+namespace {
 
 constinit Mutex mutex;
 constinit SharedMutex sharedMutex;
@@ -29,6 +29,8 @@ void expectOneThreadAtATime(const char* trace, Lock& lock)
     });
     EXPECT_EQ(value, 40'000) << trace;
 }
+
+} // namespace
 
 TEST(Lock, letsOneThreadInAtATimeAndReadersTogether)
 {
@@ -78,6 +80,3 @@ TEST(ConditionVariable, endsAtOnceWhenNothingIsLeftAndLaterWhenSomethingWas)
     EXPECT_TRUE(changed.waitFor(lock, 0ms, [] { return true; }));
     EXPECT_FALSE(mutex.try_lock()) << "it is this thread's again";
 }
-
-} // namespace
-} // namespace vx::sync

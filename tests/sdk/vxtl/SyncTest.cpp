@@ -58,22 +58,17 @@ TEST(Sync, multipleWaitGivesTheFirstThatFired)
 TEST(AutomaticHandle, closesWhatIsAHandleAndLogsItsFailure)
 {
     support::LogCapture log;
-    HANDLE event = CreateEventW(nullptr, TRUE, FALSE, nullptr);
-    for (HANDLE handle : {event, HANDLE(nullptr), INVALID_HANDLE_VALUE})
-        KernelHandle{handle};
+    for (HANDLE noHandle : {HANDLE(nullptr), INVALID_HANDLE_VALUE})
+        KernelHandle{noHandle};
     EXPECT_EQ(log.text(), "");
-    DWORD flags;
-    EXPECT_FALSE(GetHandleInformation(event, &flags));
     KernelHandle{reinterpret_cast<void*>(0xABCD0)};
     EXPECT_TRUE(log.has(2, "Failed to close winapi handle 0xABCD0 Error: 6")) << log.text();
 }
 
 TEST(Win32Exception, takesTheSystemsTextOnlyWithoutAReason)
 {
-    const Win32Exception known(ERROR_FILE_NOT_FOUND, L"", L"f", L"file", 1);
-    EXPECT_TRUE(known.reason().size() > 2 && known.reason().ends_with(L"\r\n"));
-    const Win32Exception nullReason(ERROR_FILE_NOT_FOUND, static_cast<const wchar_t*>(nullptr), L"f", L"file", 1);
-    EXPECT_EQ(nullReason.reason(), known.reason());
+    const auto text = Win32Exception(ERROR_FILE_NOT_FOUND, L"", L"f", L"file", 1).reason();
+    EXPECT_TRUE(text.size() > 2 && text.ends_with(L"\r\n"));
     EXPECT_STREQ(Win32Exception(0x2FFF1234, L"", L"f", L"file", 1).what(),
         "Type: Win32Exception, Reason: , Function: f, File: file, Line: 1, Error Code : 805245492");
 }
