@@ -4,10 +4,13 @@
 #include "support/filteredtoken.h"
 #include "support/thrown.h"
 #include "users/impersonatedscope.h"
+#include "vxtl-process/users/useraccountpropertiesimpl.h"
 #include "vxtl/win32exception.h"
 
 using namespace vx::users;
 using support::thrown;
+using testing::Each;
+using testing::ElementsAre;
 using vx::Win32Exception;
 using vx::process::detail::hasEffectiveAdminRights;
 
@@ -21,6 +24,39 @@ TEST(UserAccount, splitsAndJoinsItsName)
         EXPECT_EQ(account.qualifiedName(NameForm::User), user);
         EXPECT_EQ(account.qualifiedName(NameForm::UserAtDomain), userAtDomain);
     }
+}
+
+TEST(UserAccountProperties, tellsWhichCallFailedAndReadsEachLevelOnce)
+{
+    FakeAccountDriver driver;
+    UserAccountPropertiesImpl properties(UserAccount(L"FAR", L"joe"), driver);
+    driver.controller = {2453, nullptr};
+    const Win32Exception unreachable = thrown<Win32Exception>([&] { properties.isAdmin(); });
+    EXPECT_EQ(unreachable.code(), 2453u);
+    EXPECT_EQ(unreachable.reason(), L"NetGetDCName failed at resolving of FAR\\joe");
+    driver.controller = {0, nullptr};
+    EXPECT_THROW(properties.isAdmin(), Win32Exception);
+    EXPECT_TRUE(driver.queries.empty());
+    driver.controller = {0, std::shared_ptr<const void>(L"\\\\DC", [](const void*) {})};
+    driver.userStatus = 2221;
+    const Win32Exception unknown = thrown<Win32Exception>([&] { properties.isAdmin(); });
+    EXPECT_EQ(unknown.code(), 2221u);
+    EXPECT_EQ(unknown.reason(), L"NetUserGetInfo fail at level 1");
+    driver.userStatus = 0;
+    properties.isAdmin();
+    EXPECT_EQ(properties.getName(), L"") << "a null text";
+    EXPECT_EQ(properties.getUserSid(), nullptr);
+    EXPECT_THAT(driver.queries, ElementsAre(L"\\\\DC/joe/1", L"\\\\DC/joe/1", L"\\\\DC/joe/4"));
+}
+
+TEST(UserAccountProperties, asksNoControllerForALocalAccount)
+{
+    FakeAccountDriver driver;
+    driver.controller = {2453, nullptr};
+    for (const wchar_t* domain : {L"", L".", L"HERE", L"here"})
+        EXPECT_NO_THROW(UserAccountPropertiesImpl(UserAccount(domain, L"joe"), driver).isAdmin());
+    EXPECT_THAT(driver.queries, Each(L"-/joe/1"));
+    EXPECT_FALSE(isLocalDomain(L"..") || isLocalDomain(L"HEREABOUTS"));
 }
 
 TEST(ImpersonatedScope, refusesWhatIsNoToken)
