@@ -1,5 +1,6 @@
 #include "fakedrivers.h"
 #include "priveleges/lsauserprivilegesholerimpl.h"
+#include "process/systemlaunchdriver.h"
 #include "support/logcapture.h"
 #include "vxtl-process/process/process.h"
 #include "vxtl-process/users/useraccountpropertiesimpl.h"
@@ -19,8 +20,8 @@ bool isImpersonating()
     return OpenThreadToken(GetCurrentThread(), TOKEN_QUERY, TRUE, &token) && CloseHandle(token);
 }
 
-/// Is its own driver: starts nothing and records how it was asked; the tokens are this process's own.
-struct LaunchScheme : testing::Test, LaunchDriver {
+/// Is its own driver: starts nothing and records how it was asked; all tokens are those of this process.
+struct LaunchScheme : testing::Test, SystemLaunchDriver {
     FakeAccountDriver accounts;
     FakePolicyDriver policy;
     bool administrator = true;
@@ -45,8 +46,6 @@ struct LaunchScheme : testing::Test, LaunchDriver {
         token = result;
         return result;
     }
-    SharedHandle duplicatePrimary(void*) override { return std::make_shared<KernelHandle>(nullptr); }
-    std::shared_ptr<void> createEnvironment(void*) override { return std::make_shared<int>(); }
     bool hasEffectiveAdminRights(void*) override { return administrator; }
     std::shared_ptr<users::UserAccountProperties> accountProperties(const users::UserAccount& account) override
     {
