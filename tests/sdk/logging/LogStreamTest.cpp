@@ -87,10 +87,6 @@ TEST(LogScope, indentsWhatLiesBetweenItsBracesUnlessDebugIsFiltered)
         nest(1);
         EXPECT_EQ(log.text(), text);
     }
-}
-
-TEST(LogScope, givesItsDepthBackWhenDebugWasFilteredMeanwhile)
-{
     support::LogCapture log;
     {
         const LogScope scope("scope");
@@ -98,7 +94,7 @@ TEST(LogScope, givesItsDepthBackWhenDebugWasFilteredMeanwhile)
         LogStream(Level::Info) << "inside";
     }
     LogStream(Level::Info) << "after";
-    EXPECT_EQ(log.text(), "{ scope\n  inside\nafter\n");
+    EXPECT_EQ(log.text(), "{ scope\n  inside\nafter\n") << "filtered meanwhile";
 }
 
 TEST(LogContext, keepsTheDepthOfEachThreadApart)

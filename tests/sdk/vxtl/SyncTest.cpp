@@ -33,26 +33,25 @@ std::shared_ptr<Waitable> makeAbandonedMutex()
 
 } // namespace
 
-TEST(Sync, singleWaitTellsFiringFromTimeoutAndFailure)
-{
-    EXPECT_TRUE(sync::waitForSingleObject(*makeEvent(true), 0));
-    EXPECT_FALSE(sync::waitForSingleObject(*makeEvent(false), 0));
-    EXPECT_TRUE(sync::waitForSingleObject(*makeAbandonedMutex(), 0));
-    const auto failure = support::thrown<Win32Exception>([] { sync::waitForSingleObject(Waitable(nullptr), 0); });
-    EXPECT_EQ(failure.code(), static_cast<unsigned long>(ERROR_INVALID_HANDLE));
-    EXPECT_THAT(failure.what(),
-        HasSubstr("Type: Win32Exception, Reason: wait failed, Function: vx::sync::details::waitForSingleObject,"));
-}
-
-TEST(Sync, multipleWaitGivesTheFirstThatFired)
+TEST(Sync, waitsGiveTheFirstThatFired)
 {
     const auto clear = makeEvent(false), set = makeEvent(true);
     const std::pair<std::vector<std::shared_ptr<Waitable>>, std::ptrdiff_t> rows[] = {
         {{}, 0}, {{clear, set}, 1}, {{set, makeEvent(true)}, 0}, {{clear, clear, makeAbandonedMutex()}, 2}};
     for (const auto& [list, expected] : rows)
         EXPECT_EQ(sync::waitForMultipleObjects(list) - list.begin(), expected) << "of " << list.size();
-    const std::vector invalid(2, std::make_shared<Waitable>(nullptr));
-    EXPECT_THROW(sync::waitForMultipleObjects(invalid), Win32Exception);
+    EXPECT_TRUE(sync::waitForSingleObject(*makeAbandonedMutex(), 0));
+    EXPECT_FALSE(sync::waitForSingleObject(*clear, 0));
+}
+
+TEST(Sync, waitsFailWithTheSystemsCode)
+{
+    const auto invalid = std::make_shared<Waitable>(nullptr);
+    const auto failure = support::thrown<Win32Exception>([&] { sync::waitForSingleObject(*invalid, 0); });
+    EXPECT_EQ(failure.code(), static_cast<unsigned long>(ERROR_INVALID_HANDLE));
+    EXPECT_THAT(failure.what(),
+        HasSubstr("Type: Win32Exception, Reason: wait failed, Function: vx::sync::details::waitForSingleObject,"));
+    EXPECT_THROW(sync::waitForMultipleObjects(std::vector(2, invalid)), Win32Exception);
 }
 
 TEST(AutomaticHandle, closesWhatIsAHandleAndLogsItsFailure)
