@@ -2,9 +2,18 @@
 #include "process/pipe.h"
 
 #include <gtest/gtest.h>
+#include <windows.h>
 
 using vx::process::detail::ipipestreambuf;
 using vx::process::detail::opipestreambuf;
+
+TEST(Pipe, inheritsOnlyTheEndAskedFor)
+{
+    const auto [read, write] = vx::pipe::createPipe(false, true);
+    DWORD ofRead = 0, ofWrite = 0;
+    ASSERT_TRUE(GetHandleInformation(read->get(), &ofRead) && GetHandleInformation(write->get(), &ofWrite));
+    EXPECT_EQ(std::pair(ofRead, ofWrite), std::pair(DWORD(0), DWORD(HANDLE_FLAG_INHERIT)));
+}
 
 TEST(PipeStreamBuf, takesBytesOnlyWhenTheyAreAskedFor)
 {

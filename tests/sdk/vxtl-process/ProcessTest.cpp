@@ -66,7 +66,8 @@ TEST(Process, talksThroughTheRedirectedStreamsOnly)
     Process process(selfAsChild(L"echo"), 0, all, nullptr);
     *process.stdinStream() << "hello\n";
     std::string out(9, ' ');
-    EXPECT_TRUE(process.stdoutStream()->read(out.data(), 9)) << "although it may still have to come";
+    EXPECT_EQ(process.stdoutStream()->peek(), 'o') << "although it may still have to come";
+    EXPECT_TRUE(process.stdoutStream()->read(out.data(), 9));
     EXPECT_EQ(out, "out hello");
     EXPECT_EQ(exitCode(process), 3u);
     // The child's ends are closed here, so its death is seen instead of waited for.
