@@ -27,12 +27,14 @@ bool isWatched()
 void writeAroundAScope()
 {
     watchedThread = GetCurrentThreadId();
+    SetLastError(1234);
     LogStream(Level::Info) << "before";
     {
         const LogScope scope("place");
         LogStream(Level::Info) << "inside";
     }
     LogStream(Level::Info) << "after";
+    EXPECT_EQ(GetLastError(), 1234u);
     watchedThread = 0;
 }
 
@@ -65,6 +67,7 @@ void operator delete(void* block, std::size_t) noexcept
 TEST(LogMemory, writesEachLineWithoutAnyAndKeepsNothingForAThread)
 {
     const LogFolder folder;
+    EXPECT_FALSE(VxQrlLogging::isEnabled(1));
     VxQrlLogging::open("prog", "part", 5, 0);
     for (const bool isShort : {false, true}) {
         memoryIsShort = isShort;
@@ -73,6 +76,7 @@ TEST(LogMemory, writesEachLineWithoutAnyAndKeepsNothingForAThread)
     }
     memoryIsShort = false;
     VxQrlLogging::close();
+    EXPECT_FALSE(VxQrlLogging::isEnabled(1));
     // Without memory a scope goes without its indentation.
     EXPECT_THAT(folder.messages(), ElementsAre("before", "{ place", "  inside", "} place", "after", "before", "{ place",
                                        "inside", "} place", "after"));

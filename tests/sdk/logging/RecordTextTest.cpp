@@ -2,8 +2,6 @@
 #include "logging/startupheader.h"
 #include "recordheader.h"
 
-#include <bit>
-#include <cstdint>
 #include <regex>
 #include <windows.h>
 
@@ -12,62 +10,29 @@ using namespace vx::logging::startup_header;
 
 TEST(RecordHeader, hasOneWidthOrIsRefused)
 {
-    struct {
-        RecordTime time;
-        unsigned long process;
-        unsigned long thread;
-        const wchar_t* prefix;
-        const wchar_t* text;
-    } const rows[] = {
-        {{2024, 1, 2, 3, 4, 5, 6}, 0x12, 0xab, L"*E", L"2024-01-02 03:04:05.006 [0012.00ab] *E: "},
-        {{2024, 12, 31, 23, 59, 59, 999}, 0xffff, 0xffff, L" I", L"2024-12-31 23:59:59.999 [ffff.ffff]  I: "},
-        {{2024, 1, 2, 3, 4, 5, 6}, 0x10000, 1, L"*E", L""},
-        {{2024, 1, 2, 3, 4, 5, 6}, 1, 0xfffffffc, L"*E", L""},
-        {{2024, 1, 2, 3, 4, 5, 6}, 1, 1, L"*", L""},
-        {{2024, 1, 2, 3, 4, 5, 6}, 1, 1, L"long", L""},
+    const RecordTime early = {2024, 1, 2, 3, 4, 5, 6}, late = {2024, 12, 31, 23, 59, 59, 999};
+    const std::tuple<RecordTime, unsigned long, unsigned long, const wchar_t*, const wchar_t*> rows[] = {
+        {early, 0x12, 0xab, L"*E", L"2024-01-02 03:04:05.006 [0012.00ab] *E: "},
+        {late, 0xffff, 0xffff, L" I", L"2024-12-31 23:59:59.999 [ffff.ffff]  I: "},
+        {early, 0x10000, 1, L"*E", L""},
+        {early, 1, 0xfffffffc, L"*E", L""},
+        {early, 1, 1, L"*", L""},
+        {early, 1, 1, L"long", L""},
     };
-    for (const auto& row : rows) {
+    for (const auto& [time, process, thread, prefix, text] : rows) {
         wchar_t record[headerSize + 1] = {};
-        EXPECT_EQ(formatHeader(record, row.time, row.process, row.thread, row.prefix), *row.text != 0);
-        EXPECT_EQ(std::wstring(record), row.text);
-    }
-}
-
-TEST(RecordTime, isTheSystemsTime)
-{
-    const auto ticks = [](const SYSTEMTIME& time) {
-        FILETIME file;
-        SystemTimeToFileTime(&time, &file);
-        return std::bit_cast<std::uint64_t>(file);
-    };
-    for (const bool utc : {false, false, true}) {
-        SYSTEMTIME before, after;
-        utc ? GetSystemTime(&before) : GetLocalTime(&before);
-        const RecordTime now = RecordTime::now(utc);
-        utc ? GetSystemTime(&after) : GetLocalTime(&after);
-        const SYSTEMTIME time = {WORD(now.year), WORD(now.month), before.wDayOfWeek, WORD(now.day), WORD(now.hour),
-            WORD(now.minute), WORD(now.second), WORD(now.millisecond)};
-        EXPECT_LE(ticks(before), ticks(time));
-        EXPECT_LE(ticks(time), ticks(after));
+        EXPECT_EQ(formatHeader(record, time, process, thread, prefix), *text != 0);
+        EXPECT_EQ(std::wstring(record), text);
     }
 }
 
 TEST(StartBanner, printsTheOffsetWithTheSignOnBothNumbers)
 {
-    struct {
-        bool utc;
-        int offset;
-        const wchar_t* text;
-    } const rows[] = {
-        {false, 0, L"***  LOGGING STARTED  *** (UTC+0:00, session: 0x1)"},
-        {false, 330, L"***  LOGGING STARTED  *** (UTC+5:30, session: 0x1)"},
-        {false, -30, L"***  LOGGING STARTED  *** (UTC+0:-30, session: 0x1)"},
-        {false, -210, L"***  LOGGING STARTED  *** (UTC-3:-30, session: 0x1)"},
-        {false, 3599, L"***  LOGGING STARTED  *** (UTC+59:59, session: 0x1)"},
-        {true, 120, L"***  LOGGING STARTED  *** (UTC+00:00, local:+2:00, session: 0x1)"},
-    };
-    for (const auto& row : rows)
-        EXPECT_EQ(startBanner(row.utc, row.offset, 1), row.text);
+    const std::tuple<bool, int, std::wstring> rows[] = {{false, 0, L"UTC+0:00"}, {false, 330, L"UTC+5:30"},
+        {false, -30, L"UTC+0:-30"}, {false, -210, L"UTC-3:-30"}, {false, 3599, L"UTC+59:59"},
+        {true, 120, L"UTC+00:00, local:+2:00"}};
+    for (const auto& [utc, offset, text] : rows)
+        EXPECT_EQ(startBanner(utc, offset, 1), L"***  LOGGING STARTED  *** (" + text + L", session: 0x1)");
 }
 
 TEST(StartupHeader, describesProcessAndModule)
@@ -81,4 +46,22 @@ TEST(StartupHeader, describesProcessAndModule)
         R"(Module  file: .*logging-backend-tests\.exe, Version: <no version>, File size: [1-9]\d+, )"
         R"(Created: \d{4}-\d\d-\d\d \d\d:\d\d:\d\d, Modified: 20\d\d-\d\d-\d\d \d\d:\d\d:\d\d)");
     matches(getModuleFileInfo("1.2.3.4"), ".*, Version: 1.2.3.4, .*");
+}
+
+TEST(StartupHeader, readsTheVersionOfAModuleThatHasOne)
+{
+    const HMODULE system = GetModuleHandleW(L"kernel32.dll");
+    wchar_t file[MAX_PATH];
+    GetModuleFileNameW(system, file, MAX_PATH);
+    std::vector<char> block(GetFileVersionInfoSizeW(file, nullptr));
+    void* found = nullptr;
+    UINT size = 0;
+    ASSERT_TRUE(GetFileVersionInfoW(file, 0, static_cast<DWORD>(block.size()), block.data()));
+    ASSERT_TRUE(VerQueryValueW(block.data(), L"\\", &found, &size));
+    const auto& info = *static_cast<const VS_FIXEDFILEINFO*>(found);
+    const std::string expected =
+        std::to_string(HIWORD(info.dwFileVersionMS)) + '.' + std::to_string(LOWORD(info.dwFileVersionMS)) + '.' +
+        std::to_string(HIWORD(info.dwFileVersionLS)) + '.' + std::to_string(LOWORD(info.dwFileVersionLS));
+    EXPECT_EQ(moduleVersionText(system), expected);
+    EXPECT_EQ(moduleVersionText(GetModuleHandleW(nullptr)), "");
 }

@@ -4,7 +4,6 @@
 
 #include <algorithm>
 #include <fstream>
-#include <iterator>
 #include <windows.h>
 
 namespace {
@@ -42,10 +41,10 @@ std::filesystem::path LogFolder::file(int index) const
 std::vector<std::string> LogFolder::lines(int index) const
 {
     std::ifstream stream(file(index), std::ios::binary);
-    const std::string bytes{std::istreambuf_iterator<char>(stream), {}};
-    EXPECT_EQ(bytes.size() % sizeof(wchar_t), 0u) << index;
-    std::wstring text(bytes.size() / sizeof(wchar_t), L'\0');
-    std::copy_n(bytes.data(), text.size() * sizeof(wchar_t), reinterpret_cast<char*>(text.data()));
+    std::wstring text;
+    for (wchar_t unit; stream.read(reinterpret_cast<char*>(&unit), sizeof unit);)
+        text += unit;
+    EXPECT_EQ(stream.gcount(), 0) << index;
     EXPECT_TRUE(text.starts_with(L'\xFEFF')) << index;
     std::vector<std::string> lines;
     for (std::size_t begin = 1, end; begin < text.size(); begin = end + 2) {

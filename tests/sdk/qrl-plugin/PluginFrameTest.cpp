@@ -1,12 +1,15 @@
 #include "pluginframe.h"
 
 #include "support/logcapture.h"
+#include "support/record.h"
 #include "support/thrown.h"
 #include "vxtl/exception.h"
 
 #include <array>
 #include <bit>
+#include <functional>
 #include <future>
+#include <optional>
 #include <stdexcept>
 
 using namespace vx;
@@ -16,26 +19,23 @@ using testing::Pair;
 
 namespace {
 
+/// Runs until it is stopped, unless told otherwise.
 struct FakePlugin : PluginImpl {
-    void run() override
-    {
-        running.set_value();
-        if (runFails)
-            throw std::runtime_error("run failed");
-        ended.get_future().wait();
-    }
+    ~FakePlugin() override { onEnd(); }
+    void run() override { onRun(); }
     void stop() override
     {
         ended.set_value();
-        if (stopReturns.valid())
-            stopReturns.wait();
+        afterStop();
     }
     void onPowerEvent(std::uint32_t type, std::uint32_t data) override { power.emplace_back(type, data); }
 
-    bool runFails = false;
-    std::promise<void> running;
-    std::promise<void> ended;
-    std::future<void> stopReturns;
+    std::promise<void> running, ended;
+    std::function<void()> onRun = [this] {
+        running.set_value();
+        ended.get_future().wait();
+    };
+    std::function<void()> afterStop = [] {}, onEnd = [] {};
     std::vector<std::pair<std::uint32_t, std::uint32_t>> power;
 };
 
@@ -50,30 +50,28 @@ pluginAPI recordOf(std::uint32_t size, void* context = nullptr)
     return record;
 }
 
-std::vector<std::string> reports;
-std::promise<void> stoppedReport; ///< fulfilled with the first report of a stop
+std::optional<support::Record> reports;
 
 void VX_STDCALL recordReport(const char* name, std::uint32_t state)
 {
-    reports.push_back(std::string(name) + "=" + std::to_string(state));
-    if (state == 0 && reports.size() == 2)
-        stoppedReport.set_value();
+    reports->add(std::string(name) + "=" + std::to_string(state));
 }
 
 struct PluginFrameTest : testing::Test {
     PluginFrameTest()
     {
-        reports.clear();
-        stoppedReport = {};
+        reports.emplace();
+        isKept = false;
     }
-
     void registerPlugin()
     {
         frame.registerPluginFactory([this] { return plugin; });
     }
+    std::uint32_t initialize() { return frame.initialize("name", &host, &record); }
 
+    static inline bool isKept; ///< what the module is
     support::LogCapture log;
-    PluginFrame frame{marks};
+    PluginFrame frame{marks, []() noexcept { return isKept; }};
     hosterAPI host{0, recordReport};
     pluginAPI record = recordOf(36);
     std::shared_ptr<FakePlugin> plugin = std::make_shared<FakePlugin>();
@@ -83,53 +81,35 @@ struct PluginFrameTest : testing::Test {
 
 TEST_F(PluginFrameTest, fillsTheRecordAsFarAsItsSizeAllows)
 {
-    const auto old = reinterpret_cast<PluginResumeFunction>(7);
-    struct {
-        std::uint32_t size;
-        PluginResumeFunction resume;
-        bool power, session;
-    } const rows[] = {
-        {0, marks.onResumeFromLowPowerMode, false, false},
-        {20, old, false, false},
-        {24, marks.onResumeFromLowPowerMode, false, false},
-        {28, old, false, false},
-        {31, old, false, false},
-        {32, nullptr, true, false},
-        {36, nullptr, true, true},
-        {100, nullptr, true, true},
-    };
-    for (const auto& row : rows) {
-        SCOPED_TRACE(row.size);
+    // What stands in the record: the marks 1 to 6, 7 and 8 where it was left as it came.
+    const std::pair<std::uint32_t, const char*> rows[] = {{0, "123 68 00"}, {24, "123 68 00"}, {28, "123 78 00"},
+        {31, "123 78 00"}, {32, "123 00 40"}, {36, "123 00 45"}, {100, "123 00 45"}};
+    const auto digit = [](auto callback) { return std::to_string(std::bit_cast<std::uintptr_t>(callback)); };
+    for (const auto& [size, expected] : rows) {
         PluginFrame fresh(marks);
-        pluginAPI api = recordOf(row.size);
-        api.onResumeFromLowPowerMode = old;
-        api.reservedCallback = this;
+        pluginAPI api = recordOf(size);
+        api.onResumeFromLowPowerMode = std::bit_cast<PluginResumeFunction>(std::uintptr_t{7});
+        api.reservedCallback = std::bit_cast<void*>(std::uintptr_t{8});
         ASSERT_EQ(fresh.initialize("name", &host, &api), 0u);
-        EXPECT_EQ(api.pluginInitialize, marks.initialize);
-        EXPECT_EQ(api.pluginMain, marks.main);
-        EXPECT_EQ(api.pluginStop, marks.stop);
         EXPECT_NE(api.pluginContextData, nullptr);
-        EXPECT_EQ(api.onResumeFromLowPowerMode, row.resume);
-        EXPECT_EQ(api.reservedCallback, row.power ? nullptr : this);
-        EXPECT_EQ(api.onPowerEvent, row.power ? marks.onPowerEvent : nullptr);
-        EXPECT_EQ(api.onSessionChangeEvent, row.session ? marks.onSessionChangeEvent : nullptr);
+        EXPECT_EQ(digit(api.pluginInitialize) + digit(api.pluginMain) + digit(api.pluginStop) + ' ' +
+                      digit(api.onResumeFromLowPowerMode) + digit(api.reservedCallback) + ' ' +
+                      digit(api.onPowerEvent) + digit(api.onSessionChangeEvent),
+            expected)
+            << size;
     }
 }
 
-TEST_F(PluginFrameTest, refusesASecondFactory)
+TEST_F(PluginFrameTest, refusesASecondFactoryABadRecordAndASecondInstance)
 {
     registerPlugin();
     EXPECT_THAT(support::thrown<BaseException>([this] { registerPlugin(); }).wideWhat(),
         testing::HasSubstr(
             L"Reason: Plugin factory is already registered., Function: vx::qrl::registerPluginFactory,"));
-}
-
-TEST_F(PluginFrameTest, refusesABadRecordAndASecondInstance)
-{
     EXPECT_EQ(frame.initialize("name", &host, nullptr), 1u);
     EXPECT_TRUE(log.has(2, "Invalid pointer to pluginAPI structure")) << log.text();
     EXPECT_EQ(frame.initialize(nullptr, &host, &record), 1u);
-    ASSERT_EQ(frame.initialize("name", &host, &record), 0u);
+    ASSERT_EQ(initialize(), 0u);
     const auto lines = log.lines().size();
     pluginAPI second = recordOf(36);
     EXPECT_EQ(frame.initialize("name", &host, &second), 1u);
@@ -140,7 +120,7 @@ TEST_F(PluginFrameTest, refusesABadRecordAndASecondInstance)
 TEST_F(PluginFrameTest, runsUntilStoppedAndThenKnowsNoInstance)
 {
     registerPlugin();
-    ASSERT_EQ(frame.initialize("name", &host, &record), 0u);
+    ASSERT_EQ(initialize(), 0u);
     auto result = std::async(std::launch::async, [&] { return frame.main(&record); });
     plugin->running.get_future().wait();
     frame.onPowerEvent(&record, 4, 7);
@@ -148,7 +128,7 @@ TEST_F(PluginFrameTest, runsUntilStoppedAndThenKnowsNoInstance)
     frame.onSessionChangeEvent(&record, 5, 1);
     EXPECT_EQ(frame.stop(&record), 0u);
     EXPECT_EQ(result.get(), 0u);
-    EXPECT_THAT(reports, ElementsAre("name=1", "name=0"));
+    EXPECT_THAT(reports->waitFor(2), ElementsAre("name=1", "name=0"));
     EXPECT_EQ(record.pluginContextData, nullptr);
     EXPECT_EQ(plugin.use_count(), 1) << "the frame keeps the plug-in";
     EXPECT_THAT(plugin->power, ElementsAre(Pair(4, 7), Pair(18, 0)));
@@ -166,7 +146,7 @@ TEST_F(PluginFrameTest, answersWrongRecordsWithCodesAndGoesOn)
     pluginAPI foreign = recordOf(36, this);
     EXPECT_EQ(frame.main(nullptr), 1u);
     EXPECT_TRUE(log.has(2, "There's no plugin instance")) << "comes before the test of the pointer";
-    ASSERT_EQ(frame.initialize("name", &host, &record), 0u);
+    ASSERT_EQ(initialize(), 0u);
     for (pluginAPI* const wrong : {static_cast<pluginAPI*>(nullptr), &foreign}) {
         EXPECT_EQ(frame.main(wrong), 1u);
         EXPECT_EQ(frame.stop(wrong), 1u);
@@ -176,70 +156,39 @@ TEST_F(PluginFrameTest, answersWrongRecordsWithCodesAndGoesOn)
         EXPECT_EQ(log.count((wrong ? "Invalid pluginContextData value" : "Invalid pluginAPI value") + getPlugin), 5u)
             << log.text();
     }
-    EXPECT_TRUE(reports.empty());
+    EXPECT_EQ(reports->size(), 0u);
     EXPECT_NE(record.pluginContextData, nullptr);
 }
 
 TEST_F(PluginFrameTest, reportsTheStopOnEveryWayOutOfMain)
 {
-    ASSERT_EQ(frame.initialize("name", &host, &record), 0u);
+    ASSERT_EQ(initialize(), 0u);
     EXPECT_EQ(frame.main(&record), 2u);
     EXPECT_TRUE(log.has(2, "Plugin factory is not registered"));
-    EXPECT_THAT(reports, ElementsAre("name=1", "name=0"));
-
-    reports.clear();
-    stoppedReport = {};
     registerPlugin();
-    plugin->runFails = true;
-    ASSERT_EQ(frame.initialize("name", &host, &record), 0u);
+    plugin->onRun = [] { throw std::runtime_error("run failed"); };
+    ASSERT_EQ(initialize(), 0u);
     EXPECT_EQ(frame.main(&record), 1u);
     EXPECT_TRUE(log.has(2, "Exception occurred. run failed")) << log.text();
-    EXPECT_THAT(reports, ElementsAre("name=1", "name=0"));
+    EXPECT_THAT(reports->waitFor(4), ElementsAre("name=1", "name=0", "name=1", "name=0"));
     EXPECT_EQ(record.pluginContextData, nullptr);
 }
 
-TEST_F(PluginFrameTest, neverRunsAgainAfterAStop)
+TEST_F(PluginFrameTest, runsAfterAStopOnlyInAModuleThatIsKept)
 {
-    int built = 0;
-    frame.registerPluginFactory([&] {
-        ++built;
-        plugin->runFails = true;
-        return plugin;
-    });
-    ASSERT_EQ(frame.initialize("name", &host, &record), 0u);
-    EXPECT_EQ(frame.stop(&record), 0u);
-    EXPECT_EQ(frame.main(&record), 0u);
-    ASSERT_EQ(frame.initialize("name", &host, &record), 0u);
-    EXPECT_EQ(frame.main(&record), 0u);
-    EXPECT_EQ(built, 2);
-    EXPECT_EQ(reports.size(), 4u);
-}
-
-TEST_F(PluginFrameTest, runsAnewInAModuleThatIsKept)
-{
-    static bool kept; ///< what the module is
-    kept = false;
-    PluginFrame keptFrame(marks, []() noexcept { return kept; });
     int runs = 0;
-    struct Probe : FakePlugin {
-        void run() override { ++*runs; }
-        int* runs = nullptr;
-    };
-    keptFrame.registerPluginFactory([&] {
-        const auto probe = std::make_shared<Probe>();
-        probe->runs = &runs;
-        return probe;
-    });
+    plugin->onRun = [&] { ++runs; };
+    registerPlugin();
     pluginAPI old = recordOf(36);
-    const auto live = [&](bool isKept, std::vector<pluginAPI*> stopsBefore, std::vector<pluginAPI*> stopsBetween) {
+    const auto live = [&](bool kept, std::vector<pluginAPI*> stopsBefore, std::vector<pluginAPI*> stopsBetween) {
         for (pluginAPI* const stopped : stopsBefore)
-            keptFrame.stop(stopped);
-        kept = isKept;
-        EXPECT_EQ(keptFrame.initialize("name", &host, &record), 0u);
+            frame.stop(stopped);
+        isKept = kept;
+        EXPECT_EQ(initialize(), 0u);
         for (pluginAPI* const stopped : stopsBetween)
-            keptFrame.stop(stopped);
+            frame.stop(stopped);
         runs = 0;
-        EXPECT_EQ(keptFrame.main(&record), 0u);
+        EXPECT_EQ(frame.main(&record), 0u);
         return runs;
     };
     EXPECT_EQ(live(false, {}, {}), 1);
@@ -254,26 +203,18 @@ TEST_F(PluginFrameTest, runsAnewInAModuleThatIsKept)
 
 TEST_F(PluginFrameTest, destroysThePluginOnTheThreadThatRanItEvenWhenAStopOutlastsTheRun)
 {
-    struct Probe : FakePlugin {
-        ~Probe() override { destroyedOn->set_value(std::this_thread::get_id()); }
-        std::promise<std::thread::id>* destroyedOn = nullptr;
-    };
     std::promise<std::thread::id> destroyedOn;
-    std::promise<void> stopMayReturn, isRunning;
-    frame.registerPluginFactory([&] {
-        const auto probe = std::make_shared<Probe>();
-        probe->destroyedOn = &destroyedOn;
-        probe->stopReturns = stopMayReturn.get_future();
-        probe->running.swap(isRunning);
-        return probe;
-    });
-    auto ran = isRunning.get_future();
-    ASSERT_EQ(frame.initialize("name", &host, &record), 0u);
+    std::promise<void> stopMayReturn;
+    plugin->afterStop = [&] { stopMayReturn.get_future().wait(); };
+    plugin->onEnd = [&] { destroyedOn.set_value(std::this_thread::get_id()); };
+    auto ran = plugin->running.get_future();
+    frame.registerPluginFactory([this] { return std::move(plugin); });
+    ASSERT_EQ(initialize(), 0u);
     std::thread runner([&] { frame.main(&record); });
     const auto runnerId = runner.get_id();
     ran.wait();
     std::thread stopper([&] { frame.stop(&record); });
-    stoppedReport.get_future().wait();
+    reports->waitFor(2);
     stopMayReturn.set_value();
     EXPECT_TRUE(destroyedOn.get_future().get() == runnerId);
     runner.join();

@@ -1,4 +1,5 @@
 #include "support/footprint.h"
+#include "support/onthreads.h"
 
 #include <gtest/gtest.h>
 
@@ -36,25 +37,39 @@ private:
     const HMODULE m_module = LoadLibraryW(name);
 };
 
-template <typename Work>
-void onThreads(int count, Work work)
-{
-    std::vector<std::thread> threads;
-    for (int i = 0; i < count; ++i)
-        threads.emplace_back([&work, i] { work(i); });
-    for (std::thread& thread : threads)
-        thread.join();
-}
-
-TEST(ThreadLayer, keepsTheExceptionsOfThreadsApart)
+void throwOnThreads()
 {
     const Library library;
     std::atomic<int> failures = 0;
-    onThreads(4, [&](int thread) {
-        for (int i = 0; i < 500; ++i)
+    support::onThreads(4, [&](int thread) {
+        for (int i = 0; i < 100; ++i)
             failures += !library.throwNested(thread * 1000 + i + 1);
     });
     EXPECT_EQ(failures, 0);
+    EXPECT_TRUE(library.throwNested(1));
+}
+
+TEST(ThreadLayer, keepsTheExceptionsOfThreadsApartAndLeavesNothingBehind)
+{
+    constexpr int cycles = 20;
+    throwOnThreads();
+    const support::Footprint before = support::footprint();
+    for (int i = 0; i < cycles; ++i)
+        throwOnThreads();
+    const support::Footprint left = support::footprint() - before;
+    EXPECT_LT(left.handles, cycles / 2);
+    EXPECT_EQ(left.threadSlots, 0);
+    EXPECT_LT(left.heapBytes, cycles * 1024);
+}
+
+TEST(ThreadLayer, worksInAProcessWithoutSlotsForFibers)
+{
+    std::vector<DWORD> taken;
+    for (DWORD slot = FlsAlloc(nullptr); slot != FLS_OUT_OF_INDEXES; slot = FlsAlloc(nullptr))
+        taken.push_back(slot);
+    throwOnThreads();
+    for (const DWORD slot : taken)
+        FlsFree(slot);
 }
 
 TEST(ThreadLayer, makesAStaticObjectOnceWhileOthersWaitForIt)
@@ -62,7 +77,7 @@ TEST(ThreadLayer, makesAStaticObjectOnceWhileOthersWaitForIt)
     static std::atomic<int> made;
     const Library library;
     std::atomic<int> early = 0;
-    onThreads(8, [&](int) {
+    support::onThreads(8, [&](int) {
         library.makeOnce([] {
             SwitchToThread();
             ++made;
@@ -87,37 +102,6 @@ TEST(ThreadLayer, isDoneWithAThreadThatOutlivesTheLibrary)
     library.reset();
     unloaded.set_value();
     outliving.join();
-}
-
-TEST(ThreadLayer, worksInAProcessWithoutSlotsForFibers)
-{
-    std::vector<DWORD> taken;
-    for (DWORD slot = FlsAlloc(nullptr); slot != FLS_OUT_OF_INDEXES; slot = FlsAlloc(nullptr))
-        taken.push_back(slot);
-    {
-        const Library library;
-        onThreads(2, [&](int i) { EXPECT_TRUE(library.throwNested(i + 1)); });
-    }
-    for (const DWORD slot : taken)
-        FlsFree(slot);
-}
-
-TEST(ThreadLayer, leavesNothingBehindInItsProcess)
-{
-    constexpr int cycles = 20;
-    const auto cycle = [] {
-        const Library library;
-        onThreads(2, [&](int i) { library.throwNested(i + 1); });
-        EXPECT_TRUE(library.throwNested(1));
-    };
-    cycle();
-    const support::Footprint before = support::footprint();
-    for (int i = 0; i < cycles; ++i)
-        cycle();
-    const support::Footprint left = support::footprint() - before;
-    EXPECT_LT(left.handles, cycles / 2);
-    EXPECT_EQ(left.threadSlots, 0);
-    EXPECT_LT(left.heapBytes, cycles * 1024);
 }
 
 } // namespace

@@ -14,13 +14,12 @@ using testing::ElementsAre;
 namespace {
 
 struct FakeSessionDriver : SessionDriver {
-    unsigned long console = 0xFFFFFFFF;
     bool fails = false;
     std::vector<Session> sessions;
     std::map<unsigned long, std::optional<std::wstring>> users;
     std::map<unsigned long, std::optional<unsigned short>> protocols;
 
-    unsigned long activeConsoleSession() override { return console; }
+    unsigned long activeConsoleSession() override { return 1; }
     bool enumerate(std::vector<Session>& result) override
     {
         result = sessions;
@@ -38,25 +37,10 @@ struct FakeSessionDriver : SessionDriver {
 
 } // namespace
 
-TEST(UserSessions, keepsTheConsoleWhenTheOthersCantBeListedAndFailsWithoutAToken)
-{
-    FakeSessionDriver driver;
-    support::LogCapture log;
-    driver.fails = true;
-    EXPECT_TRUE(getUserSessions(driver).empty());
-    driver.console = 3;
-    EXPECT_THAT(getUserSessions(driver), ElementsAre(3));
-    EXPECT_TRUE(log.has(2, "WTS WTSEnumerateSessions failed. LastError: 5")) << log.text();
-    const auto failure =
-        support::thrown<Win32Exception>([&] { getInteractivelyLoggedUserTokenForConsoleId(1, driver); });
-    EXPECT_EQ(failure.code(), ERROR_NO_TOKEN);
-}
-
 TEST(UserSessions, listsTheConsoleThenActiveSessionsWithAUser)
 {
     FakeSessionDriver driver;
     support::LogCapture log;
-    driver.console = 1;
     driver.sessions = {{0, L"sERVICES", 0}, {7, L"RDP-Tcp#1", 0}, {1, L"Console", 0}, {2, L"idle", 4}, {3, L"none", 0},
         {4, L"blank", 0}, {5, L"no protocol", 0}, {6, L"ICA", 0}, {8, L"other", 0}};
     driver.users = {{0, L"sys"}, {7, L"ann"}, {1, L"joe"}, {2, L"off"}, {4, L""}, {5, L"odd"}, {6, L"cy"}, {8, L"di"}};
@@ -65,4 +49,9 @@ TEST(UserSessions, listsTheConsoleThenActiveSessionsWithAUser)
     for (const char* user : {"7, ann, RDP", "1, joe, CONSOLE", "6, cy, ICA", "8, di, UNKNOWN"})
         EXPECT_TRUE(log.has(4, std::string("WTS Found logged in user (") + user + ")")) << log.text();
     EXPECT_EQ(log.count("WTS Found"), 4u);
+    driver.fails = true;
+    EXPECT_THAT(getUserSessions(driver), ElementsAre(1)) << "the console is known without the list";
+    EXPECT_TRUE(log.has(2, "WTS WTSEnumerateSessions failed. LastError: 5")) << log.text();
+    const auto token = [&] { getInteractivelyLoggedUserTokenForConsoleId(1, driver); };
+    EXPECT_EQ(support::thrown<Win32Exception>(token).code(), ERROR_NO_TOKEN);
 }

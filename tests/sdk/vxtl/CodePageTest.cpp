@@ -35,24 +35,16 @@ TEST_F(CodePage, convertsBothWays)
 
 TEST(TextConversion, tellsWhatItCantConvert)
 {
-    const char* const noText = nullptr;
-    const wchar_t* const noWideText = nullptr;
     const auto code = [](auto convert) { return thrown<Win32Exception>(convert).code(); };
-    EXPECT_EQ(code([=] { str::toUnicode({noText, 1}); }), ERROR_INVALID_PARAMETER);
-    EXPECT_EQ(code([=] { str::toMultibyte({noWideText, 1}); }), ERROR_INVALID_PARAMETER);
+    EXPECT_EQ(code([] { str::toUnicode({nullptr, 1}); }), ERROR_INVALID_PARAMETER);
+    EXPECT_EQ(code([] { str::toMultibyte({nullptr, 1}); }), ERROR_INVALID_PARAMETER);
     EXPECT_EQ(code([] { str::fromUtf8("\xc3"); }), ERROR_NO_UNICODE_TRANSLATION);
     EXPECT_EQ(code([] { str::toUtf8(L"\xd800"); }), ERROR_NO_UNICODE_TRANSLATION);
-    const auto reason = [](auto convert) { return thrown<BaseException>(convert).reason(); };
-    EXPECT_EQ(reason([=] { str::toUnicode({noText, 0x80000000}); }), L"Too long string");
-    EXPECT_EQ(reason([=] { str::toMultibyte({noWideText, 0x80000000}); }), L"Too long string");
-    EXPECT_EQ(reason([=] { str::fromUtf8({noText, 0x80000000}); }), L"Too long string");
-    EXPECT_EQ(reason([=] { str::toUtf8({noWideText, 0x80000000}); }), L"Too long string");
 }
 
 TEST_F(CodePage, isReadableInTheLog)
 {
-    const std::pair<const char*, const char*> rows[] = {{"", ""}, {"plain", "plain"},
-        {"Zugriff f\xfcr \x80", "Zugriff f\xc3\xbcr \xe2\x82\xac"},
+    const std::pair<const char*, const char*> rows[] = {{"Zugriff f\xfcr \x80", "Zugriff f\xc3\xbcr \xe2\x82\xac"},
         {"last read: 'f\xc3\xbcr'", "last read: 'f\xc3\xbcr'"}}; // as the JSON library quotes it
     for (const auto& [text, logged] : rows) {
         support::LogCapture log;

@@ -30,18 +30,17 @@ TEST(BaseException, keepsItsReportWhichCopiesBuildAnew)
         mutable int reports = 0;
     };
     const Counting original(L"report ", nullptr, nullptr, 1);
-    for (int i = 0; i < 2; ++i)
-        EXPECT_STREQ(original.what(), "report 1");
+    EXPECT_STREQ(original.what(), "report 1");
+    EXPECT_STREQ(original.what(), "report 1");
     EXPECT_STREQ(original.wideWhat(), L"report 1");
-    const Counting copy(original);
-    EXPECT_STREQ(copy.what(), "report 2");
+    EXPECT_STREQ(Counting(original).what(), "report 2");
     Counting assigned(L"other ", nullptr, nullptr, 1);
     EXPECT_STREQ(assigned.what(), "other 1");
     assigned = original;
     EXPECT_STREQ(assigned.what(), "report 2");
 }
 
-TEST(BaseException, logsItsReportAndSurvivesOneThatThrows)
+TEST(BaseException, survivesAReportThatThrows)
 {
     struct Unreportable : BaseException {
         using BaseException::BaseException;
@@ -51,11 +50,7 @@ TEST(BaseException, logsItsReportAndSurvivesOneThatThrows)
     const Unreportable unreportable(L"x", nullptr, nullptr, 1);
     EXPECT_STREQ(unreportable.what(), "");
     logging::LogStream(logging::Level::Error) << unreportable;
-    logging::LogStream(logging::Level::Error) << BaseException(L"went wrong", nullptr, nullptr, 1);
-    logging::LogStream(logging::Level::Error) << std::runtime_error("plain");
-    for (const char* line : {"Exception occurred. Type: vx::BaseException, Reason: went wrong",
-             "Exception occurred. plain", "Serious Error: Exception occurred during another exception tracing."})
-        EXPECT_TRUE(log.has(2, line)) << log.text();
+    EXPECT_TRUE(log.has(2, "Serious Error: Exception occurred during another exception tracing.")) << log.text();
 }
 
 TEST(BaseException, standsInTheLogInUtf8)

@@ -10,12 +10,13 @@ namespace {
 
 std::string nested(std::size_t levels, const std::string& open, const std::string& close)
 {
-    std::string begin, end;
-    for (std::size_t i = 1; i < levels; ++i) {
-        begin += open;
-        end += close;
-    }
-    return begin + "[]" + end;
+    std::string text;
+    for (std::size_t i = 1; i < levels; ++i)
+        text += open;
+    text += "[]";
+    for (std::size_t i = 1; i < levels; ++i)
+        text += close;
+    return text;
 }
 
 } // namespace
