@@ -5,6 +5,7 @@
 #include "common/deploymentqueue/ideploymentqueue.h"
 #include "common/event/event.h"
 #include "common/factory/commonfactory.h"
+#include "ipc/instance.h"
 #include "keys/keycatalogue.h"
 #include "meridia-settings/meridiasettingsapi.h"
 #include "settings-api/cachedsettings.h"
@@ -84,7 +85,7 @@ private:
 /// Ends all workers when it is set.
 std::shared_ptr<Event> makeEndEvent()
 {
-    return Event::createManualResetEvent(devhost::store::instanceFromEnvironment() + L"-end", false);
+    return Event::createManualResetEvent(devhost::ipc::instanceFromEnvironment() + L"-end", false);
 }
 
 void carryOut(Step& step, vx::tarn::common::IDeploymentQueue& queue)
