@@ -46,6 +46,22 @@ TEST_F(LifecycleTest, aStopEndsTheWaitForAMutexThatAnotherProcessHolds)
     }
 }
 
+TEST_F(LifecycleTest, onlyTheFirstRunAfterABootScansOnStartUp)
+{
+    startStoreAlone();
+    put(settings.scanning.automatic.scanningOnSystemStartup.delay, 0);
+    for (const std::size_t boots : {1, 1, 2}) {
+        if (boots == 2) {
+            EXPECT_EQ(command("forget-boot"), 0u);
+        }
+        startHost();
+        waitForLog("Start after reboot scan if expired", boots);
+        EXPECT_EQ(stopHost(), 0u);
+        EXPECT_EQ(logCount("Start after reboot scan if expired"), boots);
+        EXPECT_EQ(logCount("It's a first run after reboot."), boots);
+    }
+}
+
 TEST_F(LifecycleTest, stopsWhileItWaitsForTheProfile)
 {
     startHost(Wait::No, "--no-profile");

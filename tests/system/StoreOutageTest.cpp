@@ -71,7 +71,6 @@ TEST_F(StoreOutageTest, runsAnewAfterEachStopDuringAnOutage)
     EXPECT_EQ(stopHost(), 0u);
     EXPECT_EQ(logCount("Setup action scheduler."), 3u) << "each change reached one plug-in";
     EXPECT_EQ(logCount("Processing stopped"), 4u);
-    EXPECT_EQ(logCount("It's a first run after reboot."), 1u);
     EXPECT_EQ(logCount("LOGGING STARTED"), 1u) << "it was never unloaded";
 }
 
