@@ -1,14 +1,73 @@
 #include "rig.h"
 
-#include "clockahead.h"
 #include "host/pluginsession.h"
-#include "keys/keycatalogue.h"
 #include "support/footprint.h"
+
+#include <array>
+#include <cstring>
+#include <windows.h>
+#include <winternl.h>
 
 namespace rig {
 namespace {
 
-namespace host = devhost::host;
+std::int64_t ahead = 0;
+
+std::int64_t realTime()
+{
+    LARGE_INTEGER time{};
+    NtQuerySystemTime(&time);
+    return time.QuadPart;
+}
+
+void WINAPI readClock(FILETIME* result)
+{
+    const std::int64_t time = realTime() + ahead;
+    std::memcpy(result, &time, sizeof time);
+}
+
+/// Sets the wall clock of this process for the object's life, under whatever reads it. One at a time, and only while
+/// no other thread reads the clock: the system's functions are overwritten with a jump.
+class ClockAhead {
+public:
+    /// Seconds since the Unix epoch; the clock goes on from there.
+    explicit ClockAhead(std::int64_t now)
+    {
+        ahead = (now + 11'644'473'600) * 10'000'000 - realTime();
+        for (const char* name : {"GetSystemTimeAsFileTime", "GetSystemTimePreciseAsFileTime"})
+            if (const auto function = GetProcAddress(GetModuleHandleW(L"kernel32.dll"), name))
+                divert(reinterpret_cast<unsigned char*>(function));
+    }
+    ~ClockAhead()
+    {
+        for (const auto& [at, code] : m_originals)
+            overwrite(at, code);
+    }
+    ClockAhead(const ClockAhead&) = delete;
+    ClockAhead& operator=(const ClockAhead&) = delete;
+
+private:
+    using Code = std::array<unsigned char, 5>;
+
+    void divert(unsigned char* at)
+    {
+        std::memcpy(m_originals[at].data(), at, sizeof(Code));
+        const auto distance = reinterpret_cast<std::uintptr_t>(&readClock) - reinterpret_cast<std::uintptr_t>(at) - 5;
+        Code jump{0xE9};
+        std::memcpy(&jump[1], &distance, 4);
+        overwrite(at, jump);
+    }
+    static void overwrite(unsigned char* at, const Code& code)
+    {
+        DWORD protection = 0;
+        VirtualProtect(at, code.size(), PAGE_EXECUTE_READWRITE, &protection);
+        std::memcpy(at, code.data(), code.size());
+        VirtualProtect(at, code.size(), protection, &protection);
+        FlushInstructionCache(GetCurrentProcess(), at, code.size());
+    }
+
+    std::map<unsigned char*, Code> m_originals;
+};
 
 /// The test itself is the host: what it does to its process meets the plug-in.
 class InProcessTest : public SystemTest {
@@ -16,26 +75,26 @@ protected:
     void SetUp() override
     {
         startStoreAlone();
-        client.set(host::keyOf(host::keys::host.lastSuccessfulUpdateTimestamp), Value::fromInt64(1));
-        client.set(enabled, Value::fromBool(true));
+        put(devhost::host::keys::host.lastSuccessfulUpdateTimestamp, 1);
+        put(settings.enabled, true);
     }
     /// One life: loaded, run until the agent has ended and `meanwhile` has returned, stopped, unloaded.
     void run(const std::function<void()>& meanwhile = [] {})
     {
         const std::size_t lives = logCount("Run processing") + 1;
         const std::size_t ends = logCount(agentEnd) + 1;
-        const auto library = support::programFolder() / "tarnhd.dll";
+        const auto library = programFolder() / "tarnhd.dll";
         {
-            host::PluginSession session(
+            devhost::host::PluginSession session(
                 library, "tarnhd", 36, {[](const std::string&, std::uint32_t) {}, [](std::uint32_t) {}});
             session.start();
             waitForLog("Run processing", lives);
             waitForAgentEnds(ends);
             meanwhile();
             session.stop();
-            ASSERT_TRUE(session.waitForEnd(std::chrono::seconds(60)));
+            ASSERT_TRUE(session.waitForEnd(deadline));
         }
-        EXPECT_FALSE(host::PluginLoader::isLoaded(library));
+        EXPECT_FALSE(devhost::host::PluginLoader::isLoaded(library));
     }
 };
 
@@ -44,10 +103,10 @@ TEST_F(InProcessTest, leavesNeitherHandlesNorThreadSlotsBehind)
     constexpr int lives = 10;
     for (int i = 0; i < 2; ++i)
         run();
-    const support::Footprint before = support::footprint();
+    const Footprint before = footprint();
     for (int i = 0; i < lives; ++i)
         run();
-    const support::Footprint left = support::footprint() - before;
+    const Footprint left = footprint() - before;
     EXPECT_LT(left.handles, lives / 2);
     EXPECT_EQ(left.threadSlots, 0);
 }
@@ -60,7 +119,7 @@ TEST_F(InProcessTest, worksBehindTheEndOfATimeOf32Bits)
         const ClockAhead clock((year - 1970) * 31'556'952);
         // The first scan comes out of the scheduler.
         run([&] { scan(year); });
-        EXPECT_GT(number(lastScan), end);
+        EXPECT_GT(get(lastScan), end);
     }
 }
 

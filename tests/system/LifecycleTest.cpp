@@ -1,14 +1,11 @@
 #include "rig.h"
 
-#include "host/bootatom.h"
 #include "vxtl/globalmutex.h"
 
 #include <mutex>
 
 namespace rig {
 namespace {
-
-using nlohmann::json;
 
 class LifecycleTest : public SystemTest {};
 
@@ -17,9 +14,8 @@ TEST_F(LifecycleTest, aStopLeavesTheRunningAgentAlone)
     const Gate gate("left-alone");
     script({json::object(), gate.run()});
     startHost();
-    const std::int64_t scanned = number(lastScan);
-    EXPECT_GT(scanned, 0);
-    setNumber(scanStart, 1);
+    EXPECT_GT(get(lastScan), 0);
+    put(scanStart, 1);
     ASSERT_TRUE(gate.waitUntilStarted());
     const auto before = std::chrono::steady_clock::now();
     EXPECT_EQ(stopHost(), 0u);
@@ -38,12 +34,12 @@ TEST_F(LifecycleTest, aStopEndsTheWaitForAMutexThatAnotherProcessHolds)
         SCOPED_TRACE(name);
         startHost();
         client.remove(keyOf(install.result));
-        client.set(keyOf(install.updatesToInstall), Value::fromString("ALL"));
+        put(install.updatesToInstall, "ALL");
         {
             vx::sync::GlobalMutex mutex(vx::str::fromUtf8(name));
             const std::lock_guard lock(mutex);
-            setNumber(keyOf(install.start), ++request);
-            waitForValue(keyOf(install.result), Value::fromString("failed"));
+            put(install.start, ++request);
+            waitForValue(install.result, "failed");
             EXPECT_EQ(stopHost(), 0u);
         }
         EXPECT_GE(logCount("Stopped while waiting for the mutex " + name), 1u);
@@ -53,7 +49,7 @@ TEST_F(LifecycleTest, aStopEndsTheWaitForAMutexThatAnotherProcessHolds)
 TEST_F(LifecycleTest, onlyTheFirstRunAfterABootScansOnStartUp)
 {
     startStoreAlone();
-    client.set(keyOf(settings.scanning.automatic.scanningOnSystemStartup.delay), Value::fromInt32(0));
+    put(settings.scanning.automatic.scanningOnSystemStartup.delay, 0);
     for (const std::size_t boots : {1, 1, 2}) {
         if (boots == 2) {
             EXPECT_EQ(command("forget-boot"), 0u);
@@ -83,19 +79,6 @@ TEST_F(LifecycleTest, worksInHostsOfEveryRecordSize)
         EXPECT_EQ(command("resume-event"), std::string(size) == "28" ? 1u : 0u);
         EXPECT_EQ(stopHost(), 0u);
     }
-}
-
-TEST_F(LifecycleTest, loadsAnewInOneProcess)
-{
-    startHost();
-    EXPECT_EQ(command("restart"), 0u);
-    waitForLog("Run processing", 2);
-    waitForAgentEnds(2);
-    scan(1);
-    EXPECT_EQ(stopHost(), 0u);
-    EXPECT_EQ(logCount("LOGGING STARTED"), 2u);
-    EXPECT_EQ(logCount("It's a first run after reboot."), 1u);
-    EXPECT_EQ(host->output().find("still in memory"), std::string::npos) << "it was unloaded";
 }
 
 } // namespace

@@ -1,36 +1,27 @@
 // The deployment queue between processes: each worker is a process of its own, on a real store server. The environment
 // variable TARNHD_DEATHS says how many of them die.
 
-#include "childprocess.h"
 #include "common/deploymentqueue/ideploymentqueue.h"
 #include "common/event/event.h"
 #include "common/factory/commonfactory.h"
 #include "ipc/instance.h"
-#include "keys/keycatalogue.h"
 #include "meridia-settings/meridiasettingsapi.h"
 #include "settings-api/cachedsettings.h"
 #include "settings-api/settings.h"
-#include "store/client/client.h"
+#include "stage.h"
 #include "support/childtest.h"
-#include "vxtl/str.h"
 
 #include <algorithm>
-#include <nlohmann/json.hpp>
-#include <optional>
 #include <random>
 #include <sstream>
 #include <thread>
 
 namespace {
 
-using Texts = std::vector<std::string>;
-using devhost::store::Value;
 using support::ChildProcess;
+using support::Texts;
 using vx::tarn::common::CommonFactory;
 using vx::tarn::common::Event;
-
-const std::string queueKey = devhost::host::keyOf(devhost::host::keys::settings.installation.deploymentQueue);
-const std::wstring instance = support::uniqueName(L"queue");
 
 /// One change of the queue, as a worker plans it and notes it.
 struct Step {
@@ -38,25 +29,16 @@ struct Step {
     std::string outcome; ///< empty when the worker did not come back from it
 };
 
-std::string textOf(const std::string& worker, unsigned number)
+/// By the plan "mixed" three items are pushed, one of them is removed again and the oldest one popped. By "own" two are
+/// pushed and removed again, so each worker finds what it alone has left.
+Step stepOf(const std::string& plan, const std::string& worker, unsigned number)
 {
-    return worker + '-' + std::to_string(number);
-}
-
-/// Three items are pushed, one of them is removed again and the oldest one popped.
-Step mixedStep(const std::string& worker, unsigned number)
-{
-    switch (number % 5) {
-    case 2: return {"remove", textOf(worker, number - 1), {}};
-    case 4: return {"pop", "-", {}};
-    default: return {"push", textOf(worker, number), {}};
-    }
-}
-
-/// Two items are pushed and removed again, so each worker finds what it alone has left.
-Step ownStep(const std::string& worker, unsigned number)
-{
-    return number % 4 < 2 ? Step{"push", textOf(worker, number), {}} : Step{"remove", textOf(worker, number - 2), {}};
+    const auto step = [&](const char* kind, unsigned item) {
+        return Step{kind, worker + '-' + std::to_string(item), {}};
+    };
+    if (plan == "own")
+        return number % 4 < 2 ? step("push", number) : step("remove", number - 2);
+    return number % 5 == 2 ? step("remove", number - 1) : step(number % 5 == 4 ? "pop" : "push", number);
 }
 
 /// A worker's access to the store. Death in a write is what can harm others: it may be carried out afterwards.
@@ -111,7 +93,7 @@ int work()
     const auto store = std::make_shared<MortalSettings>();
     const auto queue = CommonFactory().createDeploymentQueue(std::make_shared<vx::settings::Settings>(store));
     for (unsigned i = 0; i < steps && !vx::sync::waitForSingleObject(*end, 0); ++i) {
-        Step step = plan == "own" ? ownStep(name, i) : mixedStep(name, i);
+        Step step = stepOf(plan, name, i);
         std::printf("%s %s", step.kind.c_str(), step.text.c_str());
         std::fflush(stdout);
         if (life > 0 && i + 1 == steps)
@@ -159,34 +141,17 @@ std::size_t deathsWanted()
     return GetEnvironmentVariableW(L"TARNHD_DEATHS", text, 16) ? std::stoul(text) : 20;
 }
 
-class QueueTest : public testing::Test {
+class QueueTest : public support::StageTest {
 protected:
-    QueueTest()
-    {
-        SetEnvironmentVariableW(L"TARNHD_INSTANCE", instance.c_str());
-        const std::wstring file = (folder.path() / "store.json").wstring();
-        store.emplace("tarnhost.exe", L"store --file \"" + file + L"\"", folder.path());
-        EXPECT_TRUE(client.waitForServer(std::chrono::seconds(30)));
-    }
+    QueueTest() { EXPECT_TRUE(client.waitForServer(support::deadline)); }
 
-    ChildProcess startWorker(const std::string& argument)
+    ChildProcess startWorker(const std::string& argument) const
     {
         SetEnvironmentVariableW(L"TARNHD_TEST_ARGUMENT", vx::str::fromUtf8(argument).c_str());
         return {"queue-tests.exe", L"--child work", folder.path()};
     }
 
-    Texts queue()
-    {
-        Texts texts;
-        if (const auto value = client.get(queueKey))
-            for (const auto& item : nlohmann::json::parse(value->asObject()))
-                texts.push_back(item.at("update_id"));
-        return texts;
-    }
-
-    support::TemporaryFolder folder;
-    std::optional<ChildProcess> store;
-    devhost::store::Client client{instance};
+    const ChildProcess store = tarnhost("store --file \"" + storeFile.string() + '"');
 };
 
 TEST_F(QueueTest, losesAndDoublesNothingBetweenTwoProcesses)
@@ -213,7 +178,6 @@ TEST_F(QueueTest, losesAndDoublesNothingBetweenTwoProcesses)
         EXPECT_EQ(own, pushed);
     }
     EXPECT_EQ(left.size(), expected);
-    std::printf("%zu items are left\n", left.size());
 }
 
 TEST_F(QueueTest, holdsWhatSurvivorsDidWhenOthersDieInTheirWrites)

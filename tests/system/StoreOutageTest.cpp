@@ -1,22 +1,19 @@
 #include "rig.h"
 
-#include <gmock/gmock.h>
-
 namespace rig {
 namespace {
 
 using namespace devhost::store;
 using namespace std::chrono_literals;
-using nlohmann::json;
 
 class StoreOutageTest : public SystemTest {};
 
 TEST_F(StoreOutageTest, aPlugInThatStartsDuringAnOutageWaitsForItsEnd)
 {
     startStoreAlone();
-    client.set(keyOf(devhost::host::keys::host.lastSuccessfulUpdateTimestamp), Value::fromInt64(1));
+    put(devhost::host::keys::host.lastSuccessfulUpdateTimestamp, 1);
     killStore();
-    host.emplace("tarnhost.exe", L"run --no-store --no-profile", folder.path());
+    host.emplace(tarnhost("run --no-store --no-profile"));
     EXPECT_FALSE(host->wait(10s)) << "the host ended: " << host->output() << host->errors();
     EXPECT_EQ(logCount("Run processing"), 0u);
     startStoreAlone();
@@ -27,7 +24,7 @@ TEST_F(StoreOutageTest, aPlugInThatStartsDuringAnOutageWaitsForItsEnd)
 
 TEST_F(StoreOutageTest, aStopEndsTheWaitForTheStore)
 {
-    host.emplace("tarnhost.exe", L"run --no-store --no-profile", folder.path());
+    host.emplace(tarnhost("run --no-store --no-profile"));
     EXPECT_EQ(command("status --wait 20"), 0u);
     waitForLog("LOGGING STARTED");
     EXPECT_EQ(stopHost(), 0u);
@@ -40,16 +37,16 @@ TEST_F(StoreOutageTest, writesMadeMeanwhileArriveWhenTheStoreIsBack)
     script({json::object(), gate.run(), json::object()});
     startStoreAlone();
     startHost();
-    setNumber(scanStart, 1);
+    put(scanStart, 1);
     ASSERT_TRUE(gate.waitUntilStarted());
     killStore();
     gate.release();
     waitForLog("Update a scanning remote operation status: 1");
     waitForLog("Failed to set int64 value: windows.tarnpatch.remote_operations.scan_for_updates.ack");
     startStoreAlone();
-    EXPECT_EQ(number(scanAck), 0) << "the write is pending";
-    client.set(keyOf(settings.scanning.automatic.pollingInterval), Value::fromInt32(11));
-    waitForValue(scanAck, Value::fromInt64(1));
+    EXPECT_NE(get(scanAck), 1) << "the write is pending";
+    put(settings.scanning.automatic.pollingInterval, 11);
+    waitForValue(scanAck, 1);
     scan(2);
 }
 
@@ -68,7 +65,7 @@ TEST_F(StoreOutageTest, runsAnewAfterEachStopDuringAnOutage)
         startStoreAlone();
         ASSERT_NO_FATAL_FAILURE(waitForLog("Run processing", count + 1));
         scan(cycle);
-        client.set(keyOf(settings.scanning.automatic.pollingInterval), Value::fromInt32(10 + cycle));
+        put(settings.scanning.automatic.pollingInterval, 10 + cycle);
         waitForLog("Setup action scheduler.", count);
     }
     EXPECT_EQ(stopHost(), 0u);
@@ -85,7 +82,7 @@ TEST_F(StoreOutageTest, survivesEveryErrorCodeOnEveryKindOfCall)
         for (const Operation operation : {Operation::Get, Operation::Set}) {
             SCOPED_TRACE(vx::toText(operation) + " " + std::to_string(code));
             client.addFault({operation, static_cast<ErrorCode>(code), 9, {}});
-            setNumber(scanStart, ++request);
+            put(scanStart, ++request);
             client.clearFaults();
             // The next good request is served, whatever became of the faulty one.
             scan(++request);
@@ -97,7 +94,7 @@ TEST_F(StoreOutageTest, survivesEveryErrorCodeOnEveryKindOfCall)
 TEST_F(StoreOutageTest, goesOnWithoutTheKeysItCannotSubscribeTo)
 {
     startStoreAlone();
-    client.addFault({Operation::Subscribe, ErrorCode::AccessDenied, 2, enabled});
+    client.addFault({Operation::Subscribe, ErrorCode::AccessDenied, 2, keyOf(settings.enabled)});
     startHost();
     EXPECT_EQ(logCount("Failed to subscribe to a property windows.tarnpatch.enabled. Reason: "), 1u);
     scan(1);

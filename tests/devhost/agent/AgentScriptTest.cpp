@@ -1,8 +1,5 @@
 #include "agent/agentscript.h"
 
-#include <gmock/gmock.h>
-#include <map>
-
 namespace devhost::agent {
 
 using enum vx::tarn::ValueItem;
@@ -20,97 +17,48 @@ AgentRun onlyRun(const std::string& members)
 
 TEST(AgentScript, typesTheValuesItSets)
 {
-    const auto run = onlyRun(R"("durationMs": 20, "set": {
-        "status.windows.tarnpatch.installation.last_installation.restart_computer_needed": true,
-        "windows.tarnpatch.scanning.automatic.polling_interval": 5, "windows.tarnpatch.Enabled": 1,
-        "windows.tarnpatch.installation.deployment_queue": [],
-        "x.flag": false, "x.number": -7, "x.text": "a", "x.object": {"a": 1},
-        "y.number": {"type": "int32", "value": 7}, "y.json": {"type": "json", "value": "a"},
-        "y.object": {"type": "object", "value": "a"}})");
-    EXPECT_EQ(run.duration.count(), 20);
-    std::map<std::string, Type> types;
-    for (const auto& value : run.values)
-        types[value.key] = value.value.type();
-    EXPECT_EQ(
-        types, (std::map<std::string, Type>{
-                   {"status.windows.tarnpatch.installation.last_installation.restart_computer_needed", Type::Boolean},
-                   {"windows.tarnpatch.scanning.automatic.polling_interval", Type::Int32},
-                   {"windows.tarnpatch.Enabled", Type::Int64},
-                   {"windows.tarnpatch.installation.deployment_queue", Type::Object},
-                   {"x.flag", Type::Boolean},
-                   {"x.number", Type::Int64},
-                   {"x.text", Type::String},
-                   {"x.object", Type::Object},
-                   {"y.number", Type::Int32},
-                   {"y.json", Type::Object},
-                   {"y.object", Type::Object},
-               }));
+    const std::pair<const char*, Type> rows[] = {
+        {R"("status.windows.tarnpatch.installation.last_installation.restart_computer_needed": true)", Type::Boolean},
+        {R"("windows.tarnpatch.scanning.automatic.polling_interval": 5)", Type::Int32},
+        {R"("windows.tarnpatch.Enabled": 1)", Type::Int64},
+        {R"("x.number": -7)", Type::Int64},
+        {R"("x.text": "a")", Type::String},
+        {R"("x.object": {"a": 1})", Type::Object},
+        {R"("y.number": {"type": "int32", "value": 7})", Type::Int32},
+        {R"("y.json": {"type": "json", "value": "a"})", Type::Object},
+    };
+    for (const auto& [member, type] : rows)
+        EXPECT_EQ(onlyRun("\"set\": {" + std::string(member) + "}").values.at(0).value.type(), type) << member;
 }
 
 TEST(AgentScript, leadsADeploymentToAnInstalledOrAWaitingPatch)
 {
     EXPECT_FALSE(onlyRun(R"("deploy": false)").deploy);
-    const auto usual = onlyRun(R"("deploy": true)").deploy.value();
-    EXPECT_THAT(usual.states,
+    EXPECT_THAT(onlyRun(R"("deploy": true)").deploy.value().states,
         ElementsAre(FileDownloading, FileDownloadCompleted, InstallationExecuting, InstallationCompleted));
-    EXPECT_FALSE(usual.reboot);
-    const auto reboot = onlyRun(R"("deploy": {"reboot": true})").deploy.value();
-    EXPECT_THAT(reboot.states, ElementsAre(FileDownloading, FileDownloadCompleted, InstallationExecuting,
-                                   InstallationWillContinueAfterReboot));
-}
-
-TEST(AgentScript, readsADeploymentsMembers)
-{
-    const auto script = onlyRun(R"("deploy": {"items": 2, "states": ["file_downloading", "installation_failed"],
-        "result": "download_error", "code": "5", "stepMs": 0,
-        "pauses": [{"at": "file_downloading", "startedEvent": "a", "waitForEvent": "b"}]})")
-                            .deploy.value();
-    EXPECT_EQ(script.items, 2u);
-    EXPECT_THAT(script.states, ElementsAre(FileDownloading, InstallationFailed));
-    EXPECT_EQ(script.result, vx::tarn::InstallationResultItem::DownloadError);
-    EXPECT_EQ(script.code, "5");
-    EXPECT_EQ(script.step.count(), 0);
-    ASSERT_EQ(script.pauses.size(), 1u);
-    EXPECT_EQ(script.pauses[0].at, FileDownloading);
-    EXPECT_EQ(script.pauses[0].gate.startedEvent, "a");
-    EXPECT_EQ(script.pauses[0].gate.waitForEvent, "b");
+    EXPECT_THAT(onlyRun(R"("deploy": {"reboot": true})").deploy.value().states,
+        ElementsAre(
+            FileDownloading, FileDownloadCompleted, InstallationExecuting, InstallationWillContinueAfterReboot));
 }
 
 TEST(AgentScript, saysWhatIsWrong)
 {
-    const struct {
-        const char* text;
-        const char* line;
-    } rows[] = {
+    // Whole scripts, or the members of a run.
+    const std::pair<std::string, const char*> rows[] = {
         {"{", "the script is no JSON"},
-        {"[]", "the script must be an object with a list \"runs\""},
         {R"({"runs": []})", "the script must be an object with a list \"runs\" of at least one run"},
         {R"({"runs": [{}, 5]})", "runs[1] must be an object"},
         {R"({"runs": [{}], "continue": []})", "continue must be a list of at least one element"},
-    };
-    for (const auto& row : rows)
-        EXPECT_THAT(
-            [&] { AgentScript::parse(row.text); }, testing::ThrowsMessage<ScriptError>(testing::StartsWith(row.line)));
-    const struct {
-        const char* members;
-        const char* line;
-    } runs[] = {
         {R"("exit": 5)", "runs[0].exit is unknown"},
-        {R"("exitCode": "8")", "runs[0].exitCode must be an integer"},
         {R"("exitCode": 99999999999)", "runs[0].exitCode must be a 32-bit number"},
         {R"("durationMs": -1)", "runs[0].durationMs must be a number of milliseconds"},
         {R"("hang": 1)", "runs[0].hang must be true or false"},
-        {R"("missingUpdates": {})", "runs[0].missingUpdates must be an array"},
         {R"("set": {"windows.tarnpatch.enabled": 1})", "windows.tarnpatch.enabled: 1 is no bool"},
-        {R"("set": {"a": {"type": "int32", "value": 3000000000}})", "a: 3000000000 is no int32"},
         {R"("set": {"a": {"type": "frob", "value": 3}})", "a: unknown type frob"},
         {R"("deploy": 1)", "runs[0].deploy must be true, false or an object"},
-        {R"("deploy": {"item": 1})", "runs[0].deploy.item is unknown"},
         {R"("deploy": {"items": 0})", "runs[0].deploy.items must be a number of items"},
-        {R"("deploy": {"states": []})", "runs[0].deploy.states must be a list of at least one element"},
         {R"("deploy": {"states": ["file_downloading", "done"]})",
             "runs[0].deploy.states[1] must be the state of a patch"},
-        {R"("deploy": {"states": [1]})", "runs[0].deploy.states[0] must be a text"},
         {R"("deploy": {"result": "good"})", "runs[0].deploy.result must be the result of an installation"},
         {R"("deploy": {"pauses": [{"at": "file_downloading"}]})",
             "runs[0].deploy.pauses[0] must be an object with at and"},
@@ -120,18 +68,10 @@ TEST(AgentScript, saysWhatIsWrong)
         {R"("deploy": {"reboot": true, "states": ["installation_completed"]})",
             "runs[0].deploy.states must end in a state that waits for a reboot"},
     };
-    for (const auto& row : runs)
-        EXPECT_THAT([&] { onlyRun(row.members); }, testing::ThrowsMessage<ScriptError>(testing::StartsWith(row.line)));
-}
-
-TEST(AgentScript, keepsAListForEachCommand)
-{
-    const auto script =
-        AgentScript::parse(R"({"runs": [{"exitCode": 1}], "complete": [{"exitCode": 2}, {"idle": true}]})");
-    EXPECT_EQ(script.runOf(0).exitCode, 1);
-    EXPECT_EQ(script.runOf(0, Task::Complete).exitCode, 2);
-    EXPECT_TRUE(script.runOf(1, Task::Complete).idle);
-    EXPECT_EQ(script.runOf(0, Task::Continue).exitCode, 0);
+    for (const auto& [text, line] : rows) {
+        const auto parse = [&] { text[0] == '"' ? onlyRun(text) : AgentScript::parse(text).runOf(0); };
+        EXPECT_THAT(parse, testing::ThrowsMessage<ScriptError>(testing::StartsWith(line)));
+    }
 }
 
 } // namespace devhost::agent

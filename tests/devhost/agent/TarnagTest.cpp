@@ -1,31 +1,23 @@
-#include "agentfixture.h"
-#include "keys/keycatalogue.h"
+#include "host/agentdirectory.h"
+#include "stage.h"
 
 #include <algorithm>
 
 namespace {
 
-namespace keys = devhost::host::keys;
-using devhost::host::keyOf;
-using devhost::store::Value;
-using nlohmann::json;
+using namespace support;
 
 constexpr unsigned long accessViolation = 0xC0000005;
-const std::string missingUpdates = keyOf(keys::status.scanning.lastScanning.missingUpdates);
-const std::string restartNeeded = keyOf(keys::status.installation.lastInstallation.restartComputerNeeded);
 
-struct TarnagTest : AgentTest {
-    /// "start" with the arguments, "end" with the code.
-    std::vector<std::string> journal() const
+struct TarnagTest : StageTest {
+    TarnagTest() { installAgent(); }
+
+    /// Each start as "arguments: exit code".
+    Texts journal() const
     {
-        std::vector<std::string> lines;
-        json pid;
-        for (const json& entry : support::parseLines(support::readFile(folder.path() / "tarnag.runs.jsonl"))) {
-            const bool starts = entry.at("event") == "start";
-            EXPECT_TRUE(starts || entry.at("pid") == pid);
-            pid = entry.at("pid");
-            lines.push_back(starts ? "start " + entry.at("arguments").dump() : "end " + entry.at("exit_code").dump());
-        }
+        Texts lines;
+        for (const auto& start : devhost::host::readAgentStarts(agentFolder))
+            lines.push_back(start.arguments + ":" + (start.exitCode ? " " + std::to_string(*start.exitCode) : ""));
         return lines;
     }
 };
@@ -34,8 +26,8 @@ struct TarnagTest : AgentTest {
 
 TEST_F(TarnagTest, carriesOutAndListsOneEntryPerStart)
 {
-    script(R"({"runs": [{"exitCode": 8}, {"crash": true}, {"exitCode": 1025}],
-        "complete": [{"stdout": "hello", "idle": true}]})");
+    const json output{{"stdout", "hello"}, {"idle", true}};
+    script({{{"exitCode", 8}}, {{"crash", true}}, {{"exitCode", 1025}}}, {{"complete", json::array({output})}});
     const struct {
         const wchar_t* arguments;
         unsigned long code;
@@ -48,45 +40,44 @@ TEST_F(TarnagTest, carriesOutAndListsOneEntryPerStart)
         {L"", 1025, ""},
     };
     for (const auto& row : rows) {
-        const auto agent = start(row.arguments);
-        EXPECT_EQ(agent.wait(), row.code);
-        EXPECT_THAT(agent.output(), testing::HasSubstr(row.output));
+        const auto started = agent(row.arguments);
+        EXPECT_EQ(started.wait(), row.code);
+        EXPECT_THAT(started.output(), testing::HasSubstr(row.output));
     }
-    EXPECT_THAT(journal(), testing::ElementsAre("start []", "end 8", R"(start ["-c","complete"])", "end 0",
-                               R"(start ["--command=queue","--severity=important"])",
-                               R"(start ["--command=queue","--severity="])", "end 1025", "start []", "end 1025"));
+    EXPECT_THAT(journal(), testing::ElementsAre(": 8", "-c complete: 0",
+                               "--command=queue --severity=important:", "--command=queue --severity=: 1025", ": 1025"));
 }
 
 TEST_F(TarnagTest, writesItsResultsToTheStoreAndFailsWithoutOne)
 {
+    const auto& missingUpdates = status.scanning.lastScanning.missingUpdates;
+    const auto& restartNeeded = status.installation.lastInstallation.restartComputerNeeded;
     server.start();
-    EXPECT_EQ(start().wait(), 0u);
-    EXPECT_EQ(json::parse(client.get(missingUpdates)->asObject()).size(), 2u) << "the sample";
+    EXPECT_EQ(agent().wait(), 0u);
+    EXPECT_EQ(get(missingUpdates).size(), 2u) << "the sample";
 
     script(
-        R"({"runs": [{"missingUpdates": [{"update_id": "A"}], "exitCode": 0, "set": {")" + restartNeeded + R"(": true,
-        "windows.tarnpatch.scanning.automatic.polling_interval": 5, "x.text": "\u20ac"}}]})");
-    const auto scan = start();
+        {{{"missingUpdates", {{{"update_id", "A"}}}}, {"set", {{keyOf(restartNeeded), true}, {"x", "\xE2\x82\xAC"}}}}});
+    const auto scan = agent();
     EXPECT_EQ(scan.wait(), 0u) << scan.errors();
-    EXPECT_EQ(client.get(missingUpdates), Value::fromObject(R"([{"update_id":"A"}])"));
-    EXPECT_EQ(client.get(restartNeeded), Value::fromBool(true));
-    EXPECT_EQ(client.get("windows.tarnpatch.scanning.automatic.polling_interval"), Value::fromInt32(5));
-    EXPECT_EQ(client.get("x.text"), Value::fromString("\xE2\x82\xAC"));
+    EXPECT_EQ(get(missingUpdates).dump(), R"([{"update_id":"A"}])");
+    EXPECT_EQ(get(restartNeeded), true);
+    EXPECT_EQ(client.get("x"), Value::fromString("\xE2\x82\xAC"));
 
     server.stop();
-    const auto lost = start();
+    const auto lost = agent();
     EXPECT_EQ(lost.wait(), 21u);
     EXPECT_THAT(lost.errors(), testing::StartsWith("tarnag: "));
-    EXPECT_EQ(journal().back(), "end 21");
+    EXPECT_EQ(journal().back(), ": 21");
 }
 
 TEST_F(TarnagTest, refusesABadScriptOrCommandLineWithOneLine)
 {
-    script("{\"runs\": 1}");
+    writeFile(agentFolder / "tarnag.script.json", "{\"runs\": 1}");
     for (const auto* arguments : {L"", L"--frob"}) {
-        const auto agent = start(arguments);
-        EXPECT_EQ(agent.wait(), 2u);
-        EXPECT_THAT(agent.errors(), testing::StartsWith("tarnag: "));
-        EXPECT_EQ(std::ranges::count(agent.errors(), '\n'), 1) << agent.errors();
+        const auto started = agent(arguments);
+        EXPECT_EQ(started.wait(), 2u);
+        EXPECT_THAT(started.errors(), testing::StartsWith("tarnag: "));
+        EXPECT_EQ(std::ranges::count(started.errors(), '\n'), 1) << started.errors();
     }
 }

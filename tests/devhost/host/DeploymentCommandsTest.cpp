@@ -1,79 +1,24 @@
-#include "common/factory/commonfactory.h"
-#include "common/globalatom/globalatom.h"
-#include "common/patchstorage/ipatchstorage.h"
 #include "hostfixture.h"
-#include "keys/keycatalogue.h"
-#include "store/client/client.h"
-#include "store/server/server.h"
 
 namespace {
 
-namespace keys = devhost::host::keys;
-namespace store = devhost::store;
-using namespace vx::tarn::common;
-using devhost::host::keyOf;
-using nlohmann::json;
-using support::ChildProcess;
+using namespace support;
 using testing::ElementsAre;
 using testing::HasSubstr;
 
-constexpr auto bootAtom = L"Global\\PostRebootATOM{894D1810-89A9-4363-A8C5-9F429B518809}";
+const auto& published = settings.currentStatus.patchesToInstall;
 
 /// The commands on a store without a host.
-class DeploymentCommandsTest : public HostTest {
-protected:
+struct DeploymentCommandsTest : HostTest {
     DeploymentCommandsTest() { server.start(); }
-
-    void put(const vx::tarn::KeyRow& key, const json& value)
-    {
-        client.set(keyOf(key), store::Value::fromObject(value.dump()));
-    }
-
-    std::vector<std::string> queued()
-    {
-        std::vector<std::string> descriptors;
-        for (const auto& item : support::parseLines(call("--json queue").output))
-            descriptors.push_back(item.at("descriptor"));
-        return descriptors;
-    }
-
-    store::Server server{(folder.path() / "store.json").native(), vx::str::fromUtf8(instance)};
-    store::Client client{vx::str::fromUtf8(instance)};
-};
-
-/// A host on the recording plug-in, with an agent and a deployment that waits for a reboot.
-class RebootTest : public HostTest {
-protected:
-    RebootTest()
-    {
-        PatchInfo patch;
-        patch.updateName = L"A";
-        storage->savePatches({{1, patch}});
-        MachineStateReport report;
-        report.status = MachineStateTarget::SafeRebootPending;
-        storage->addPatchState({ReportEventType::OfflineMachineStatus, report, 0, {}});
-        std::filesystem::copy_file(support::programFolder() / "tarnag.exe", folder.path() / "tarnag.exe");
-        host.emplace(startHost("--agent-dir \"" + folder.path().string() + "\""));
-    }
-    ~RebootTest() override
-    {
-        call("stop");
-        storage->clear();
-    }
-
-    /// Whether it was loaded; that it has started is told a moment later.
-    bool pluginIsBack() { return json::parse(call("--json status").output).at("host").at("state") != "not loaded"; }
-
-    std::shared_ptr<IPatchStorage> storage = CommonFactory().createPatchStorage();
-    std::optional<ChildProcess> host;
 };
 
 } // namespace
 
 TEST_F(DeploymentCommandsTest, refuseWhatTheyCannotRead)
 {
-    put(keys::settings.installation.deploymentQueue, {{"a", 1}});
-    put(keys::settings.currentStatus.patchesToInstall, {{"a", 1}});
+    put(settings.installation.deploymentQueue, {{"a", 1}});
+    put(published, {{"a", 1}});
     expectOneLineEach({
         {"queue", 1, "the queue cannot be read: "},
         {"queue --pop", 1, "the queue cannot be read: "},
@@ -82,7 +27,7 @@ TEST_F(DeploymentCommandsTest, refuseWhatTheyCannotRead)
         {"patches", 1, "holds no list"},
     });
     client.setRefuse(true);
-    put(keys::settings.installation.deploymentQueue, json::array());
+    putQueue({});
     expectOneLineEach({{"queue --push ALL", 3, "unreachable"}});
 }
 
@@ -92,76 +37,39 @@ TEST_F(DeploymentCommandsTest, workOnTheQueueInItsOrder)
     for (const auto* descriptor : {"ALL", "PRODUCT=Sample Reader", "all"})
         EXPECT_EQ(call("queue --push", descriptor).code, 0);
     expectOneLineEach({{"queue --push ALL", 1, "\"ALL\" is in the queue already"}});
-    EXPECT_THAT(queued(), ElementsAre("ALL", "PRODUCT=Sample Reader", "all"));
+    EXPECT_THAT(queue(), ElementsAre("ALL", "PRODUCT=Sample Reader", "all"));
+    EXPECT_EQ(parseLines(call("--json queue").output).at(1).at("descriptor"), "PRODUCT=Sample Reader");
     const auto listed = call("queue").output;
     EXPECT_THAT(listed.substr(0, listed.find('\n')), testing::MatchesRegex("\\d+-\\d+-\\d+ \\d+:\\d+:\\d+  ALL"));
     EXPECT_THAT(listed, HasSubstr("  PRODUCT=Sample Reader\n"));
     EXPECT_THAT(listed, testing::EndsWith("  all  (means no update)\n"));
-    EXPECT_EQ(json::parse(call("--json status").output).at("store").at("queue"), 3);
+    EXPECT_EQ(callJson("status").at("store").at("queue"), 3);
     EXPECT_EQ(call("queue --pop").output, "took ALL\n");
     EXPECT_EQ(call("queue --remove all").code, 0);
-    EXPECT_THAT(queued(), ElementsAre("PRODUCT=Sample Reader"));
-}
-
-TEST_F(DeploymentCommandsTest, loseNothingWhenManyWorkOnTheQueue)
-{
-    // Leaves time between a reading and the writing that goes with it.
-    client.setDelay(std::chrono::milliseconds(100));
-    std::vector<ChildProcess> pushers;
-    for (const std::string id : {"A", "B", "C", "D", "E", "F"})
-        pushers.push_back(start("queue --push ID=" + id));
-    for (const auto& pusher : pushers)
-        EXPECT_EQ(pusher.wait(), 0u) << pusher.errors();
-    EXPECT_THAT(queued(), testing::UnorderedElementsAre("ID=A", "ID=B", "ID=C", "ID=D", "ID=E", "ID=F"));
+    EXPECT_THAT(queue(), ElementsAre("PRODUCT=Sample Reader"));
 }
 
 TEST_F(DeploymentCommandsTest, showThePublishedPatches)
 {
     EXPECT_EQ(call("patches").output, "nothing was published yet\n");
-    put(keys::settings.currentStatus.patchesToInstall, json::array());
+    put(published, json::array());
     EXPECT_EQ(call("patches").output, "no patches to install\n");
-    put(keys::settings.currentStatus.patchesToInstall,
-        {{{"user_friendly_update_name", "L\xC3\xA9o 2"}, {"product_name", "Reader"}, {"severity", 1},
-             {"status", {{"value", "installation_failed"}, {"code", "17"}}}},
-            {{"update_name", "kb"}, {"severity", 3}, {"status", {{"value", "file_downloading"}}}}});
+    put(published, {{{"user_friendly_update_name", "L\xC3\xA9o 2"}, {"product_name", "Reader"}, {"severity", 1},
+                        {"status", {{"value", "installation_failed"}, {"code", "17"}}}},
+                       {{"update_name", "kb"}, {"severity", 3}, {"status", {{"value", "file_downloading"}}}}});
     EXPECT_EQ(call("patches").output, "NAME   PRODUCT  SEVERITY  STATE                CODE\n"
                                       "L\xC3\xA9o 2  Reader   critical  installation_failed  17\n"
                                       "kb              3         file_downloading\n");
-    EXPECT_EQ(support::parseLines(call("--json patches").output).size(), 2u);
+    EXPECT_EQ(parseLines(call("--json patches").output).size(), 2u);
 }
 
 TEST_F(DeploymentCommandsTest, followThePublishedPatches)
 {
-    put(keys::settings.currentStatus.patchesToInstall, json::array());
-    const auto follower = start("--json patches --follow --count 2");
+    put(published, json::array());
+    const auto follower = tarnhost("--json patches --follow --count 2");
     for (int serial = 0; !follower.wait(std::chrono::milliseconds(10)); ++serial)
-        put(keys::settings.currentStatus.patchesToInstall, {{{"update_name", std::to_string(serial)}}});
-    const auto shown = support::parseLines(follower.output());
+        put(published, {{{"update_name", std::to_string(serial)}}});
+    const auto shown = parseLines(follower.output());
     ASSERT_EQ(shown.size(), 2u) << follower.output();
     EXPECT_NE(shown[0].at("patches"), shown[1].at("patches"));
-}
-
-TEST_F(RebootTest, letsTheAgentFinishWhatWaits)
-{
-    GlobalAtom(bootAtom).create();
-    const auto reboot = call("reboot");
-    EXPECT_EQ(reboot.code, 0) << reboot.errors;
-    EXPECT_THAT(reboot.output, HasSubstr("the agent finished the deployment"));
-    EXPECT_TRUE(storage->isInstallationFinished());
-    EXPECT_FALSE(GlobalAtom(bootAtom).exists());
-    EXPECT_TRUE(pluginIsBack());
-    EXPECT_THAT(call("reboot").output, HasSubstr("no deployment waited"));
-    EXPECT_EQ(support::parseLines(support::readFile(folder.path() / "tarnag.runs.jsonl")).size(), 2u) << "one run";
-}
-
-TEST_F(RebootTest, bringsThePluginUpWhateverTheAgentDoes)
-{
-    support::writeFile(
-        folder.path() / "tarnag.script.json", R"({"runs": [{}], "continue": [{"idle": true, "exitCode": 7}]})");
-    expectOneLineEach({{"reboot", 1, "the agent did not finish the deployment: exit code 7"}});
-    EXPECT_TRUE(pluginIsBack());
-    std::filesystem::remove(folder.path() / "tarnag.exe");
-    expectOneLineEach({{"reboot", 1, "cannot start "}});
-    EXPECT_TRUE(pluginIsBack());
-    EXPECT_FALSE(storage->isInstallationFinished());
 }

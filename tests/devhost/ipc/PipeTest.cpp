@@ -53,31 +53,4 @@ TEST_F(PipeTest, endsAWaitAtEitherLimit)
     EXPECT_EQ(ended.wait_for(std::chrono::seconds(60)), std::future_status::ready);
 }
 
-TEST_F(PipeTest, servesTheNextClientWhileOneIsServed)
-{
-    serve([](Pipe& pipe, const Signal& stop) {
-        pipe.limit({&stop});
-        while (const auto frame = pipe.receive())
-            pipe.send(*frame);
-    });
-    const auto first = connect();
-    const auto second = connect();
-    for (const auto* pipe : {&second, &first}) {
-        EXPECT_TRUE((*pipe)->send("a"));
-        EXPECT_EQ((*pipe)->receive(), "a");
-    }
-}
-
-TEST(Signal, isSharedByItsName)
-{
-    const auto name = support::uniqueName(L"tarnhd.signaltest");
-    const Signal one(name), other(name), unnamed;
-    one.set();
-    EXPECT_TRUE(other.isSet());
-    EXPECT_FALSE(unnamed.waitOr(Signal(), 0));
-    EXPECT_TRUE(unnamed.waitOr(other, 0));
-    other.reset();
-    EXPECT_FALSE(one.wait(0));
-}
-
 } // namespace devhost::ipc

@@ -20,8 +20,6 @@ struct Library : vx::meridia::QrlMeridiaApi {
 };
 
 struct LibraryTest : StoreTest {
-    LibraryTest() { SetEnvironmentVariableW(L"TARNHD_INSTANCE", instance.c_str()); }
-
     Library api;
 };
 
@@ -46,7 +44,7 @@ TEST_F(LibraryTest, lendsTexts)
     server.start();
     const unsigned handle = api.open();
     EXPECT_EQ(api.setString(handle, L"s", L"\x0416"), Success);
-    EXPECT_EQ(tool.get("s"), Value::fromString("\xD0\x96"));
+    EXPECT_EQ(client.get("s"), Value::fromString("\xD0\x96"));
     wchar_t* text = api.getString(handle, L"s", L"", &api.error);
     EXPECT_STREQ(text, L"\x0416");
     api.freeString(text);
@@ -64,7 +62,7 @@ TEST_F(LibraryTest, givesTheDefaultAndTheCodeOnAFailure)
     EXPECT_EQ(api.open(), 0U);
     EXPECT_EQ(api.error, ServerUnreachable);
     server.start();
-    tool.set("s", Value::fromString("x"));
+    client.set("s", Value::fromString("x"));
     const unsigned handle = api.open();
     const struct {
         unsigned handle;
@@ -106,14 +104,14 @@ TEST_F(LibraryTest, notifiesUntilUnsubscribedOrClosed)
     EXPECT_EQ(api.subscribe(other, L"a", remember, &closed), Success);
     EXPECT_EQ(api.subscribe(handle, L"a", remember, &second), Success); // the last one that is told
     EXPECT_EQ(api.unsubscribe(other, L"a", remember, &first), SettingNotFound);
-    tool.set("a", Value::fromInt64(1));
+    client.set("a", Value::fromInt64(1));
     for (support::Record* record : {&first, &second, &closed})
         EXPECT_EQ(record->waitFor(1), std::vector<std::string>{"a 3"});
 
     api.closeHandle(other);
     EXPECT_EQ(api.unsubscribe(handle, L"a", remember, &first), Success);
     EXPECT_EQ(api.unsubscribe(handle, L"a", remember, &first), SettingNotFound);
-    tool.remove("a");
+    client.remove("a");
     EXPECT_EQ(second.waitFor(2).back(), "a 0");
     EXPECT_EQ(first.size() + closed.size(), 2U);
     api.closeHandle(handle);
@@ -134,7 +132,7 @@ TEST_F(LibraryTest, staysLoadedWhileAHandleIsOpen)
     api.subscribe(handle, L"a", remember, &heard);
     FreeLibrary(library);
     ASSERT_NE(GetModuleHandleW(libraryName), nullptr);
-    tool.set("a", Value::fromInt32(1));
+    client.set("a", Value::fromInt32(1));
     heard.waitFor(1);
 
     LoadLibraryW(libraryName);

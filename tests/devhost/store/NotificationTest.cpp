@@ -11,21 +11,21 @@ namespace {
 struct NotificationTest : StoreTest {
     SubscriptionId listenTo(const std::string& name)
     {
-        return client.subscribe(name, [&](const Change& change) { heard.add(change.name); });
+        return application.subscribe(name, [&](const Change& change) { heard.add(change.name); });
     }
     /// The changes told so far, all of them: a last one comes behind them.
     std::vector<std::string> allHeard()
     {
         std::promise<void> told;
-        client.subscribe("last", [&](const Change&) { told.set_value(); });
-        tool.set("last", Value::fromInt32(1));
+        application.subscribe("last", [&](const Change&) { told.set_value(); });
+        client.set("last", Value::fromInt32(1));
         EXPECT_EQ(told.get_future().wait_for(deadline), std::future_status::ready);
         return heard.waitFor(0);
     }
-    support::ChildProcess startServerProcess() const
+    support::ChildProcess startServerProcess()
     {
-        auto process = tarnhost(L"store --file \"" + file.native() + L'"');
-        EXPECT_TRUE(Client(instance).waitForServer(deadline));
+        auto process = tarnhost("store --file \"" + storeFile.string() + '"');
+        EXPECT_TRUE(client.waitForServer(deadline));
         return process;
     }
 };
@@ -37,32 +37,34 @@ TEST_F(NotificationTest, toldOfEachChangeByThisAndByAnotherProcess)
     server.start();
     listenTo("a");
     const SubscriptionId pattern = listenTo("windows.*");
-    client.set("a", Value::fromInt64(1));
-    EXPECT_EQ(tarnhost(L"set a 2 --type int64").wait(), 0U);
-    tool.set("windows.a", Value::fromInt32(1));
-    client.remove("a");
+    application.set("a", Value::fromInt64(1));
+    EXPECT_EQ(tarnhost("set a 2 --type int64").wait(), 0U);
+    client.set("a", Value::fromInt64(2)); // no change
+    client.set("b", Value::fromInt64(1));
+    client.set("windows.a", Value::fromInt32(1));
+    application.remove("a");
     EXPECT_THAT(heard.waitFor(4), ElementsAre("a", "a", "windows.a", "a"));
-    client.unsubscribe(pattern);
-    tool.remove("windows.a");
+    application.unsubscribe(pattern);
+    client.remove("windows.a");
     EXPECT_EQ(allHeard().size(), 4U);
 }
 
 TEST_F(NotificationTest, aKilledServerComesBackToItsClients)
 {
     std::optional process = startServerProcess();
-    client.set("a", Value::fromInt64(1));
+    application.set("a", Value::fromInt64(1));
     listenTo("a");
     listenTo("quiet");
     process.reset();
-    EXPECT_EQ(codeOf([&] { client.get("a"); }), ErrorCode::Unreachable);
+    EXPECT_EQ(codeOf([&] { application.get("a"); }), ErrorCode::Unreachable);
     EXPECT_EQ(codeOf([&] { listenTo("b"); }), ErrorCode::Unreachable);
 
     process.emplace(startServerProcess());
-    EXPECT_EQ(client.get("a"), Value::fromInt64(1));
+    EXPECT_EQ(application.get("a"), Value::fromInt64(1));
     // Whether the subscriptions are back or not when it is written, the change must be told.
-    tool.set("a", Value::fromInt64(2));
+    client.set("a", Value::fromInt64(2));
     heard.waitFor(1);
-    tool.set("a", Value::fromInt64(3));
+    client.set("a", Value::fromInt64(3));
     EXPECT_THAT(heard.waitFor(2), ElementsAre("a", "a"));
 }
 
@@ -70,13 +72,13 @@ TEST_F(NotificationTest, anotherFileBehindTheInstanceIsAChange)
 {
     server.start();
     for (int i = 1; i <= 5; ++i)
-        client.set("a", Value::fromInt32(i));
+        application.set("a", Value::fromInt32(i));
     listenTo("a");
     server.stop();
     Server emptyServer(folder.path() / "empty.json", instance);
     emptyServer.start();
     heard.waitFor(1); // the value has gone
-    tool.set("a", Value::fromInt32(6));
+    client.set("a", Value::fromInt32(6));
     heard.waitFor(2);
 }
 
@@ -84,13 +86,13 @@ TEST_F(NotificationTest, unsubscribesFromInsideTheCallback)
 {
     server.start();
     std::promise<SubscriptionId> id;
-    id.set_value(client.subscribe("a", [&](const Change& change) {
-        client.unsubscribe(id.get_future().get());
+    id.set_value(application.subscribe("a", [&](const Change& change) {
+        application.unsubscribe(id.get_future().get());
         heard.add(change.name);
     }));
-    tool.set("a", Value::fromInt32(1));
+    client.set("a", Value::fromInt32(1));
     heard.waitFor(1);
-    tool.set("a", Value::fromInt32(2));
+    client.set("a", Value::fromInt32(2));
     EXPECT_EQ(allHeard().size(), 1U);
 }
 
@@ -98,17 +100,17 @@ TEST_F(NotificationTest, unsubscribingWaitsForARunningCallback)
 {
     server.start();
     std::promise<void> entered, released;
-    const SubscriptionId id = client.subscribe("a", [&](const Change&) {
+    const SubscriptionId id = application.subscribe("a", [&](const Change&) {
         entered.set_value();
         released.get_future().wait();
         // What is waited for may itself use the client.
-        client.unsubscribe(client.subscribe("b", [](const Change&) {}));
+        application.unsubscribe(application.subscribe("b", [](const Change&) {}));
     });
     const SubscriptionId second = listenTo("a");
-    tool.set("a", Value::fromInt32(1));
+    client.set("a", Value::fromInt32(1));
     entered.get_future().wait();
-    auto unsubscribed = std::async(std::launch::async, [&] { client.unsubscribe(id); });
-    client.unsubscribe(second);
+    auto unsubscribed = std::async(std::launch::async, [&] { application.unsubscribe(id); });
+    application.unsubscribe(second);
     EXPECT_EQ(unsubscribed.wait_for(std::chrono::milliseconds(100)), std::future_status::timeout);
     released.set_value();
     ASSERT_EQ(unsubscribed.wait_for(deadline), std::future_status::ready);
@@ -120,9 +122,9 @@ TEST_F(NotificationTest, aFailedUnsubscribeLeavesTheSubscription)
 {
     server.start();
     const SubscriptionId id = listenTo("a");
-    tool.addFault({Operation::Unsubscribe, ErrorCode::Unknown, 1, ""});
-    EXPECT_EQ(codeOf([&] { client.unsubscribe(id); }), ErrorCode::Unknown);
-    tool.set("a", Value::fromInt32(1));
+    client.addFault({Operation::Unsubscribe, ErrorCode::Unknown, 1, ""});
+    EXPECT_EQ(codeOf([&] { application.unsubscribe(id); }), ErrorCode::Unknown);
+    client.set("a", Value::fromInt32(1));
     heard.waitFor(1);
-    client.unsubscribe(id);
+    application.unsubscribe(id);
 }

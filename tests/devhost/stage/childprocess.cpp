@@ -48,16 +48,10 @@ ChildProcess::ChildProcess(
 
 ChildProcess::~ChildProcess()
 {
-    if (m_process)
-        kill();
-}
-
-void ChildProcess::kill()
-{
-    if (!wait(std::chrono::milliseconds(0))) {
-        TerminateProcess(m_process->get(), 1);
-        WaitForSingleObject(m_process->get(), INFINITE);
-    }
+    if (!m_process)
+        return;
+    TerminateProcess(m_process->get(), 1);
+    WaitForSingleObject(m_process->get(), INFINITE);
 }
 
 std::optional<unsigned long> ChildProcess::wait(std::chrono::milliseconds timeout) const

@@ -12,7 +12,8 @@
 
 namespace support {
 
-/// A program started by a test, with its output collected in files. Killed at destruction if it still runs.
+/// A program started by a test, with its output collected in files. Killed at destruction, as by a crash, if it still
+/// runs.
 class ChildProcess {
 public:
     /// `program` is a full path, or a name in the programs' folder.
@@ -23,8 +24,6 @@ public:
 
     /// The exit code; nothing when it has not ended within the time.
     std::optional<unsigned long> wait(std::chrono::milliseconds timeout = std::chrono::seconds(60)) const;
-    /// Ends it as a crash would, if it still runs.
-    void kill();
     std::string output() const;
     std::string errors() const;
 

@@ -1,0 +1,84 @@
+#pragma once
+
+#include "childprocess.h"
+#include "ipc/signal.h"
+#include "keys/keycatalogue.h"
+#include "store/client/client.h"
+#include "store/server/server.h"
+#include "support/record.h"
+#include "vxtl/str.h"
+
+#include <gmock/gmock.h>
+
+#include <functional>
+
+namespace support {
+
+using devhost::host::keyOf;
+using devhost::store::Value;
+using nlohmann::json;
+using Texts = std::vector<std::string>;
+
+inline const auto& settings = devhost::host::keys::settings;
+inline const auto& status = devhost::host::keys::status;
+
+/// Two named events by which a test holds a scripted agent: the agent sets `started` and goes on once `release` is set.
+class Gate {
+public:
+    explicit Gate(const std::string& name);
+    ~Gate() { release(); }
+
+    /// The script's members for a run that is held.
+    json run() const { return {{"startedEvent", m_name + "-started"}, {"waitForEvent", m_name + "-release"}}; }
+    bool waitUntilStarted() const { return m_started.wait(60'000); }
+    void release() const { m_release.set(); }
+
+private:
+    const std::string m_name;
+    const devhost::ipc::Signal m_started{vx::str::fromUtf8(m_name + "-started")};
+    const devhost::ipc::Signal m_release{vx::str::fromUtf8(m_name + "-release")};
+};
+
+/// A folder and an instance of a test's own, which this process and its children work with. The store's server is
+/// made, not started; the agent is not there yet.
+class StageTest : public testing::Test {
+protected:
+    StageTest();
+
+    ChildProcess tarnhost(const std::string& arguments) const
+    {
+        return {"tarnhost.exe", vx::str::fromUtf8(arguments), folder.path()};
+    }
+
+    /// Puts it there with the store's client library beside it, as where it is installed.
+    void installAgent(const std::filesystem::path& where) const;
+    void installAgent() const { installAgent(agentFolder); }
+    void removeAgent() const { std::filesystem::remove(agentFolder / "tarnag.exe"); }
+    /// The agent's ordinary runs in order, the last one repeats; `lists`: those of other starts.
+    void script(const std::vector<json>& runs, json lists = json::object()) const;
+    ChildProcess agent(const std::wstring& arguments = {}) const
+    {
+        return {agentFolder / "tarnag.exe", arguments, folder.path()};
+    }
+
+    /// By the row's type. Null for a value that is missing.
+    void put(const vx::tarn::KeyRow& row, const json& value);
+    json get(const vx::tarn::KeyRow& row);
+    /// The descriptors in the deployment queue, and a queue of such.
+    Texts queue();
+    void putQueue(const Texts& descriptors);
+
+    /// Fails the test when the condition does not come; what it looks at changes with files in the folder.
+    void waitFor(
+        const std::filesystem::path& changing, const std::string& what, const std::function<bool()>& condition);
+
+    const TemporaryFolder folder;
+    const std::wstring instance = folder.path().filename().wstring();
+    const std::filesystem::path agentFolder = folder.path() / "agent";
+    const std::filesystem::path storeFile = folder.path() / "store" / "store.json";
+    Record heard; ///< by callbacks, so it outlives the clients
+    devhost::store::Server server{storeFile.wstring(), instance};
+    devhost::store::Client client{instance};
+};
+
+} // namespace support
