@@ -13,14 +13,12 @@
 #include <cstdio>
 #include <cstdlib>
 #include <optional>
-#include <sstream>
 #include <stdexcept>
 #include <string>
 #include <string_view>
-#include <vector>
 
-// What the targets share: the input as text and as JSON, the check that ends a run, a plain second reading of lists,
-// and GUIDs.
+// What the targets share: the input as text and as JSON, the check that ends a run, GUIDs, and what was read compared
+// with what is written.
 
 namespace fuzz {
 
@@ -80,17 +78,17 @@ inline std::optional<vx::tarn::common::utils::Guid> guid(const std::wstring& tex
     }
 }
 
-inline constexpr const wchar_t* blanks = L" \t\r\n";
-
-/// The pieces between separators, without the blanks at their ends; empty ones are left out.
-inline std::vector<std::wstring> pieces(const std::wstring& text, wchar_t separator)
+/// Whether `written` says what was read of `in`: what was missing or null has its default, a number with a fraction was
+/// cut, and anything else is the same.
+inline bool isFrom(const nlohmann::json& in, const nlohmann::json& written)
 {
-    std::vector<std::wstring> all;
-    std::wistringstream rest(text);
-    for (std::wstring piece; std::getline(rest, piece, separator);)
-        if (const auto first = piece.find_first_not_of(blanks); first != std::wstring::npos)
-            all.push_back(piece.substr(first, piece.find_last_not_of(blanks) + 1 - first));
-    return all;
+    if (in.is_null() || (in.is_number_float() && written.is_number()))
+        return true;
+    if (!written.is_object() || !in.is_object())
+        return in == written;
+    const auto members = written.items();
+    return std::all_of(members.begin(), members.end(),
+        [&](const auto& member) { return isFrom(in.value(member.key(), nlohmann::json()), member.value()); });
 }
 
 } // namespace fuzz
