@@ -1,9 +1,8 @@
 #include "changesubscription.h"
 #include "fakemeridia.h"
+#include "support/gate.h"
 #include "support/logcapture.h"
 #include "support/record.h"
-
-#include <future>
 
 using namespace vx;
 using testing::ElementsAre;
@@ -77,22 +76,21 @@ TEST_F(SettingsApiSubscriptionsTest, leavesNothingToALibraryThatForgotAtTheSecon
 
 TEST_F(SettingsApiSubscriptionsTest, anUnsubscriptionWaitsForADeliveryInFlight)
 {
-    std::promise<void> entered, release;
+    support::Gate gate;
     bool delivered = false;
     const auto id = api->subscribeForChanges(L"n", [&](const std::wstring&) {
-        entered.set_value();
-        release.get_future().wait();
+        gate.pass();
         delivered = true;
     });
     const auto notifier = std::async(std::launch::async, [this] { notify(L"n"); });
-    entered.get_future().wait();
+    gate.waitUntilEntered();
     auto seen = std::async(std::launch::async, [&] {
         api->unsubscribeFromChanges(id);
         return delivered;
     });
     EXPECT_TRUE(log.waitFor("subscriptionId: "));
     EXPECT_EQ(seen.wait_for(support::moment), std::future_status::timeout);
-    release.set_value();
+    gate.open();
     EXPECT_TRUE(seen.get());
 }
 

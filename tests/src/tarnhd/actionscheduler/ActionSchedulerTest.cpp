@@ -4,8 +4,6 @@
 #include "support/logcapture.h"
 #include "support/record.h"
 
-#include <gmock/gmock.h>
-
 #include <thread>
 
 namespace vx::tarn {
