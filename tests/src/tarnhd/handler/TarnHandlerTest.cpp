@@ -25,17 +25,12 @@ const TarnpatchStatus statusKeys{nullptr};
 const HostSettings hostKeys{nullptr};
 const RemoteInstallationSettings& install = keys.remoteOperations.installUpdates;
 
-/// Nothing of the system: it is itself the launcher, storage and atom that it gives out.
-class FakeCommonFactory : public common::CommonFactory,
-                          public common::IUpdaterLauncher,
-                          public common::IPatchStorage,
-                          public common::IGlobalAtom {
-public:
+/// It is itself the launcher and the atom that it gives out. Of the system are the events and the patch storage.
+struct FakeCommonFactory : common::CommonFactory, common::IUpdaterLauncher, common::IGlobalAtom {
     std::shared_ptr<support::FakeSettings> store = std::make_shared<support::FakeSettings>();
     std::atomic<int> storeError = 0; ///< what opening the store answers, until the retry callable gives up
     int goodOpenings = 0;            ///< that many succeed all the same
     bool atomExists = true;
-    std::atomic<bool> installationFinished = false; ///< with states, as the storage tells
     support::Record done;
 
     std::shared_ptr<settings::Settings> createSettings(const RetryCallback& retry) override
@@ -53,20 +48,10 @@ public:
     void startScanIfOlderThan(std::int64_t) override { done.add("tick"); }
     void startScanAt(std::int64_t) override {}
 
-    std::shared_ptr<common::IPatchStorage> createPatchStorage() override { return {notOwned, this}; }
-    bool clear() override { return false; }
-    bool savePatches(const common::PatchMap&) override { return false; }
-    bool loadPatches(common::PatchMap&, std::vector<common::ReportEvent>&) override { return false; }
-    bool addPatchState(const common::ReportEvent&) override { return false; }
-    bool reportInstallationFinished(bool) override { return false; }
-    bool isInstallationFinished() override { return installationFinished; }
-    bool hasPatchStates() override { return true; }
-
     std::shared_ptr<common::IGlobalAtom> createGlobalAtom(const std::wstring&) override { return {notOwned, this}; }
     bool exists() override { return atomExists; }
     bool create() override { return atomExists = true; }
 
-private:
     const std::shared_ptr<void> notOwned;
 };
 
@@ -119,6 +104,7 @@ struct FakeTarnhdFactory : TarnhdFactory {
 struct FakedHandler {
     FakedHandler()
     {
+        storage->clear();
         store.set(hostKeys.lastSuccessfulUpdateTimestamp, 1);
         store.set(statusKeys.enabled, true);
     }
@@ -126,6 +112,7 @@ struct FakedHandler {
     {
         handler.stop();
         expectEnd();
+        storage->clear();
     }
     void begin()
     {
@@ -161,6 +148,7 @@ struct FakedHandler {
     support::LogCapture log;
     std::shared_ptr<FakeCommonFactory> common = std::make_shared<FakeCommonFactory>();
     std::shared_ptr<FakeTarnhdFactory> factory = std::make_shared<FakeTarnhdFactory>(*common);
+    std::shared_ptr<common::IPatchStorage> storage = common->createPatchStorage();
     support::FakeSettings& store = *common->store;
     TarnHandler handler{common, factory};
     std::future<void> ended;
@@ -307,7 +295,8 @@ TEST_F(TarnHandlerTest, completesAFinishedDeploymentOnceThroughAFailureAndARunni
     store.set(keys.installation.completion.wait, true);
     store.set(keys.installation.inProgress, true);
     beginAndWait();
-    common->installationFinished = true;
+    storage->addPatchState({});
+    storage->reportInstallationFinished(true);
     // The fall of the flag is a change like any other.
     EXPECT_EQ(doneSince(2, 5), (Entries{"update", "scan", "update", "arguments -c complete", "scan"}));
     EXPECT_EQ(log.count("Failed to complete a deployment: no look"), 1u) << log.text();
