@@ -61,6 +61,6 @@ TEST(PatchRecords, refuseWrongTypesWithTheLibrarysErrorAndUnknownStates)
         EXPECT_EQ(error.id, 302) << text;
         EXPECT_THAT(error.what(), testing::HasSubstr(message)) << text;
     }
-    for (const char* text : {R"([{"status":{"value":"done"}}])", R"([{"installation_result":"done"}])"})
+    for (const char* text : {R"([{"status":{"value":"installation"}}])", R"([{"installation_result":"excluded "}])"})
         EXPECT_THROW(listFromJson<InstallationLogEntry>(json::parse(text)), std::invalid_argument) << text;
 }
