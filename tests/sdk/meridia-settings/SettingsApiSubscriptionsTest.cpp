@@ -1,9 +1,8 @@
 #include "changesubscription.h"
 #include "fakemeridia.h"
+#include "support/gate.h"
 #include "support/logcapture.h"
 #include "support/record.h"
-
-#include <future>
 
 using namespace vx;
 using testing::ElementsAre;
@@ -39,27 +38,27 @@ TEST_F(SettingsApiSubscriptionsTest, subscriptionsUseTheSecondHandleAndTheirReco
     EXPECT_THAT(calls, ElementsAre(L"Subscribe 2 n", L"Unsubscribe 2 n"));
 }
 
-TEST_F(SettingsApiSubscriptionsTest, refusedSubscriptionIsGoneAndCalledTwice)
+TEST_F(SettingsApiSubscriptionsTest, refusedSubscriptionIsCalledTwiceAndCancelsWhatTheSecondCallBrought)
 {
-    answer({3, 12});
-    EXPECT_EQ(Failure(3, L"Operation is not allowed, Setting: n"), failureOf([&] { subscribe(L"n"); }));
-    api->unsubscribeFromChanges(reinterpret_cast<settings::SubscriptionId>(userData));
-    EXPECT_EQ(2u, calls.size());
-    EXPECT_FALSE(isThere());
-}
-
-TEST_F(SettingsApiSubscriptionsTest, cancelsWhatTheSecondCallForARefusalsTextBrought)
-{
-    for (const int cancelled : {0, 5}) {
-        SCOPED_TRACE(cancelled);
+    const std::wstring twice[] = {L"Subscribe 2 n", L"Subscribe 2 n", L"Unsubscribe 2 n"};
+    const struct {
+        std::deque<int> answers;
+        std::wstring reason;
+        std::size_t calls;
+        bool staysThere;
+    } rows[] = {{{3, 12}, L"Operation is not allowed", 2, false},
+        {{3, 0, 0}, L"Operation completed successfully", 3, false},
+        {{3, 0, 5}, L"Operation completed successfully", 3, true}};
+    notifiesAtOnce = true;
+    for (const auto& [answers, reason, callsMade, staysThere] : rows) {
+        codes = answers;
         calls.clear();
-        notifiesAtOnce = true;
-        answer({3, 0, cancelled});
-        const Failure failure{3, L"Operation completed successfully, Setting: n"};
-        EXPECT_EQ(failure, failureOf([&] { subscribe(L"n"); }));
-        EXPECT_THAT(calls, ElementsAre(L"Subscribe 2 n", L"Subscribe 2 n", L"Unsubscribe 2 n"));
-        EXPECT_EQ(isThere(), cancelled != 0);
+        EXPECT_EQ(Failure(3, reason + L", Setting: n"), failureOf([&] { subscribe(L"n"); }));
+        EXPECT_EQ(calls, std::vector(twice, twice + callsMade));
+        EXPECT_EQ(isThere(), staysThere);
         notify(L"n");
+        api->unsubscribeFromChanges(reinterpret_cast<settings::SubscriptionId>(userData));
+        EXPECT_EQ(calls.size(), callsMade);
         EXPECT_THAT(changes, ElementsAre());
     }
 }
@@ -67,7 +66,7 @@ TEST_F(SettingsApiSubscriptionsTest, cancelsWhatTheSecondCallForARefusalsTextBro
 TEST_F(SettingsApiSubscriptionsTest, leavesNothingToALibraryThatForgotAtTheSecondCallForARefusalsText)
 {
     const auto id = subscribe(L"n");
-    answer({3, 0, 10});
+    codes = {3, 0, 10};
     EXPECT_EQ(Failure(3, L"Operation completed successfully"), failureOf([&] { api->unsubscribeFromChanges(id); }));
     EXPECT_EQ(Failure(10, L"Setting not found"), failureOf([&] { api->unsubscribeFromChanges(id); })) << "still listed";
     EXPECT_TRUE(isThere());
@@ -77,22 +76,21 @@ TEST_F(SettingsApiSubscriptionsTest, leavesNothingToALibraryThatForgotAtTheSecon
 
 TEST_F(SettingsApiSubscriptionsTest, anUnsubscriptionWaitsForADeliveryInFlight)
 {
-    std::promise<void> entered, release;
+    support::Gate gate;
     bool delivered = false;
     const auto id = api->subscribeForChanges(L"n", [&](const std::wstring&) {
-        entered.set_value();
-        release.get_future().wait();
+        gate.pass();
         delivered = true;
     });
     const auto notifier = std::async(std::launch::async, [this] { notify(L"n"); });
-    entered.get_future().wait();
+    gate.waitUntilEntered();
     auto seen = std::async(std::launch::async, [&] {
         api->unsubscribeFromChanges(id);
         return delivered;
     });
     EXPECT_TRUE(log.waitFor("subscriptionId: "));
     EXPECT_EQ(seen.wait_for(support::moment), std::future_status::timeout);
-    release.set_value();
+    gate.open();
     EXPECT_TRUE(seen.get());
 }
 
@@ -113,10 +111,10 @@ TEST_F(SettingsApiSubscriptionsTest, refusedUnsubscriptionStaysUsableUntilTheOwn
 {
     subscribe(L"a");
     const auto id = subscribe(L"b");
-    answer({3, 5});
+    codes = {3, 5};
     EXPECT_EQ(Failure(3, L"Access denied"), failureOf([&] { api->unsubscribeFromChanges(id); }));
     notify(L"b");
-    answer({0});
+    codes = {0};
     api->unsubscribeFromChanges(id);
     EXPECT_THAT(calls,
         ElementsAre(L"Subscribe 2 a", L"Subscribe 2 b", L"Unsubscribe 2 b", L"Unsubscribe 2 b", L"Unsubscribe 2 b"));

@@ -5,7 +5,6 @@
 
 #include <cstring>
 #include <deque>
-#include <set>
 
 /// A SettingsApi over the client library's functions with scripted answers. One at a time: the functions find the
 /// test through a global.
@@ -31,13 +30,11 @@ struct MeridiaTest : testing::Test {
         const auto failure = support::thrown<vx::QrlMeridiaException>(operation);
         return {static_cast<int>(failure.code()), failure.reason()};
     }
-    /// The next calls answer these codes, later ones the last of them.
-    void answer(std::initializer_list<int> answers) { codes = answers; }
     /// Sends a notification for the latest subscription.
     void notify(const wchar_t* settingName) const { notification(settingName, 3, nullptr, userData); }
 
+    std::deque<int> codes = {0};     ///< what the next calls answer, later ones the last of them
     std::vector<std::wstring> calls; ///< "SetString 1 name text": function, handle and arguments
-    std::set<void*> lentTexts;       ///< not yet given back
     std::wstring text;               ///< of the next text reads
     std::int64_t number = 0;         ///< of the next other reads
     Handle lastHandle = 0;
@@ -63,7 +60,6 @@ private:
     {
         auto* copy = new Character[test->text.size() + 1]{};
         std::copy(test->text.begin(), test->text.end(), copy);
-        test->lentTexts.insert(copy);
         return copy;
     }
     template <typename Result, typename Default>
@@ -95,10 +91,7 @@ private:
             *error = note(L"GetObject", handle, name);
             return lend<char>();
         };
-        table.freeString = [](void* lent) {
-            test->lentTexts.erase(lent);
-            ::operator delete[](lent);
-        };
+        table.freeString = [](void* lent) { ::operator delete[](lent); };
         table.setBool = set<std::int32_t>;
         table.setInt32 = set<std::int32_t>;
         table.setInt64 = set<std::int64_t>;
@@ -123,5 +116,4 @@ private:
     }
 
     static inline MeridiaTest* test = nullptr;
-    std::deque<int> codes = {0};
 };

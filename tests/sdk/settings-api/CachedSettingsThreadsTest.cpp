@@ -1,9 +1,8 @@
 #include "settings-api/cachedsettings.h"
 #include "support/fakesettings.h"
+#include "support/gate.h"
 
 #include <atomic>
-#include <functional>
-#include <future>
 #include <thread>
 
 using namespace vx::settings;
@@ -26,10 +25,8 @@ struct GatedStore : FakeSettings {
     }
     void passGate()
     {
-        if (!isArmed.exchange(false))
-            return;
-        arrived.set_value();
-        open.get_future().wait();
+        if (isArmed.exchange(false))
+            gate.pass();
     }
 
     /// Starts the call in a thread of its own and returns when it stands at the gate.
@@ -37,16 +34,16 @@ struct GatedStore : FakeSettings {
     {
         isArmed = true;
         held = std::async(std::launch::async, std::move(call));
-        arrived.get_future().wait();
+        gate.waitUntilEntered();
     }
     void letGo()
     {
-        open.set_value();
+        gate.open();
         held.get();
     }
 
     std::atomic<bool> isArmed{false};
-    std::promise<void> arrived, open;
+    support::Gate gate;
     std::future<void> held;
 };
 

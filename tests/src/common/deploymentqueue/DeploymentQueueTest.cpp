@@ -1,23 +1,21 @@
 #include "common/deploymentqueue/deploymentqueue.h"
 
-#include "settings-api/exceptions.h"
+#include "support/childtest.h"
 #include "support/fakesettings.h"
 #include "support/logcapture.h"
 #include "vxtl/globalmutex.h"
 
-#include <gmock/gmock.h>
-#include <nlohmann/json.hpp>
-
 #include <thread>
-
-#include <windows.h>
 
 namespace vx::tarn::common {
 namespace {
 
 using nlohmann::json;
+using testing::ElementsAre;
+using Texts = std::vector<std::string>;
 
-const std::wstring key = TarnpatchSettings(nullptr).installation.deploymentQueue.key();
+const TarnpatchSettings keys{nullptr};
+const auto& row = keys.installation.deploymentQueue;
 
 /// Carries out a write that is still on its way just before the list is read for that many times more.
 struct LateStore : support::FakeSettings {
@@ -31,7 +29,7 @@ struct LateStore : support::FakeSettings {
     int readsBefore = 0;
 };
 
-json items(const std::vector<std::string>& texts)
+json items(const Texts& texts)
 {
     json list = json::array();
     for (const std::string& text : texts)
@@ -42,14 +40,14 @@ json items(const std::vector<std::string>& texts)
 struct DeploymentQueueTest : testing::Test {
     std::shared_ptr<LateStore> store = std::make_shared<LateStore>();
     std::shared_ptr<sync::GlobalMutex> mutex =
-        std::make_shared<sync::GlobalMutex>(L"DeploymentQueueTest" + std::to_wstring(GetCurrentProcessId()));
+        std::make_shared<sync::GlobalMutex>(support::uniqueName(L"DeploymentQueueTest"));
     DeploymentQueue queue{support::FakeSettings::handle(store), mutex};
     support::LogCapture log{4};
 
-    std::vector<std::string> texts()
+    Texts texts() const
     {
-        std::vector<std::string> result;
-        for (const json& item : store->getJsonValue(key))
+        Texts result;
+        for (const json& item : store->get(row))
             result.push_back(item["update_id"]);
         return result;
     }
@@ -62,9 +60,15 @@ struct DeploymentQueueTest : testing::Test {
 
 TEST_F(DeploymentQueueTest, keepsTheOrderAndRefusesDuplicates)
 {
+    EXPECT_TRUE(queue.isEmpty());
+    EXPECT_EQ(queue.getFront(), L"");
+    queue.pop();
+    EXPECT_FALSE(queue.remove(L"ALL"));
+    EXPECT_EQ(log.count("Deployment queue is empty"), 2u) << log.text();
+    EXPECT_TRUE(store->writes().empty());
     for (const wchar_t* text : {L"ALL", L"CRITICAL", L"ALL", L"all"})
         queue.pushBack(text);
-    EXPECT_THAT(texts(), testing::ElementsAre("ALL", "CRITICAL", "all"));
+    EXPECT_THAT(texts(), ElementsAre("ALL", "CRITICAL", "all"));
     EXPECT_TRUE(log.has(3, "Deployment item \"ALL\" already exists in the deployment queue, will be skipped."))
         << log.text();
     EXPECT_TRUE(queue.remove(L"CRITICAL"));
@@ -73,41 +77,34 @@ TEST_F(DeploymentQueueTest, keepsTheOrderAndRefusesDuplicates)
     queue.pop();
     EXPECT_EQ(queue.getFront(), L"all");
     EXPECT_FALSE(queue.isEmpty());
-    const std::string id = store->getJsonValue(key)[0]["operation_id"];
+    const std::string id = store->get(row)[0]["operation_id"];
     EXPECT_EQ(id.size(), 13u) << id;
-}
-
-TEST_F(DeploymentQueueTest, answersFromAnEmptyListWithoutWriting)
-{
-    EXPECT_TRUE(queue.isEmpty());
-    EXPECT_EQ(queue.getFront(), L"");
-    queue.pop();
-    EXPECT_FALSE(queue.remove(L"ALL"));
-    EXPECT_EQ(log.count("Deployment queue is empty"), 2u) << log.text();
-    EXPECT_TRUE(store->writes().empty());
 }
 
 TEST_F(DeploymentQueueTest, writesForeignItemsInItsOwnFormAtAPush)
 {
     const json other{{"operation_id", "1"}, {"update_id", "ALL"}};
-    store->setJsonValue(key, {{{"unknown", 1}, {"update_id", "CRITICAL"}}, other});
+    store->set(row, {{{"unknown", 1}, {"update_id", "CRITICAL"}}, other});
     queue.pushBack(L"IMPORTANT");
-    const json list = store->getJsonValue(key);
+    const json list = store->get(row);
     EXPECT_EQ(list[0], json({{"operation_id", ""}, {"update_id", "CRITICAL"}}));
     EXPECT_EQ(list[1], other);
     EXPECT_EQ(list[2]["update_id"], "IMPORTANT");
 }
 
-TEST_F(DeploymentQueueTest, reportsAMalformedListAndNeverRepairsIt)
+TEST_F(DeploymentQueueTest, reportsAMalformedListAndAStoreThatFailsAndRepairsNothing)
 {
-    store->setJsonValue(key, "garbage");
+    store->set(row, "garbage");
     EXPECT_TRUE(queue.isEmpty());
     EXPECT_EQ(queue.getFront(), L"");
     EXPECT_FALSE(queue.remove(L"ALL"));
     EXPECT_THROW(queue.pushBack(L"ALL"), json::type_error);
-    EXPECT_EQ(store->getJsonValue(key), "garbage");
+    EXPECT_EQ(store->get(row), "garbage");
     EXPECT_TRUE(log.has(3, "type must be array, but is string")) << log.text();
     EXPECT_TRUE(log.has(2, "type must be array, but is string")) << log.text();
+    store->fail(row.key(), [] { VX_THROW(settings::ServerUnreachableException, row.key()); });
+    EXPECT_NO_THROW(queue.pushBack(L"ALL")) << "it is lost";
+    EXPECT_TRUE(log.has(2, "Settings server is unreachable")) << log.text();
     // The mutex was given back each time, or another thread would wait for ever.
     std::thread([&] {
         EXPECT_TRUE(mutex->tryLock(0));
@@ -115,34 +112,8 @@ TEST_F(DeploymentQueueTest, reportsAMalformedListAndNeverRepairsIt)
     }).join();
 }
 
-TEST_F(DeploymentQueueTest, losesAnItemWhenTheStoreFailsAndSaysSo)
-{
-    store->fail(key, std::make_exception_ptr(settings::ServerUnreachableException(key, L"f", L"file", 1)));
-    EXPECT_NO_THROW(queue.pushBack(L"ALL"));
-    EXPECT_TRUE(log.has(2, "Settings server is unreachable")) << log.text();
-}
-
-TEST_F(DeploymentQueueTest, losesNothingWhenManyPushAndPopAtOnce)
-{
-    std::vector<std::thread> threads;
-    for (int t = 0; t < 4; ++t)
-        threads.emplace_back([&, t] {
-            DeploymentQueue own(support::FakeSettings::handle(store), mutex);
-            for (int i = 0; i < 50; ++i) {
-                own.pushBack(std::to_wstring(t) + L"-" + std::to_wstring(i));
-                if (i % 2) {
-                    EXPECT_TRUE(own.remove(std::to_wstring(t) + L"-" + std::to_wstring(i - 1)));
-                }
-            }
-        });
-    for (std::thread& thread : threads)
-        thread.join();
-    EXPECT_EQ(texts().size(), 100u);
-}
-
 TEST_F(DeploymentQueueTest, keepsItsChangeWhenADeadProcessesWriteComesLate)
 {
-    using Texts = std::vector<std::string>;
     const struct {
         const char* label;
         void (*operate)(DeploymentQueue&);
@@ -160,16 +131,16 @@ TEST_F(DeploymentQueueTest, keepsItsChangeWhenADeadProcessesWriteComesLate)
         {"look at the front", [](auto& q) { EXPECT_EQ(q.getFront(), L"b"); }, {"b"}, {"b"}},
         {"look for any", [](auto& q) { EXPECT_TRUE(q.isEmpty()); }, {}, {}},
     };
-    for (const auto& row : rows)
+    for (const auto& [label, operate, late, left] : rows)
         for (const int readsBefore : {2, 12, 21}) {
-            SCOPED_TRACE(row.label + (" before read " + std::to_string(readsBefore)));
-            store->setJsonValue(key, items({"a", "b"}));
-            store->late = [&] { return items(row.late); };
+            SCOPED_TRACE(label + (" before read " + std::to_string(readsBefore)));
+            store->set(row, items({"a", "b"}));
+            store->late = [&] { return items(late); };
             store->readsBefore = readsBefore;
             dieWithin();
-            row.operate(queue);
+            operate(queue);
             EXPECT_EQ(store->readsBefore, 0);
-            EXPECT_EQ(texts(), row.left);
+            EXPECT_EQ(texts(), left);
         }
 }
 

@@ -15,11 +15,8 @@ TEST(CreateSettings, triesAsOftenAsTheCallerWants)
         const char* label;
         int failures, code, patience; ///< code: 0 for no store error; patience: with how many, -1 for no callable
         int attempts;
-        bool opens;
-    } rows[] = {{"no failure", 0, 3, 0, 1, true}, {"no patience", 9, 3, 0, 1, false},
-        {"no callable", 9, 3, -1, 1, false}, {"given up after two", 9, 3, 2, 3, false},
-        {"comes back", 2, 3, 5, 3, true}, {"other store error", 1, 5, 5, 2, true},
-        {"not a store error", 9, 0, 5, 1, false}};
+    } rows[] = {{"no callable", 9, 3, -1, 1}, {"given up after two", 9, 3, 2, 3}, {"comes back", 2, 3, 5, 3},
+        {"other store error", 1, 5, 5, 2}, {"not a store error", 9, 0, 5, 1}};
     for (const auto& row : rows) {
         SCOPED_TRACE(row.label);
         const support::LogCapture log;
@@ -39,14 +36,14 @@ TEST(CreateSettings, triesAsOftenAsTheCallerWants)
             };
         try {
             EXPECT_NE(tarn::common::createSettings(make, retry), nullptr);
-            EXPECT_TRUE(row.opens);
+            EXPECT_GT(attempts, row.failures);
         } catch (const QrlMeridiaException& e) {
-            EXPECT_FALSE(row.opens);
+            EXPECT_LE(attempts, row.failures);
             EXPECT_EQ(e.code(), QrlMeridiaError_enum::ServerUnreachable);
             EXPECT_THAT(e.what(), testing::HasSubstr(", Function: vx::tarn::common::CommonFactory::createSettings, "));
         }
         EXPECT_EQ(attempts, row.attempts);
-        EXPECT_EQ(log.has(5, "Error Code : " + std::to_string(row.code)), row.failures > 0 && row.code != 0);
+        EXPECT_EQ(log.has(5, "Error Code : " + std::to_string(row.code)), row.code != 0);
         EXPECT_EQ(log.has(2, "Exception caught: no library"), row.code == 0);
     }
 }

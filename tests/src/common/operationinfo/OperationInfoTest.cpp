@@ -3,12 +3,12 @@
 #include "common/patches/updateid.h"
 #include "support/logcapture.h"
 
-#include <gmock/gmock.h>
-
 using namespace vx::tarn::common;
 using testing::UnorderedElementsAre;
 
 namespace {
+
+constexpr auto guid = L"00112233-4455-6677-8899-AABBCCDDEEFF";
 
 PatchInfo patch(std::uint16_t severity = 0)
 {
@@ -18,7 +18,7 @@ PatchInfo patch(std::uint16_t severity = 0)
     info.servicePack = L"SP1";
     info.updateName = L"n";
     info.severity = severity;
-    info.specifier.id = L"00112233-4455-6677-8899-AABBCCDDEEFF";
+    info.specifier.id = guid;
     return info;
 }
 
@@ -70,7 +70,7 @@ TEST(OperationInfo, readsListsOfIdsAndGuids)
 
     support::LogCapture log(3);
     const OperationInfo guids(L"GUID=00112233-4455-6677-8899-aabbccddeeff&00000000-0000-0000-0000-000000000000&zz");
-    EXPECT_THAT(guids.guids(), UnorderedElementsAre(L"00112233-4455-6677-8899-AABBCCDDEEFF"));
+    EXPECT_THAT(guids.guids(), UnorderedElementsAre(guid));
     EXPECT_EQ(log.text(), "Failed to parse GUID: zz. Exception caught: Bad GUID format\n");
     EXPECT_TRUE(guids.isApplicable(patch()));
     EXPECT_FALSE(guids.isApplicable(other)) << "case counts";
@@ -90,7 +90,7 @@ TEST(ParametricRule, matchesAnyParameterInOrder)
         {L"SEVERITY=+2abc", true},
         {L"SEVERITY=3", false},
         {L"SEVERITY=x;PRODUCT=a", false, "Failed to convert severity to number: invalid stoi argument\n"},
-        {L"SEVERITY=99999999999;PRODUCT=a", false,
+        {L"SEVERITY=2147483648;PRODUCT=a", false,
             "Failed to convert severity because of out of range exception: stoi argument out of range\n"},
         {L"PRODUCT=a;SEVERITY=x", true},
         {L"PRODUCT=a=b", false, "Failed to parse a parametric rule: PRODUCT=a=b\n"},

@@ -10,14 +10,19 @@ using tarn::common::Process;
 // A program that every Windows has.
 const std::wstring shell = L"C:\\windows\\system32\\cmd.exe";
 
-TEST(CommonProcess, holdsTheChildOfTheLastStartThatWorked)
+TEST(CommonProcess, holdsTheChildOfTheLastStartThatWorkedAndLogsNoPassword)
 {
     Process process;
-    support::LogCapture log;
+    support::LogCapture log(6);
     const auto failsToStart = [&] { return !process.start(L"nosuchprogram.exe", 0, process::Redirect::None, nullptr); };
     EXPECT_TRUE(failsToStart());
     EXPECT_FALSE(process.start(L"nosuchprogram.exe", L"", process::Credentials()));
     EXPECT_EQ(log.count("Failed to start process. Exception caught: Type: "), 2u) << log.text();
+    for (const wchar_t* password : {L"s3cret", L""})
+        EXPECT_FALSE(process.start(shell, L"/c exit 0", {L".", L"no such user", password}));
+    EXPECT_EQ(log.count(".\\no such user:<password>'"), 1u) << log.text();
+    EXPECT_EQ(log.count(".\\no such user:<no password>'"), 1u) << log.text();
+    EXPECT_EQ(log.count("s3cret"), 0u) << log.text();
     EXPECT_FALSE(process.getHandle());
     EXPECT_THROW(process.wait(), Win32Exception);
     EXPECT_THROW(process.getReturnCode(), Win32Exception);
@@ -30,14 +35,4 @@ TEST(CommonProcess, holdsTheChildOfTheLastStartThatWorked)
     process.wait();
     EXPECT_EQ(process.getReturnCode(), 8u);
     EXPECT_NE(process.getHandle(), first);
-}
-
-TEST(CommonProcess, keepsThePasswordOutOfTheLog)
-{
-    support::LogCapture log(6);
-    for (const wchar_t* password : {L"s3cret", L""})
-        Process().start(shell, L"/c exit 0", {L".", L"no such user", password});
-    EXPECT_EQ(log.count(".\\no such user:<password>'"), 1u) << log.text();
-    EXPECT_EQ(log.count(".\\no such user:<no password>'"), 1u) << log.text();
-    EXPECT_EQ(log.count("s3cret"), 0u) << log.text();
 }

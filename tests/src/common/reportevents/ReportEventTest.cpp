@@ -1,6 +1,5 @@
 #include "common/reportevents/reportevent.h"
 
-#include <gmock/gmock.h>
 #include <nlohmann/json.hpp>
 
 using namespace vx::tarn::common;

@@ -1,8 +1,8 @@
 #include "common/serviceproxy/serviceproxy.h"
 #include "common/event/event.h"
+#include "support/thrown.h"
 #include "vxtl/win32exception.h"
 
-#include <gtest/gtest.h>
 #include <windows.h>
 
 using namespace std::chrono_literals;
@@ -23,6 +23,11 @@ bool startWhenTheSystemIsReady(ServiceProxy& proxy)
                 throw;
         }
     return false;
+}
+
+std::string failureOf(ServiceOperation& operation)
+{
+    return support::thrown<std::logic_error>([&] { operation.wait(); }).what();
 }
 
 } // namespace
@@ -50,10 +55,22 @@ TEST(ServiceWaitLoop, endsWithTheStateTheTimeoutOrTheCancel)
     EXPECT_TRUE(waitForState(stopsAtThirdLook, ServiceState::Stopped, 30s, 1ms, nullptr));
     EXPECT_EQ(looks, 3);
     const auto neverStops = [] { return ServiceState::Running; };
-    EXPECT_FALSE(waitForState(neverStops, ServiceState::Stopped, 5ms, 1ms, nullptr));
     const auto cancel = Event::createManualResetEvent({}, false);
     EXPECT_FALSE(waitForState(neverStops, ServiceState::Stopped, 5ms, 1ms, cancel.get()));
     cancel->set();
     // Neither the time-out nor the pause may be what ends this one.
     EXPECT_FALSE(waitForState(neverStops, ServiceState::Stopped, 24h, 24h, cancel.get()));
+}
+
+TEST(ServiceOperation, waitsOnceOnlyAndLeavesNothingBehindWhenMoved)
+{
+    for (const bool answer : {true, false}) {
+        ServiceOperation source([=](const IWaitable*) { return answer; });
+        ServiceOperation target(std::move(source));
+        EXPECT_EQ(failureOf(source), "Subsequent call to wait");
+        source = std::move(target);
+        EXPECT_EQ(failureOf(target), "Subsequent call to wait");
+        EXPECT_EQ(source.wait(), answer);
+        EXPECT_EQ(failureOf(source), "Subsequent call to wait");
+    }
 }

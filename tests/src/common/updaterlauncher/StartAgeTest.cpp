@@ -1,7 +1,5 @@
 #include "common/updaterlauncher/startage.h"
 
-#include <gtest/gtest.h>
-
 TEST(StartAge, isExactForAllIntervals)
 {
     constexpr std::int64_t now = 17'092'100'960'000'000;

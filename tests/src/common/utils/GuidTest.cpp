@@ -1,7 +1,5 @@
 #include "common/utils/guid.h"
 
-#include <gmock/gmock.h>
-
 #include <stdexcept>
 
 using namespace vx::tarn::common::utils;

@@ -1,7 +1,5 @@
 #include "common/utils/timetext.h"
 
-#include <gtest/gtest.h>
-
 #include <cstdlib>
 #include <ctime>
 #include <cwchar>

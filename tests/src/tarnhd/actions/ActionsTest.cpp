@@ -29,21 +29,24 @@ struct FakeFactory : common::CommonFactory, common::IUpdaterLauncher {
     Calls calls;
 };
 
-class ActionsTest : public testing::Test {
-protected:
+struct ActionsTest : testing::Test {
     Calls callsOf(ActionBase& action)
     {
         factory.calls.clear();
         EXPECT_EQ(action.execute(), common::exitstatus::success);
         return factory.calls;
     }
+    void setDeployment(bool wait, bool inProgress, int timestamp)
+    {
+        store->set(completion.wait, wait);
+        store->set(settings.installation.inProgress, inProgress);
+        store->set(completion.timestamp, timestamp);
+    }
 
     support::FakeClock clock;
     std::shared_ptr<support::FakeSettings> store = std::make_shared<support::FakeSettings>();
     TarnpatchSettings settings{support::FakeSettings::handle(store)};
     const CompletionSettings& completion = settings.installation.completion;
-    const std::wstring wait = completion.wait.key();
-    const std::wstring inProgress = settings.installation.inProgress.key();
     FakeFactory factory;
 };
 
@@ -51,29 +54,22 @@ TEST_F(ActionsTest, scanIfExpiredComparesWithThePeriodInSeconds)
 {
     ScanIfExpired action(&factory, &settings);
     EXPECT_EQ(callsOf(action), Calls{"older 86400"});
-    store->setInt32Value(settings.scanning.automatic.maximumRescanningPeriod.key(), 2'000'000'000);
+    store->set(settings.scanning.automatic.maximumRescanningPeriod, 2'000'000'000);
     EXPECT_EQ(callsOf(action), Calls{"older 7200000000000"});
 }
 
-TEST_F(ActionsTest, scanOnceAsksFromItsTimeOnUnlessADeploymentIsWaitedFor)
+TEST_F(ActionsTest, scansWaitForTheirTimeAndForADeployment)
 {
-    ScanOnce action(&factory, &settings, clock.now + 1, clock.function());
-    EXPECT_EQ(callsOf(action), Calls{});
-    ++clock.now;
-    store->setBoolValue(wait, true);
-    EXPECT_EQ(callsOf(action), Calls{});
-    store->setBoolValue(wait, false);
-    EXPECT_EQ(callsOf(action), Calls{"start"});
-}
-
-TEST_F(ActionsTest, startupScanAsksWithTheObjectsAgeUnlessADeploymentIsWaitedFor)
-{
-    StartupAutoScan action(&factory, &settings, clock.function());
+    ScanOnce once(&factory, &settings, clock.now + 61'999 * ticksPerMillisecond, clock.function());
+    StartupAutoScan startup(&factory, &settings, clock.function());
+    EXPECT_EQ(callsOf(once), Calls{});
     clock.advance(std::chrono::milliseconds(61'999));
-    store->setBoolValue(wait, true);
-    EXPECT_EQ(callsOf(action), Calls{});
-    store->setBoolValue(wait, false);
-    EXPECT_EQ(callsOf(action), Calls{"older 61"});
+    store->set(completion.wait, true);
+    EXPECT_EQ(callsOf(once), Calls{});
+    EXPECT_EQ(callsOf(startup), Calls{});
+    store->set(completion.wait, false);
+    EXPECT_EQ(callsOf(once), Calls{"start"});
+    EXPECT_EQ(callsOf(startup), Calls{"older 61"}) << "the object's age";
 }
 
 TEST_F(ActionsTest, startupScanDelayHasThePartOfAnUnseededGenerator)
@@ -85,8 +81,8 @@ TEST_F(ActionsTest, startupScanDelayHasThePartOfAnUnseededGenerator)
     } rows[] = {{3, 799, {3, 453, 157, 649}}, {3, 800, {4, 453, 157, 649}},
         {2'000'000'000, 1, {2'000'000'000, 2'000'000'000, 2'000'000'000, 2'000'000'000}}};
     for (const auto& row : rows) {
-        store->setInt32Value(startup.delay.key(), row.delay);
-        store->setInt32Value(startup.randomizationInterval.key(), row.interval);
+        store->set(startup.delay, row.delay);
+        store->set(startup.randomizationInterval, row.interval);
         // Another module of the host may have drawn on this thread, or seeded the generator.
         std::srand(row.interval);
         StartupAutoScan action(&factory, &settings);
@@ -98,7 +94,7 @@ TEST_F(ActionsTest, startupScanDelayHasThePartOfAnUnseededGenerator)
 
 TEST_F(ActionsTest, watchdogGivesUpOnTheDeploymentThatItFound)
 {
-    store->setInt32Value(completion.timeout.key(), 20);
+    store->set(completion.timeout, 20);
     const struct {
         const char* name;
         bool waitBefore, progressBefore, waitAfter, progressAfter;
@@ -113,17 +109,13 @@ TEST_F(ActionsTest, watchdogGivesUpOnTheDeploymentThatItFound)
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(row.name);
-        store->setBoolValue(wait, row.waitBefore);
-        store->setBoolValue(inProgress, row.progressBefore);
-        store->setInt64Value(completion.timestamp.key(), 7);
+        setDeployment(row.waitBefore, row.progressBefore, 7);
         StartupDeployWatchdog action(&factory, &settings);
         EXPECT_EQ(action.getDelay(), minutes(row.delay));
-        store->setBoolValue(wait, row.waitAfter);
-        store->setBoolValue(inProgress, row.progressAfter);
-        store->setInt64Value(completion.timestamp.key(), row.timeAfter);
+        setDeployment(row.waitAfter, row.progressAfter, row.timeAfter);
         EXPECT_EQ(callsOf(action), Calls{});
-        EXPECT_EQ(store->getBoolValue(wait), row.waitAfter && !row.resets);
-        EXPECT_EQ(store->getBoolValue(inProgress), row.progressAfter && !row.resets);
+        EXPECT_EQ(store->get(completion.wait), row.waitAfter && !row.resets);
+        EXPECT_EQ(store->get(settings.installation.inProgress), row.progressAfter && !row.resets);
     }
 }
 

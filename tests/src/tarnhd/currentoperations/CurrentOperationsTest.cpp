@@ -5,72 +5,64 @@
 #include "support/logcapture.h"
 #include "vxtl/str.h"
 
-#include <gmock/gmock.h>
-#include <nlohmann/json.hpp>
-
 namespace vx::tarn {
 namespace {
 
 using nlohmann::json;
-
-const TarnpatchSettings keys{nullptr};
-const TarnpatchStatus statusKeys{nullptr};
-const std::wstring queueKey = keys.installation.deploymentQueue.key();
-const std::wstring missingKey = statusKeys.scanning.lastScanning.missingUpdates.key();
-const std::wstring logKey = statusKeys.installation.log.entries.key();
-const std::wstring resultKey = keys.currentStatus.patchesToInstall.key();
+using testing::ElementsAre;
 
 struct CurrentOperationsTest : testing::Test {
     std::shared_ptr<support::FakeSettings> store = std::make_shared<support::FakeSettings>();
+    const TarnpatchSettings settings{support::FakeSettings::handle(store)};
+    const TarnpatchStatus status{support::FakeSettings::handle(store)};
     CurrentOperations operations{support::FakeSettings::handle(store)};
 
     static std::string id(const std::string& name)
     {
         return str::toUtf8(common::deriveUpdateId(L"", L"", L"", str::fromUtf8(name)));
     }
-    void queue(const std::string& text) { store->setJsonValue(queueKey, json::array({{{"update_id", text}}})); }
+    void queue(const char* text) { store->set(settings.installation.deploymentQueue, {{{"update_id", text}}}); }
     void missing(std::initializer_list<const char*> names)
     {
         json list = json::array();
         for (const char* name : names)
             list.push_back({{"update_name", name}, {"update_id", "stale"}, {"severity", 1}});
-        store->setJsonValue(missingKey, list);
+        store->set(status.scanning.lastScanning.missingUpdates, list);
     }
-    static json entry(const std::string& name, const char* state)
+    /// Name and state of each entry.
+    void logged(std::initializer_list<std::pair<const char*, const char*>> entries)
     {
-        return {{"update_id", id(name)}, {"status", {{"value", state}, {"code", "c"}}}};
+        json list = json::array();
+        for (const auto& [name, state] : entries)
+            list.push_back({{"update_id", id(name)}, {"status", {{"value", state}, {"code", "c"}}}});
+        store->set(status.installation.log.entries, list);
     }
-    /// The published list as "name:state" texts.
+    json list() const { return store->get(settings.currentStatus.patchesToInstall); }
+    /// What is published now as "name:state" texts.
     std::vector<std::string> published()
     {
         operations.update();
         std::vector<std::string> result;
-        for (const json& patch : store->getJsonValue(resultKey)) {
+        for (const json& patch : list()) {
             EXPECT_EQ(patch["update_id"], id(patch["update_name"]));
-            result.push_back(
-                patch["update_name"].get<std::string>() + ":" + patch["status"]["value"].get<std::string>());
+            result.push_back(std::string(patch["update_name"]) + ":" + std::string(patch["status"]["value"]));
         }
         return result;
     }
 };
 
-TEST_F(CurrentOperationsTest, publishesAnEmptyListFromAnEmptyStore)
-{
-    EXPECT_THAT(published(), testing::IsEmpty());
-    EXPECT_TRUE(store->getJsonValue(resultKey).is_array());
-}
-
 TEST_F(CurrentOperationsTest, mergesQueueMissingUpdatesAndLog)
 {
+    EXPECT_THAT(published(), ElementsAre());
+    EXPECT_TRUE(list().is_array());
     missing({"new", "running", "failed", "done", "excluded", "twice"});
-    store->setJsonValue(logKey, {entry("running", "installation_executing"), entry("failed", "installation_failed"),
-                                    entry("done", "installation_completed"), entry("excluded", "installation_excluded"),
-                                    entry("twice", "file_downloading"), entry("twice", "installation_completed"),
-                                    entry("gone", "installation_failed")});
+    logged({{"running", "installation_executing"}, {"failed", "installation_failed"},
+        {"done", "installation_completed"}, {"excluded", "installation_excluded"}, {"twice", "file_downloading"},
+        {"twice", "installation_completed"}, {"gone", "installation_failed"}});
     EXPECT_THAT(published(),
-        testing::ElementsAre("running:installation_executing", "failed:installation_failed", "twice:file_downloading"));
+        ElementsAre("running:installation_executing", "failed:installation_failed", "twice:file_downloading"));
     queue("ALL");
-    EXPECT_THAT(published(), testing::ElementsAre("new:installation_requested", "running:installation_executing",
+    EXPECT_THAT(published(), ElementsAre("new:installation_requested", "running:installation_executing",
                                  "failed:installation_failed", "twice:file_downloading"));
     queue("critical");
     EXPECT_EQ(published().size(), 3u);
@@ -86,23 +78,23 @@ TEST_F(CurrentOperationsTest, publishesTheSameWhetherOrNotTheScanWroteEveryKeyAs
     const std::pair<const char*, json> changes[] = {{"/unknown", 1}, {"/vendor", nullptr}, {"/severity", 1.5},
         {"/severity", 65537}, {"/category", 65536}, {"/category", -65536}, {"/patch_specifier/region", UINT64_MAX},
         {"/patch_specifier/unknown", 1}};
-    json list(2, complete);
-    list[0].erase("vendor");
+    json given(2, complete);
+    given[0].erase("vendor");
     for (const auto& [where, value] : changes)
-        list.emplace_back(complete)[json::json_pointer(where)] = value;
-    store->setJsonValue(missingKey, list);
+        given.emplace_back(complete)[json::json_pointer(where)] = value;
+    store->set(status.scanning.lastScanning.missingUpdates, given);
     queue("ALL");
     published();
     json expected = complete;
     expected["update_id"] = id("a");
     expected["status"] = {{"value", "installation_requested"}, {"code", ""}};
-    EXPECT_EQ(store->getJsonValue(resultKey).dump(), json(list.size(), expected).dump());
+    EXPECT_EQ(list().dump(), json(given.size(), expected).dump());
 }
 
 TEST_F(CurrentOperationsTest, warnsOfABadRuleAtEachPatchAlsoALoggedOne)
 {
     missing({"a", "b"});
-    store->setJsonValue(logKey, json::array({entry("a", "installation_failed")}));
+    logged({{"a", "installation_failed"}});
     queue("SEVERITY=x");
     support::LogCapture log;
     published();
@@ -114,11 +106,11 @@ TEST_F(CurrentOperationsTest, leavesThePublishedListAloneWhenAnInputIsMalformed)
     missing({"a"});
     queue("ALL");
     published();
-    store->setJsonValue(logKey, json::array({{{"status", {{"value", "dancing"}}}}}));
+    logged({{"a", "dancing"}});
     EXPECT_THROW(operations.update(), std::invalid_argument);
-    store->setJsonValue(logKey, "no list");
+    store->set(status.installation.log.entries, "no list");
     EXPECT_THROW(operations.update(), json::type_error);
-    EXPECT_EQ(store->getJsonValue(resultKey).size(), 1u);
+    EXPECT_EQ(list().size(), 1u);
 }
 
 } // namespace

@@ -4,12 +4,7 @@
 #include "tarnhd/currentoperations/currentoperations.h"
 #include "vxtl/crypto.h"
 
-#include <gmock/gmock.h>
-#include <nlohmann/json.hpp>
-
-namespace {
-int hashes = 0;
-}
+static int hashes = 0;
 
 namespace vx::crypto {
 
@@ -29,24 +24,22 @@ std::wstring toBase64String(std::span<const std::uint8_t> bytes)
 namespace vx::tarn {
 namespace {
 
-using nlohmann::json;
-
 TEST(Derivations, areOneAPatchAndPassWhateverLogAndFilters)
 {
     const auto store = std::make_shared<support::FakeSettings>();
-    const TarnpatchSettings keys{nullptr};
-    const TarnpatchStatus statusKeys{nullptr};
-    store->setJsonValue(statusKeys.scanning.lastScanning.missingUpdates.key(),
+    const TarnpatchSettings settings{support::FakeSettings::handle(store)};
+    const TarnpatchStatus status{support::FakeSettings::handle(store)};
+    store->set(status.scanning.lastScanning.missingUpdates,
         {{{"update_name", "a"}}, {{"update_name", "b"}}, {{"update_name", "c"}}});
-    store->setJsonValue(statusKeys.installation.log.entries.key(), {{{"update_id", "x"}}});
-    store->setJsonValue(keys.installation.deploymentQueue.key(),
+    store->set(status.installation.log.entries, {{{"update_id", "x"}}});
+    store->set(settings.installation.deploymentQueue,
         {{{"update_id", "ID=x&y"}}, {{"update_id", "ID=z"}}, {{"update_id", "GUID=z"}}, {{"update_id", "ALL"}}});
     CurrentOperations operations(support::FakeSettings::handle(store));
     for (const int expected : {3, 6}) {
         operations.update();
         EXPECT_EQ(hashes, expected);
     }
-    EXPECT_EQ(store->getJsonValue(keys.currentStatus.patchesToInstall.key()).size(), 3u);
+    EXPECT_EQ(store->get(settings.currentStatus.patchesToInstall).size(), 3u);
 }
 
 } // namespace

@@ -9,12 +9,11 @@
 #include "common/updaterlauncher/iupdaterlauncher.h"
 #include "logging/logstream.h"
 #include "support/fakesettings.h"
+#include "support/gate.h"
 #include "support/logcapture.h"
 #include "support/record.h"
 #include "tarnhd/factory/tarnhdfactory.h"
 #include "tarnhd/manager/tarnpatchmanager.h"
-
-#include <future>
 
 namespace vx::tarn {
 namespace {
@@ -23,38 +22,24 @@ using Entries = std::vector<std::string>;
 
 const TarnpatchSettings keys{nullptr};
 const TarnpatchStatus statusKeys{nullptr};
-const std::wstring profileKey = HostSettings(nullptr).lastSuccessfulUpdateTimestamp.key();
-const std::wstring statusEnabledKey = statusKeys.enabled.key();
-const std::wstring missingUpdatesKey = statusKeys.scanning.lastScanning.missingUpdates.key();
-const std::wstring restartNeededKey = statusKeys.installation.lastInstallation.restartComputerNeeded.key();
-const std::wstring startupScanKey = keys.scanning.automatic.scanningOnSystemStartup.enabled.key();
-const std::wstring waitKey = keys.installation.completion.wait.key();
-const std::wstring inProgressKey = keys.installation.inProgress.key();
-const std::wstring queueKey = keys.installation.deploymentQueue.key();
+const HostSettings hostKeys{nullptr};
 const RemoteInstallationSettings& install = keys.remoteOperations.installUpdates;
 
-/// Nothing of the system: it is itself the launcher, storage and atom that it gives out.
-class FakeCommonFactory : public common::CommonFactory,
-                          public common::IUpdaterLauncher,
-                          public common::IPatchStorage,
-                          public common::IGlobalAtom {
-public:
+/// It is itself the launcher and the atom that it gives out. Of the system are the events and the patch storage.
+struct FakeCommonFactory : common::CommonFactory, common::IUpdaterLauncher, common::IGlobalAtom {
     std::shared_ptr<support::FakeSettings> store = std::make_shared<support::FakeSettings>();
     std::atomic<int> storeError = 0; ///< what opening the store answers, until the retry callable gives up
     int goodOpenings = 0;            ///< that many succeed all the same
     bool atomExists = true;
-    std::atomic<bool> installationFinished = false; ///< with states, as the storage tells
     support::Record done;
 
     std::shared_ptr<settings::Settings> createSettings(const RetryCallback& retry) override
     {
-        const bool isGood = m_openings < goodOpenings;
-        while (const int error = isGood ? 0 : storeError.load()) {
+        for (const bool isGood = goodOpenings-- > 0; const int error = isGood ? 0 : storeError.load();) {
             logging::LogStream(logging::Level::Warning) << "no store";
             if (!retry(static_cast<meridia::QrlMeridiaError_enum>(error)))
                 throw std::runtime_error("store unreachable");
         }
-        ++m_openings;
         return support::FakeSettings::handle(store);
     }
     using CommonFactory::createSettings;
@@ -63,22 +48,11 @@ public:
     void startScanIfOlderThan(std::int64_t) override { done.add("tick"); }
     void startScanAt(std::int64_t) override {}
 
-    std::shared_ptr<common::IPatchStorage> createPatchStorage() override { return {notOwned, this}; }
-    bool clear() override { return false; }
-    bool savePatches(const common::PatchMap&) override { return false; }
-    bool loadPatches(common::PatchMap&, std::vector<common::ReportEvent>&) override { return false; }
-    bool addPatchState(const common::ReportEvent&) override { return false; }
-    bool reportInstallationFinished(bool) override { return false; }
-    bool isInstallationFinished() override { return installationFinished; }
-    bool hasPatchStates() override { return true; }
-
     std::shared_ptr<common::IGlobalAtom> createGlobalAtom(const std::wstring&) override { return {notOwned, this}; }
     bool exists() override { return atomExists; }
     bool create() override { return atomExists = true; }
 
-private:
     const std::shared_ptr<void> notOwned;
-    int m_openings = 0;
 };
 
 /// A manager without a thread.
@@ -130,13 +104,15 @@ struct FakeTarnhdFactory : TarnhdFactory {
 struct FakedHandler {
     FakedHandler()
     {
-        store.setInt64Value(profileKey, 1);
-        store.setBoolValue(statusEnabledKey, true);
+        storage->clear();
+        store.set(hostKeys.lastSuccessfulUpdateTimestamp, 1);
+        store.set(statusKeys.enabled, true);
     }
     ~FakedHandler()
     {
         handler.stop();
         expectEnd();
+        storage->clear();
     }
     void begin()
     {
@@ -155,16 +131,24 @@ struct FakedHandler {
         ASSERT_EQ(ended.wait_for(support::deadline), std::future_status::ready);
         ended.get();
     }
-    /// What is done once there are so many entries behind the first ones.
-    Entries doneAfter(std::size_t first, std::size_t count) const
+    /// What a change of the key makes it do, of which at least `count` entries.
+    template <typename Row>
+    Entries doneAt(const Row& key, const nlohmann::json& value, std::size_t count = 0)
     {
-        const Entries entries = common->done.waitFor(first + count);
-        return {entries.begin() + static_cast<std::ptrdiff_t>(first), entries.end()};
+        const std::size_t before = common->done.size();
+        store.set(key, value);
+        return doneSince(before, count);
+    }
+    Entries doneSince(std::size_t before, std::size_t count) const
+    {
+        const Entries entries = common->done.waitFor(before + count);
+        return {entries.begin() + static_cast<std::ptrdiff_t>(before), entries.end()};
     }
 
     support::LogCapture log;
     std::shared_ptr<FakeCommonFactory> common = std::make_shared<FakeCommonFactory>();
     std::shared_ptr<FakeTarnhdFactory> factory = std::make_shared<FakeTarnhdFactory>(*common);
+    std::shared_ptr<common::IPatchStorage> storage = common->createPatchStorage();
     support::FakeSettings& store = *common->store;
     TarnHandler handler{common, factory};
     std::future<void> ended;
@@ -174,64 +158,74 @@ class TarnHandlerTest : public testing::Test, protected FakedHandler {};
 
 TEST_F(TarnHandlerTest, waitsForTheProfileThroughFailuresAndThenDoesTheFirstRunsWork)
 {
+    const auto& restartNeeded = statusKeys.installation.lastInstallation.restartComputerNeeded;
+    const auto& profile = hostKeys.lastSuccessfulUpdateTimestamp;
     common->atomExists = false;
-    store.setBoolValue(restartNeededKey, true);
-    store.setBoolValue(startupScanKey, false);
-    store.breakDown(profileKey);
+    store.set(restartNeeded, true);
+    store.set(keys.scanning.automatic.scanningOnSystemStartup.enabled, false);
+    store.breakDown(profile.key());
     const auto writes = store.writes().size();
     begin();
     ASSERT_TRUE(log.waitFor("Failed to read the time of the last update: store is down", 2)) << log.text();
     EXPECT_EQ(store.writes().size(), writes);
     EXPECT_EQ(store.subscriptions(), 0u);
-    store.repair(profileKey);
+    store.repair(profile.key());
     common->done.waitFor(2);
     EXPECT_EQ(store.subscriptions(), 10u);
     EXPECT_TRUE(common->atomExists);
-    EXPECT_FALSE(store.getBoolValue(restartNeededKey));
+    EXPECT_EQ(store.get(restartNeeded), false);
     EXPECT_TRUE(log.has(4, "Scan on startup is not enabled.")) << log.text();
 }
 
-TEST(TarnHandler, endsOnAStopAtAnyMoment)
+TEST(TarnHandler, waitsForTheStoreAndEndsOnAStopAtAnyMoment)
 {
+    const auto unreachable = "Failed to initialize handler plugin: store unreachable";
+    const auto noProfile = "Meridia profile is not available yet.";
+    enum Then { Stops, Ends, Recovers };
     const struct {
         const char* moment; ///< a text in the log; none: before run
-        int storeError, goodOpenings;
+        Then then;
+        int storeError; ///< at each of the store's openings in turn
         bool profile;
         const char* logged;
     } rows[] = {
-        {"", 0, 0, true, "Plugin stop requested"},
-        {"", 0, 0, false, "Meridia profile is not available yet."},
-        {"", 3, 0, true, "Failed to initialize handler plugin: store unreachable"},
-        {"no store", 3, 0, true, "Failed to initialize handler plugin: store unreachable"},
-        {"no store", 3, 1, true, "Failed to initialize handler plugin: store unreachable"},
-        {"no store", 3, 2, true, "Failed to initialize handler plugin: store unreachable"},
-        {"last_successful_update_timestamp' not found", 0, 0, false, "Meridia profile is not available yet."},
-        {"Run processing", 0, 0, true, "Processing stopped"},
+        {"", Stops, 0, true, "Plugin stop requested"},
+        {"", Stops, 0, false, noProfile},
+        {"", Stops, 3, true, unreachable},
+        {"no store", Stops, 3, true, unreachable},
+        {"no store", Recovers, 3, true, "Processing stopped"},
+        {"no store", Ends, 5, true, unreachable},
+        {"Failed to read the time of the last update", Stops, 0, false, noProfile},
+        {"Run processing", Stops, 0, true, "Processing stopped"},
     };
-    for (const auto& row : rows) {
-        SCOPED_TRACE(row.moment + std::string(" ") + row.logged);
-        FakedHandler stopped;
-        stopped.common->storeError = row.storeError;
-        stopped.common->goodOpenings = row.goodOpenings;
-        if (!row.profile)
-            stopped.store.erase(profileKey);
-        if (!*row.moment)
-            stopped.handler.stop();
-        stopped.begin();
-        EXPECT_TRUE(stopped.log.waitFor(row.moment));
-        stopped.handler.stop();
-        stopped.handler.stop();
-        stopped.expectEnd();
-        EXPECT_EQ(stopped.store.subscriptions(), 0u);
-        EXPECT_FALSE(stopped.factory->manager && stopped.factory->manager->running);
-        EXPECT_GE(stopped.log.count(row.logged), 1u) << stopped.log.text();
-    }
+    for (const auto& [moment, then, storeError, profile, logged] : rows)
+        for (int goodOpenings = storeError ? 2 : 0; goodOpenings >= 0; --goodOpenings) {
+            SCOPED_TRACE(testing::Message() << moment << " " << logged << " " << goodOpenings);
+            FakedHandler started;
+            started.common->storeError = storeError;
+            started.common->goodOpenings = goodOpenings;
+            if (!profile)
+                started.store.set(hostKeys.lastSuccessfulUpdateTimestamp, nullptr);
+            if (!*moment)
+                started.handler.stop();
+            started.begin();
+            EXPECT_TRUE(started.log.waitFor(moment));
+            if (then == Recovers)
+                started.common->storeError = 0;
+            EXPECT_TRUE(then != Recovers || started.log.waitFor("Run processing"));
+            for (int stops = 0; then != Ends && stops < 2; ++stops)
+                started.handler.stop();
+            started.expectEnd();
+            EXPECT_EQ(started.store.subscriptions(), 0u);
+            EXPECT_FALSE(started.factory->manager && started.factory->manager->running);
+            EXPECT_GE(started.log.count(logged), 1u) << started.log.text();
+        }
 }
 
 TEST_F(TarnHandlerTest, stopsWhatAStopDuringTheStartCouldNotSee)
 {
     // The stop comes on the store's thread, between the objects' making and the start of the manager.
-    store.subscribeForChanges(statusEnabledKey, [this](const std::wstring&) { handler.stop(); });
+    store.subscribeForChanges(statusKeys.enabled.key(), [this](const std::wstring&) { handler.stop(); });
     begin();
     expectEnd();
     EXPECT_FALSE(factory->manager->running);
@@ -241,92 +235,56 @@ TEST_F(TarnHandlerTest, stopsWhatAStopDuringTheStartCouldNotSee)
 TEST_F(TarnHandlerTest, isOutOfReachAfterAStopDuringAnOutage)
 {
     beginAndWait();
-    std::promise<void> entered, release;
+    support::Gate gate;
     factory->manager->whileUpdating = [&] {
         store.breakDown();
         handler.stop(); // from inside a notification
-        entered.set_value();
-        release.get_future().wait();
+        gate.pass();
     };
-    const auto notifier = std::async(std::launch::async, [this] { store.setBoolValue(waitKey, true); });
-    entered.get_future().wait();
+    const auto& wait = keys.installation.completion.wait;
+    const auto notifier = std::async(std::launch::async, [&] { store.set(wait, true); });
+    gate.waitUntilEntered();
     EXPECT_TRUE(log.waitFor("Failed to unsubscribe from property: ", 20)) << log.text();
     EXPECT_EQ(ended.wait_for(support::moment), std::future_status::timeout);
-    release.set_value();
+    gate.open();
     expectEnd();
-    EXPECT_EQ(doneAfter(2, 2), (Entries{"update", "scan"})) << "the end has waited for the whole notification";
+    EXPECT_EQ(doneSince(2, 2), (Entries{"update", "scan"})) << "the end has waited for the whole notification";
     store.repair();
     EXPECT_EQ(store.subscriptions(), 10u);
-    store.setBoolValue(waitKey, false);
-    store.setBoolValue(L"windows.tarnpatch.enabled", false);
-    EXPECT_EQ(common->done.size(), 4u);
-}
-
-TEST(TarnHandler, waitsForAStoreThatCannotBeReachedAndEndsOnOneThatRefuses)
-{
-    for (const int goodOpenings : {0, 1, 2})
-        for (const int error : {3, 5}) {
-            SCOPED_TRACE(std::to_string(error) + " after " + std::to_string(goodOpenings));
-            FakedHandler started;
-            started.common->goodOpenings = goodOpenings;
-            started.common->storeError = error;
-            started.begin();
-            EXPECT_TRUE(started.log.waitFor("no store")) << started.log.text();
-            if (error == 5) {
-                started.expectEnd();
-                EXPECT_EQ(started.log.count("no store"), 1u);
-                continue;
-            }
-            started.common->storeError = 0;
-            EXPECT_TRUE(started.log.waitFor("Run processing")) << started.log.text();
-        }
+    EXPECT_EQ(doneAt(wait, false), Entries());
+    EXPECT_EQ(doneAt(keys.enabled, false), Entries());
 }
 
 TEST_F(TarnHandlerTest, emptiesTheStatusWhenSwitchedOffAndScansWhenSwitchedOn)
 {
+    const auto& missing = statusKeys.scanning.lastScanning.missingUpdates;
+    const Entries expected[] = {{"update"}, {"update", "scan"}};
     beginAndWait();
-    for (const Entries& expected : {Entries{"update"}, Entries{"update", "scan"}, Entries{"update"}}) {
-        const std::size_t before = common->done.size();
-        const bool enable = before > 2;
-        store.setJsonValue(missingUpdatesKey, {1, 2});
-        store.setBoolValue(keys.enabled.key(), enable);
-        EXPECT_EQ(doneAfter(before, expected.size()), expected);
-        EXPECT_EQ(store.getBoolValue(statusEnabledKey), enable);
-        EXPECT_EQ(store.getJsonValue(missingUpdatesKey).size(), enable ? 2u : 0u);
+    for (const bool enable : {false, true, false}) {
+        store.set(missing, {1, 2});
+        EXPECT_EQ(doneAt(keys.enabled, enable, expected[enable].size()), expected[enable]);
+        EXPECT_EQ(store.get(statusKeys.enabled), enable);
+        EXPECT_EQ(store.get(missing).size(), enable ? 2u : 0u);
     }
 }
 
 TEST_F(TarnHandlerTest, answersEachChange)
 {
-    using nlohmann::json;
-    const struct {
-        std::wstring key;
-        json value;
-        Entries done;
-    } rows[] = {
-        {queueKey, json::array(), {}},
-        {queueKey, json::array({{{"update_id", "x"}}}), {"scan"}},
-        {waitKey, false, {"update", "scan"}},
-        {keys.remoteOperations.scanForUpdates.start.key(), 8, {"reason 1", "scan"}},
-        {install.updatesToInstall.key(), "ALL", {}},
-        // A new item of the queue starts the agent once by itself.
-        {install.start.key(), 1, {"scan", "reason 2", "scan"}},
-    };
     beginAndWait();
-    for (const auto& row : rows) {
-        SCOPED_TRACE(std::string(row.key.begin(), row.key.end()) + " " + row.value.dump());
-        const auto before = common->done.size();
-        store.setJsonValue(row.key, row.value);
-        EXPECT_EQ(doneAfter(before, 0), row.done);
-    }
+    EXPECT_EQ(doneAt(keys.installation.deploymentQueue, nlohmann::json::array()), Entries());
+    EXPECT_EQ(doneAt(keys.installation.deploymentQueue, {{{"update_id", "x"}}}), Entries{"scan"});
+    EXPECT_EQ(doneAt(keys.installation.completion.wait, false), (Entries{"update", "scan"}));
+    EXPECT_EQ(doneAt(keys.remoteOperations.scanForUpdates.start, 8), (Entries{"reason 1", "scan"}));
+    EXPECT_EQ(doneAt(install.updatesToInstall, "ALL"), Entries());
+    EXPECT_EQ(doneAt(install.start, 1), (Entries{"scan", "reason 2", "scan"})) << "a new item starts the agent, too";
     EXPECT_TRUE(log.has(5, "Canceled 0 task(s)")) << log.text();
 }
 
 TEST_F(TarnHandlerTest, writesTheResultOfARefusedInstallationBeforeTheAcknowledgement)
 {
     beginAndWait();
-    store.setBoolValue(statusEnabledKey, false);
-    store.setInt64Value(install.start.key(), 4);
+    store.set(statusKeys.enabled, false);
+    store.set(install.start, 4);
     const auto writes = store.writes();
     EXPECT_EQ(std::vector(writes.end() - 3, writes.end()),
         (std::vector<std::wstring>{install.result.key(), install.result.key(), install.ack.key()}));
@@ -334,16 +292,17 @@ TEST_F(TarnHandlerTest, writesTheResultOfARefusedInstallationBeforeTheAcknowledg
 
 TEST_F(TarnHandlerTest, completesAFinishedDeploymentOnceThroughAFailureAndARunningAgent)
 {
-    store.setBoolValue(waitKey, true);
-    store.setBoolValue(inProgressKey, true);
+    store.set(keys.installation.completion.wait, true);
+    store.set(keys.installation.inProgress, true);
     beginAndWait();
-    common->installationFinished = true;
+    storage->addPatchState({});
+    storage->reportInstallationFinished(true);
     // The fall of the flag is a change like any other.
-    EXPECT_EQ(doneAfter(2, 5), (Entries{"update", "scan", "update", "arguments -c complete", "scan"}));
+    EXPECT_EQ(doneSince(2, 5), (Entries{"update", "scan", "update", "arguments -c complete", "scan"}));
     EXPECT_EQ(log.count("Failed to complete a deployment: no look"), 1u) << log.text();
     EXPECT_EQ(factory->manager->looks, 3);
-    EXPECT_FALSE(store.getBoolValue(waitKey));
-    EXPECT_FALSE(store.getBoolValue(inProgressKey));
+    EXPECT_EQ(store.get(keys.installation.completion.wait), false);
+    EXPECT_EQ(store.get(keys.installation.inProgress), false);
     handler.stop();
     expectEnd();
     EXPECT_EQ(log.count("waitPostRebootDeployCompleted: Stop event has been signaled"), 0u) << "the watch is over";

@@ -5,14 +5,12 @@
 #include "common/process/iprocess.h"
 #include "support/fakeclock.h"
 #include "support/fakesettings.h"
+#include "support/gate.h"
 #include "support/logcapture.h"
 #include "support/record.h"
 #include "vxtl/registry.h"
 
-#include <gmock/gmock.h>
 #include <windows.h>
-
-#include <future>
 
 namespace vx::tarn {
 namespace {
@@ -23,10 +21,9 @@ using testing::ElementsAre;
 constexpr auto installationKey = L"HKEY_LOCAL_MACHINE\\Software\\Vantorix\\tarn";
 constexpr auto eventName = L"Global\\ScanEvent{450C4D2D-AE20-440a-9AAA-F770900831AD}";
 const TarnpatchSettings keys{nullptr};
-const std::wstring timestampKey = TarnpatchStatus(nullptr).scanning.lastScanning.timestamp.key();
-const std::wstring waitKey = keys.installation.completion.wait.key();
-const std::wstring scanStartKey = keys.remoteOperations.scanForUpdates.start.key();
-const std::wstring scanAckKey = keys.remoteOperations.scanForUpdates.ack.key();
+const TarnpatchStatus statusKeys{nullptr};
+const auto& timestamp = statusKeys.scanning.lastScanning.timestamp;
+const RemoteOperationsSettings& remote = keys.remoteOperations;
 const std::string plain = "C:\\Tarn\\tarnag.exe|";
 
 /// One start of the agent: what it answers and what happens meanwhile.
@@ -40,9 +37,9 @@ struct AgentRun {
 
 /// A factory whose processes are agents after a script; events and registry are real.
 struct FakeAgentFactory : common::CommonFactory {
-    std::map<std::size_t, AgentRun> script; ///< by number of the start, from 1
-    AgentRun usual;                         ///< for those without an entry in the script
-    support::Record starts;                 ///< "path|arguments"
+    std::map<std::size_t, AgentRun> script; ///< by number of the start, from 1; the usual ones for the others
+    AgentRun usual;
+    support::Record starts; ///< "path|arguments"
 
     std::shared_ptr<common::IProcess> createProcess() override { return std::make_shared<Agent>(*this); }
 
@@ -51,8 +48,7 @@ struct FakeAgentFactory : common::CommonFactory {
         bool start(const std::wstring&, unsigned long, process::Redirect, void*) override { return false; }
         bool start(const std::wstring& path, const std::wstring& arguments, const process::Credentials&) override
         {
-            const auto entry = factory.script.find(factory.starts.size() + 1);
-            run = entry == factory.script.end() ? factory.usual : entry->second;
+            run = factory.script.try_emplace(factory.starts.size() + 1, factory.usual).first->second;
             handle = std::make_shared<KernelHandle>(CreateEventW(nullptr, TRUE, run.ends, nullptr));
             factory.starts.add(
                 std::string(path.begin(), path.end()) + "|" + std::string(arguments.begin(), arguments.end()));
@@ -101,13 +97,10 @@ protected:
     /// A stop that can't wait for the thread, which hangs until `release`.
     void leaveLateThread()
     {
-        factory.script[1].beforeExitCode = [this] {
-            entered.set_value();
-            release.get_future().wait();
-        };
+        factory.script[1].beforeExitCode = [this] { gate.pass(); };
         start(milliseconds(0), milliseconds(1));
         startAgent(1);
-        entered.get_future().wait();
+        gate.waitUntilEntered();
         EXPECT_TRUE(manager->stop());
         EXPECT_TRUE(log.has(3, "TarnpatchManager action thread was not finished during 0 sec.")) << log.text();
     }
@@ -115,7 +108,8 @@ protected:
 
     support::LogCapture log;
     support::FakeClock clock;
-    std::promise<void> released, entered, release;
+    support::Gate gate;
+    std::promise<void> released;
     std::future<void> gone = released.get_future();
     std::shared_ptr<registry::RegistryKey> key = registry::createWin32Registry()->createKey(installationKey);
     std::shared_ptr<support::FakeSettings> store = std::make_shared<support::FakeSettings>();
@@ -136,12 +130,12 @@ TEST_F(TarnpatchManagerTest, recordsTheStartTimeOfARunThatEndsWellOrGoesOn)
     factory.script[2].ends = false;
     startAgent(1);
     EXPECT_THAT(startAgent(2), ElementsAre(plain, plain));
-    EXPECT_EQ(store->getInt64Value(timestampKey), started);
-    store->setBoolValue(waitKey, true);
+    EXPECT_EQ(store->get(timestamp), started);
+    store->set(keys.installation.completion.wait, true);
     EXPECT_TRUE(manager->update());
     EXPECT_FALSE(manager->isRunning());
     EXPECT_FALSE(manager->isAgentRunning());
-    EXPECT_EQ(store->getInt64Value(timestampKey), now());
+    EXPECT_EQ(store->get(timestamp), now());
     EXPECT_FALSE(manager->update());
 }
 
@@ -150,16 +144,16 @@ TEST_F(TarnpatchManagerTest, answersTheLaterReasonAtEachAttemptAndDropsItThen)
     start();
     manager->setStartReason(AgentStartReason::RemoteDeployment);
     manager->setStartReason(AgentStartReason::RemoteScan);
-    store->setInt64Value(scanStartKey, 3);
+    store->set(remote.scanForUpdates.start, 3);
     factory.script[1].exitCode = 8;
     factory.script[2].beforeExitCode = [this] {
-        EXPECT_EQ(store->getInt64Value(scanAckKey), 3);
-        store->setInt64Value(scanStartKey, 4);
+        EXPECT_EQ(store->get(remote.scanForUpdates.ack), 3);
+        store->set(remote.scanForUpdates.start, 4);
     };
     startAgent(2);
     startAgent(3);
-    EXPECT_EQ(store->getInt64Value(scanAckKey), 4);
-    EXPECT_FALSE(store->contains(keys.remoteOperations.installUpdates.ack.key()));
+    EXPECT_EQ(store->get(remote.scanForUpdates.ack), 4);
+    EXPECT_TRUE(store->get(remote.installUpdates.ack).is_null());
     EXPECT_EQ(log.count("Start reason is: 1"), 1u);
 }
 
@@ -196,14 +190,14 @@ TEST_F(TarnpatchManagerTest, stopsDuringARetryPause)
     startEvent->set();
     ASSERT_TRUE(log.waitFor("Tarnag agent has been already started.")) << log.text();
     EXPECT_TRUE(manager->stop());
-    EXPECT_FALSE(store->contains(timestampKey));
+    EXPECT_TRUE(store->get(timestamp).is_null());
     EXPECT_EQ(factory.starts.size(), 1u);
 }
 
 TEST_F(TarnpatchManagerTest, survivesARoundThatThrows)
 {
     start();
-    store->breakDown(timestampKey);
+    store->breakDown(timestamp.key());
     startAgent(1);
     startAgent(2);
     EXPECT_TRUE(log.has(2, "Exception caught: store is down")) << log.text();
@@ -213,7 +207,7 @@ TEST_F(TarnpatchManagerTest, doesNotCallALateThreadBackByTheNextStart)
 {
     leaveLateThread();
     EXPECT_TRUE(manager->start());
-    release.set_value();
+    gate.open();
     EXPECT_TRUE(log.waitFor("Tarnpatch action thread exited")) << log.text();
     EXPECT_EQ(startAgent(2).size(), 2u);
 }
@@ -222,7 +216,7 @@ TEST_F(TarnpatchManagerTest, isOutlivedByALateThread)
 {
     leaveLateThread();
     manager.reset();
-    release.set_value();
+    gate.open();
     ASSERT_EQ(gone.wait_for(support::deadline), std::future_status::ready);
     EXPECT_EQ(factory.starts.size(), 1u);
 }

@@ -2,8 +2,6 @@
 
 #include "support/footprint.h"
 
-#include <gtest/gtest.h>
-
 #include <filesystem>
 #include <set>
 #include <windows.h>

@@ -1,10 +1,9 @@
 #include "tarnhd/subscriptions/subscriptions.h"
 
 #include "support/fakesettings.h"
+#include "support/gate.h"
 #include "support/logcapture.h"
 #include "support/record.h"
-
-#include <future>
 
 namespace vx::tarn {
 namespace {
@@ -23,7 +22,7 @@ struct SubscriptionsTest : testing::Test {
     support::LogCapture log;
     std::shared_ptr<support::FakeSettings> store = std::make_shared<support::FakeSettings>();
     std::shared_ptr<settings::Settings> settings = support::FakeSettings::handle(store);
-    std::unique_ptr<Subscriptions> subscriptions = std::make_unique<Subscriptions>(settings.get());
+    std::optional<Subscriptions> subscriptions{settings.get()};
     int calls = 0;
 };
 
@@ -44,22 +43,20 @@ TEST_F(SubscriptionsTest, nothingIsCalledAfterTheEndWhateverTheStoreKeeps)
 
 TEST_F(SubscriptionsTest, theEndWaitsForACallInFlight)
 {
-    std::promise<void> entered;
-    std::promise<void> release;
+    support::Gate gate;
     subscriptions->subscribe(L"key", [&](const std::wstring&) {
-        entered.set_value();
-        release.get_future().wait();
+        gate.pass();
         ++calls;
     });
     const auto notifier = std::async(std::launch::async, [this] { store->notify(L"key"); });
-    entered.get_future().wait();
+    gate.waitUntilEntered();
     auto seen = std::async(std::launch::async, [&] {
         endDuringOutage();
         return calls;
     });
     EXPECT_TRUE(log.waitFor(refused, 2)) << log.text();
     EXPECT_EQ(seen.wait_for(support::moment), std::future_status::timeout);
-    release.set_value();
+    gate.open();
     EXPECT_EQ(seen.get(), 1);
 }
 
