@@ -117,22 +117,19 @@ std::vector<Step> notesOf(const ChildProcess& worker)
     return notes;
 }
 
-/// What a worker of the plan "own" has left by the steps that it came back from.
-Texts leftBy(const std::vector<Step>& notes)
+/// What a worker of the plan "own" has left by the steps that it came back from. Those that did not find what they
+/// wanted to remove are added to `lost`.
+Texts leftBy(const std::vector<Step>& notes, std::size_t& lost)
 {
     Texts left;
-    for (const Step& note : notes)
+    for (const Step& note : notes) {
+        lost += note.outcome == "nothing";
         if (note.outcome == "done" && note.kind == "push")
             left.push_back(note.text);
         else if (!note.outcome.empty())
             std::erase(left, note.text);
+    }
     return left;
-}
-
-/// How many items a worker wanted to remove and did not find.
-std::size_t missedBy(const std::vector<Step>& notes)
-{
-    return static_cast<std::size_t>(std::ranges::count(notes, "nothing", &Step::outcome));
 }
 
 std::size_t deathsWanted()
@@ -197,8 +194,7 @@ TEST_F(QueueTest, holdsWhatSurvivorsDidWhenOthersDieInTheirWrites)
         // Its last step may have had its effect, or none.
         const std::string doubtful = notes.back().outcome.empty() ? notes.back().text : "";
         inFlight += !doubtful.empty();
-        lost += missedBy(notes);
-        for (const std::string& text : leftBy(notes))
+        for (const std::string& text : leftBy(notes, lost))
             lost += !remove(text) && text != doubtful;
         if (!doubtful.empty())
             remove(doubtful);
@@ -207,8 +203,7 @@ TEST_F(QueueTest, holdsWhatSurvivorsDidWhenOthersDieInTheirWrites)
     Texts expected, strays;
     for (const ChildProcess& survivor : survivors) {
         ASSERT_EQ(survivor.wait(), 0u) << survivor.errors();
-        lost += missedBy(notesOf(survivor));
-        std::ranges::copy(leftBy(notesOf(survivor)), std::back_inserter(expected));
+        std::ranges::copy(leftBy(notesOf(survivor), lost), std::back_inserter(expected));
     }
     Texts left = queue();
     std::ranges::sort(left);

@@ -49,7 +49,7 @@ TEST_F(DeploymentCommandsTest, workOnTheQueueInItsOrder)
     EXPECT_THAT(queue(), ElementsAre("PRODUCT=Sample Reader"));
 }
 
-TEST_F(DeploymentCommandsTest, showThePublishedPatches)
+TEST_F(DeploymentCommandsTest, showAndFollowThePublishedPatches)
 {
     EXPECT_EQ(call("patches").output, "nothing was published yet\n");
     put(published, json::array());
@@ -61,11 +61,7 @@ TEST_F(DeploymentCommandsTest, showThePublishedPatches)
                                       "L\xC3\xA9o 2  Reader   critical  installation_failed  17\n"
                                       "kb              3         file_downloading\n");
     EXPECT_EQ(parseLines(call("--json patches").output).size(), 2u);
-}
 
-TEST_F(DeploymentCommandsTest, followThePublishedPatches)
-{
-    put(published, json::array());
     const auto follower = tarnhost("--json patches --follow --count 2");
     for (int serial = 0; !follower.wait(std::chrono::milliseconds(10)); ++serial)
         put(published, {{{"update_name", std::to_string(serial)}}});

@@ -36,12 +36,11 @@ public:
     void rotate()
     {
         m_stream.close();
-        for (unsigned index = m_rotateCount + 1; index-- > 0;)
+        for (unsigned index = m_rotateCount; index-- > 0;)
             moveUp(index);
-        std::filesystem::remove(LogReader::fileName(m_current, m_rotateCount + 1));
     }
 
-    /// Gives one file the next number.
+    /// Gives one file the next number, in the place of what has it.
     void moveUp(unsigned index)
     {
         std::error_code ignored; // of numbers that are not there yet

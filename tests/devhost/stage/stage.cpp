@@ -67,7 +67,7 @@ void StageTest::waitFor(
     std::filesystem::create_directories(changing);
     devhost::host::DirectoryWatch watch(changing);
     const devhost::ipc::Signal never;
-    const auto end = std::chrono::steady_clock::now() + deadline;
+    const auto end = std::chrono::steady_clock::now() + deadline / 2;
     while (!condition()) {
         if (std::chrono::steady_clock::now() >= end)
             FAIL() << "never came: " << what;

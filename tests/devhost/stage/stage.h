@@ -30,7 +30,7 @@ public:
 
     /// The script's members for a run that is held.
     json run() const { return {{"startedEvent", m_name + "-started"}, {"waitForEvent", m_name + "-release"}}; }
-    bool waitUntilStarted() const { return m_started.wait(60'000); }
+    bool waitUntilStarted() const { return m_started.wait(30'000); }
     void release() const { m_release.set(); }
 
 private:
@@ -68,7 +68,8 @@ protected:
     Texts queue();
     void putQueue(const Texts& descriptors);
 
-    /// Fails the test when the condition does not come; what it looks at changes with files in the folder.
+    /// Fails the test when the condition does not come within half a minute; what it looks at changes with files in the
+    /// folder.
     void waitFor(
         const std::filesystem::path& changing, const std::string& what, const std::function<bool()>& condition);
 
