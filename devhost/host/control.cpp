@@ -41,12 +41,14 @@ std::unique_ptr<ipc::Listener> serveControl(const std::wstring& instance, Contro
 {
     const auto turn = std::make_shared<vx::sync::Mutex>();
     try {
-        return std::make_unique<ipc::Listener>(
-            ipc::pipeName(instance, part), [turn, handler = std::move(handler)](ipc::Pipe& pipe, const ipc::Signal&) {
+        return std::make_unique<ipc::Listener>(ipc::pipeName(instance, part),
+            [turn, handler = std::move(handler)](ipc::Pipe& pipe, const ipc::Signal& stop) {
                 // Not the listener's end: whoever asks for it is still to have the answer.
                 pipe.limit({nullptr, stepTimeoutMs});
                 while (const auto request = pipe.receive()) {
                     const std::lock_guard lock(*turn);
+                    if (stop.isSet())
+                        return;
                     pipe.send(answer(handler, vx::parseJson(*request)));
                 }
             });

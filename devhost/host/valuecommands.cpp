@@ -89,9 +89,9 @@ ExitCode listValues(const Context& context, const KeyOptions& options)
 ExitCode watchValues(const Context& context, const WatchOptions& options)
 {
     Client values(context.instance);
-    // Of its own: the other answers while this one's thread is in the callback.
-    Client changes(context.instance);
     std::atomic<unsigned> told = 0;
+    // Of its own: the other answers while this one's thread is in the callback. Last, so that the callback ends first.
+    Client changes(context.instance);
     const auto print = [&](const store::Change& change) {
         // Changes may still come between the signal and the end of this command.
         if (options.count != 0 && told >= options.count)

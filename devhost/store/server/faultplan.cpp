@@ -1,6 +1,7 @@
 #include "store/server/faultplan.h"
 
 #include <algorithm>
+#include <iterator>
 #include <nlohmann/json.hpp>
 
 namespace devhost::store {

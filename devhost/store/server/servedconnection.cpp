@@ -49,8 +49,11 @@ void ServedConnection::serveNotifications(const nlohmann::json& hello, Role role
     const auto subscriber = m_handler.attach(hello, [awake] { awake->set(); });
     bool open = m_pipe.send(welcome);
     void* const events[] = {m_stop.handle(), m_pipe.watchForClose(), awake->handle()};
-    while (open && WaitForMultipleObjects(3, events, FALSE, INFINITE) == WAIT_OBJECT_0 + 2 && !refused(role)) {
+    while (open && WaitForMultipleObjects(3, events, FALSE, INFINITE) == WAIT_OBJECT_0 + 2) {
+        // Before anything is looked at: what comes from here on wakes anew.
         awake->reset();
+        if (refused(role))
+            break;
         for (const std::string& frame : subscriber->take())
             open = open && m_pipe.send(frame);
     }

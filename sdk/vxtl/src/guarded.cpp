@@ -28,7 +28,7 @@ void logCaught(Level level, std::string_view message) noexcept
     logTextBehind(level, message);
 }
 
-void logCaught(Level level, const std::wstring& message) noexcept
+void logCaught(Level level, std::wstring_view message) noexcept
 {
     logTextBehind(level, message);
 }

@@ -12,6 +12,8 @@
 #include <algorithm>
 #include <mutex>
 #include <optional>
+#include <utility>
+#include <vector>
 
 namespace vx::tarn::common {
 
@@ -106,7 +108,7 @@ bool DeploymentQueue::isEmpty()
 {
     VX_LOG_SCOPE();
     bool empty = true;
-    guarded(Level::Warning, [&] {
+    guardedAgainst<std::exception>(Level::Warning, [&] {
         change([&](const nlohmann::json& list) {
             empty = itemsOf(list).empty();
             return false;
@@ -149,7 +151,7 @@ std::wstring DeploymentQueue::getFront()
 {
     VX_LOG_SCOPE();
     std::wstring front;
-    guarded([&] {
+    guardedAgainst<std::exception>([&] {
         Items items;
         change([&](const nlohmann::json& list) {
             items = itemsOf(list);
@@ -164,7 +166,7 @@ std::wstring DeploymentQueue::getFront()
 void DeploymentQueue::pop()
 {
     VX_LOG_SCOPE();
-    guarded([&] {
+    guardedAgainst<std::exception>([&] {
         std::optional<DeploymentItem> popped;
         change([&](nlohmann::json& list) {
             Items items = itemsOf(list);
@@ -180,7 +182,7 @@ void DeploymentQueue::pop()
 bool DeploymentQueue::remove(const std::wstring& updateId)
 {
     VX_LOG_SCOPE();
-    return guarded([&] {
+    return guardedAgainst<std::exception>([&] {
         bool removed = false;
         change([&](nlohmann::json& list) {
             const bool found = takeOut(list, itemsOf(list), withText(updateId));

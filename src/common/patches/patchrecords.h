@@ -87,8 +87,8 @@ template <typename Record>
 std::vector<Record> listFromJson(const nlohmann::json& value);
 /// Reads an array one by one, DeploymentItem, ListedUpdate or LoggedState, and hands each record over together with
 /// its element, while that is still in the processor's cache: a long list is far larger. isAsWritten tells that the
-/// element is just as the record would be written; a ListedUpdate's, as the whole update behind a PatchInfo, which cuts
-/// severity and category to 16 bits.
+/// element is just as the record would be written: for a LoggedState the whole entry, for a ListedUpdate the whole
+/// update behind a PatchInfo, which cuts severity and category to 16 bits.
 template <typename Record>
 void readEach(
     nlohmann::json& list, const std::function<void(Record&, nlohmann::json& element, bool isAsWritten)>& take);

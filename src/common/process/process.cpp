@@ -30,7 +30,7 @@ bool Process::start(
 {
     VX_LOG_SCOPE();
     VX_LOG_VALUES(executable, arguments);
-    return guarded(startFailure,
+    return guardedAgainst<std::exception>(startFailure,
         [&] { m_process = std::make_shared<process::Process>(executable, arguments, std::wstring(), credentials); });
 }
 

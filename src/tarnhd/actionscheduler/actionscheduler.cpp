@@ -50,7 +50,7 @@ void ActionScheduler::onTimeout(const std::chrono::milliseconds& period, bool im
 
 void ActionScheduler::callTasks()
 {
-    // Held over the actions: once setEnabled(false) has returned, none runs any more.
+    // Held over the actions: once setEnabled(false) has returned, no periodic one runs any more.
     const std::lock_guard enabledLock(m_enabledMutex);
     if (!m_enabled)
         return;

@@ -14,7 +14,7 @@ namespace vx::tarn {
 
 /// Runs periodic actions, all in order at each tick, and one-shot actions with a delay, on the thread that
 /// calls start. The period counts from the end of one round to the start of the next. Other threads may call
-/// all operations; runOnce and setEnabled block while a round runs. What an action throws as std::exception is
+/// all operations; runOnce and setEnabled block while a round runs. What an action throws is
 /// logged at error level; the other actions and the next tick go on. Locks are taken in the order
 /// m_enabledMutex, m_actionsMutex, the task scheduler's own.
 class ActionScheduler {

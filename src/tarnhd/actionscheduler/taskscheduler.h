@@ -36,7 +36,7 @@ public:
     /// Puts every task that is due in less than `delay` off to now + `delay`, in unchanged order, and wakes
     /// the loop, which then reads the clock again. 0 does no more than that for overdue tasks.
     virtual void deferAtLeast(std::chrono::milliseconds delay);
-    /// Blocks and runs due tasks until stop. What a task throws as std::exception is logged at error level.
+    /// Blocks and runs due tasks until stop. What a task throws is logged at error level.
     virtual void run();
     /// Blocks until a task is due and gives it; null after stop.
     virtual std::unique_ptr<Task> takeNext();

@@ -3,7 +3,6 @@
 #include "logging/logstream.h"
 
 #include <exception>
-#include <string>
 #include <string_view>
 #include <type_traits>
 #include <utility>
@@ -15,7 +14,7 @@ namespace details {
 /// For a catch block: the exception's trace, or behind a message its text.
 void logCaught(logging::Level level) noexcept;
 void logCaught(logging::Level level, std::string_view message) noexcept;
-void logCaught(logging::Level level, const std::wstring& message) noexcept;
+void logCaught(logging::Level level, std::wstring_view message) noexcept;
 
 template <typename Function>
 bool outcomeOf(Function&& function)
@@ -83,20 +82,27 @@ bool guardedAgainst(logging::Level level, const Message& message, Function&& fun
 }
 
 template <typename Caught, typename Message, typename Function>
+    requires(!std::is_same_v<Message, logging::Level>)
 bool guardedAgainst(const Message& message, Function&& function)
 {
     return guardedAgainst<Caught>(logging::Level::Error, message, std::forward<Function>(function));
 }
 
 template <typename Caught, typename Function>
-bool guardedAgainst(Function&& function)
+bool guardedAgainst(logging::Level level, Function&& function)
 {
     try {
         return details::outcomeOf(std::forward<Function>(function));
     } catch (const Caught&) {
-        details::logCaught(logging::Level::Error);
+        details::logCaught(level);
         return false;
     }
+}
+
+template <typename Caught, typename Function>
+bool guardedAgainst(Function&& function)
+{
+    return guardedAgainst<Caught>(logging::Level::Error, std::forward<Function>(function));
 }
 
 } // namespace vx
