@@ -1,5 +1,5 @@
 // Any JSON is refused with a type error or a conversion's std::invalid_argument, or gives the same records in both ways
-// of reading, and these are written as they were read.
+// of reading, and these are read again as the same from what is written.
 
 #include "common/patches/patchinfo.h"
 #include "input.h"
@@ -18,19 +18,14 @@ json written(const Part& part)
     return toJson(whole);
 }
 
-json published(const DeploymentItem& item)
+json published(const auto& record)
 {
-    return toJson(item);
+    return toJson(record);
 }
 
 json published(const MissingUpdate& update)
 {
     return toJson(toMissingUpdate(PatchInfo(update), update.updateId));
-}
-
-json published(const InstallationLogEntry& entry)
-{
-    return toJson(entry);
 }
 
 template <typename Part, typename Whole>
@@ -69,7 +64,7 @@ void check(const json& value)
     fuzz::require(wholes->size() == value.size() && records->size() == value.size(), "one record an element");
     for (std::size_t i = 0; i < value.size(); ++i) {
         const Part& part = wholes->at(i);
-        fuzz::require(fuzz::isFrom(value[i], toJson(wholes->at(i))), "as it was read");
+        fuzz::require(toJson(fromJson<Whole>(toJson(wholes->at(i)))) == toJson(wholes->at(i)), "round trip");
         fuzz::require(written<Whole>(records->at(i)) == written<Whole>(part), "the same by both");
     }
 }

@@ -1,5 +1,5 @@
-// Any JSON is refused with one of the named errors or gives an event that is written as it was read, and is read again
-// as the same.
+// Any JSON is refused with one of the named errors or gives an event that is read again as the same from what is
+// written.
 
 #include "common/reportevents/reportevent.h"
 #include "input.h"
@@ -23,16 +23,6 @@ std::optional<ReportEvent> read(const json& value)
     return std::nullopt;
 }
 
-/// Without what may be written in another form: GUIDs, unknown states and codes of more than 32 bits.
-json comparable(json written)
-{
-    written.erase("retCode");
-    if (written.contains("status"))
-        for (const char* key : {"deploymentId", "status"})
-            written["status"].erase(key);
-    return written;
-}
-
 } // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
@@ -42,8 +32,6 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     // What a type that is not known gives, whatever stands beside it.
     if (!event || event == ReportEvent{})
         return 0;
-    const json written = toJson(*event);
-    fuzz::require(fuzz::isFrom(*input, comparable(written)), "as it was read");
-    fuzz::require(read(written) == event, "round trip");
+    fuzz::require(read(toJson(*event)) == event, "round trip");
     return 0;
 }

@@ -4,8 +4,8 @@
 #include "support/onthreads.h"
 
 #include <limits>
+#include <map>
 #include <ostream>
-#include <set>
 
 using namespace vx::logging;
 
@@ -87,14 +87,6 @@ TEST(LogScope, indentsWhatLiesBetweenItsBracesUnlessDebugIsFiltered)
         nest(1);
         EXPECT_EQ(log.text(), text);
     }
-    support::LogCapture log;
-    {
-        const LogScope scope("scope");
-        VxQrlLogging::details::processLevel = 4;
-        LogStream(Level::Info) << "inside";
-    }
-    LogStream(Level::Info) << "after";
-    EXPECT_EQ(log.text(), "{ scope\n  inside\nafter\n") << "filtered meanwhile";
 }
 
 TEST(LogContext, keepsTheDepthOfEachThreadApart)
@@ -108,9 +100,9 @@ TEST(LogContext, keepsTheDepthOfEachThreadApart)
         }
     });
     LogStream(Level::Debug) << "after";
-    std::set<std::string> texts;
+    std::map<std::string, int> texts;
     for (const auto& line : log.lines())
-        texts.insert(line.text);
-    EXPECT_THAT(texts, testing::ElementsAre("  after", "  inside", "{ here", "{ there", "} there"));
-    EXPECT_EQ(log.lines().size(), 1202u);
+        ++texts[line.text];
+    EXPECT_EQ(texts, (std::map<std::string, int>{
+                         {"{ here", 1}, {"{ there", 400}, {"  inside", 400}, {"} there", 400}, {"  after", 1}}));
 }

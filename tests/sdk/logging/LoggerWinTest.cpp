@@ -23,22 +23,30 @@ struct LoggerWinTest : testing::Test {
 
 } // namespace
 
-TEST_F(LoggerWinTest, framesItsRecordsWithBanners)
+TEST_F(LoggerWinTest, framesItsRecordsWithBannersAndOpensAgainOnlyAfterAClose)
 {
     logger->log(1, "before open");
     open();
     logger->log(4, "narrow %s %S", "\xc3\xa9\xff", L"wide");
     logger->log(2, L"wide %s %S", L"text", "narrow");
+    logger->open("other", "file", 6, 0); // which it is already
     logger->log(5, "filtered");
     logger->close();
+    EXPECT_FALSE(logger->isEnabled(1));
     logger->log(1, "after close");
+    open(6);
+    logger->log(6, "again");
+    logger.reset();
     const auto lines = folder.lines();
-    ASSERT_EQ(lines.size(), 5u);
+    ASSERT_EQ(lines.size(), 9u);
     EXPECT_EQ(lines[0], "");
     EXPECT_THAT(lines[1].substr(34), testing::StartsWith("]  I: ***  LOGGING STARTED  *** (UTC"));
     EXPECT_EQ(lines[2].substr(34), "]  I: narrow \u00e9\ufffd wide") << "UTF-8 that is broken stays readable";
     EXPECT_EQ(lines[3].substr(36), "*E: wide text narrow");
     EXPECT_EQ(lines[4].substr(37), "I: ***  LOGGING ENDED  ***");
+    EXPECT_EQ(lines[7].substr(40), "again");
+    EXPECT_EQ(lines[8].substr(40), "***  LOG AUTO-CLOSED ***");
+    EXPECT_FALSE(std::filesystem::exists(folder.root / "Vantorix" / "Log" / "other"));
 }
 
 TEST_F(LoggerWinTest, writesMessagesUpToTheLargeBuffer)
@@ -75,22 +83,6 @@ TEST_F(LoggerWinTest, putsOffEverythingWhenDeferred)
     logger->log(4, "at the level");
     EXPECT_EQ(folder.lines().size(), 3u) << "empty line, banner, one record";
     EXPECT_THAT(folder.messages(), ElementsAre("at the level"));
-}
-
-TEST_F(LoggerWinTest, ignoresASecondOpenButOpensAgainAfterClose)
-{
-    open();
-    logger->open("other", "file", 6, 0);
-    EXPECT_FALSE(logger->isEnabled(5));
-    logger->log(4, "first");
-    logger->close();
-    EXPECT_FALSE(logger->isEnabled(1));
-    logger->open("prog", "part", 6, 0);
-    logger->log(6, "second");
-    logger.reset();
-    EXPECT_THAT(folder.messages(), ElementsAre("first", "second"));
-    EXPECT_EQ(folder.lines().back().substr(40), "***  LOG AUTO-CLOSED ***");
-    EXPECT_FALSE(std::filesystem::exists(folder.root / "Vantorix" / "Log" / "other"));
 }
 
 TEST_F(LoggerWinTest, stampsItsRecordsInUtcWithTheFlagAndInLocalTimeWithout)
@@ -142,31 +134,6 @@ TEST_F(LoggerWinTest, readsItsLevelFromTheNearestValidValue)
     }
 }
 
-// The debugger's texts arrive as exceptions of the calling thread.
-static std::wstring debuggerText;
-static LONG CALLBACK takeDebuggerText(EXCEPTION_POINTERS* info)
-{
-    if (info->ExceptionRecord->ExceptionCode != 0x4001000A)
-        return EXCEPTION_CONTINUE_SEARCH;
-    debuggerText += reinterpret_cast<const wchar_t*>(info->ExceptionRecord->ExceptionInformation[1]);
-    return EXCEPTION_CONTINUE_EXECUTION;
-}
-
-TEST_F(LoggerWinTest, showsItsRecordsToTheDebuggerAndItsBannersWhenConfigured)
-{
-    const auto handler = AddVectoredExceptionHandler(1, takeDebuggerText);
-    open(4, LOG_FLAG_BANNER_DEBUG);
-    logger->log(4, "unseen");
-    logger->close();
-    EXPECT_EQ(debuggerText, L"");
-    EXPECT_EQ(folder.lines().size(), 1u) << "the banners are filtered";
-    LogFolder::configure(L"\\prog", L"DebugOutputLogging", 2);
-    open();
-    logger->log(3, "seen");
-    RemoveVectoredExceptionHandler(handler);
-    EXPECT_TRUE(debuggerText.ends_with(L"] .W: seen\r\n"));
-}
-
 TEST_F(LoggerWinTest, keepsTheLastError)
 {
     const auto kept = [](const char* what, auto&& call) {
@@ -181,8 +148,6 @@ TEST_F(LoggerWinTest, keepsTheLastError)
     kept("close", [this] { logger->close(); });
     SetEnvironmentVariableW(L"ProgramData", L"Z:\\no|place");
     kept("failing open", [this] { open(); });
-    kept("without a file", [this] { logger->log(4, "x"); });
-    kept("destruction", [this] { logger.reset(); });
 }
 
 TEST_F(LoggerWinTest, survivesCloseAndOpenWhileThreadsLog)

@@ -56,19 +56,14 @@ TEST_F(SettingsApiTest, opensTwoHandlesAndClosesOnlySlotsWithoutOne)
     EXPECT_THAT(calls, ElementsAre(L"Open 0 safe sid client", L"Open 0 safe sid client", L"Close 0"));
 }
 
-TEST_F(SettingsApiTest, failedSecondOpenClosesTheFirstHandle)
+TEST_F(SettingsApiTest, failsToOpenWithoutALibraryAndClosesTheFirstHandleWhenTheSecondIsRefused)
 {
+    const auto loadNothing = [](auto&) { return delayload::LoadStatus::FunctionNotFound; };
+    EXPECT_THROW(meridia::SettingsApi({}, {}, {}, loadNothing), BaseException);
     codes = {0, 3};
     EXPECT_EQ(Failure(3, L"Server is unreachable"), failureOf([&] { open(); }));
     EXPECT_EQ(L"Close 3", calls.back());
     EXPECT_EQ(3u, calls.size());
-}
-
-TEST_F(SettingsApiTest, libraryThatDoesNotLoadIsNamed)
-{
-    const auto loadNothing = [](auto&) { return delayload::LoadStatus::FunctionNotFound; };
-    const auto failure = thrown<BaseException>([&] { meridia::SettingsApi({}, {}, {}, loadNothing); });
-    EXPECT_EQ(L"Cannot load QRL Meridia library", failure.reason());
 }
 
 TEST_F(SettingsApiTest, readsGiveValuesAsTheyAreAndTextsBack)

@@ -9,7 +9,6 @@ using vx::Win32Exception;
 extern "C" {
 __declspec(dllimport) int WINAPI nowhere(int, int);
 __declspec(dllimport) int WINAPI nosuchfunction(int, int);
-extern volatile FARPROC slotOfVerQueryValue __asm__("__imp__VerQueryValueW@16");
 }
 
 TEST(SystemImports, whatIsMissingFailsEachCallWithAnExceptionThatNamesIt)
@@ -22,11 +21,4 @@ TEST(SystemImports, whatIsMissingFailsEachCallWithAnExceptionThatNamesIt)
         EXPECT_EQ(function.code(), static_cast<unsigned long>(ERROR_PROC_NOT_FOUND));
         EXPECT_EQ(function.reason(), L"Can't import nosuchfunction from version.dll");
     }
-}
-
-TEST(SystemImports, theFirstCallBindsTheLibrarysOtherFunctionsToo)
-{
-    DWORD ignored = 0;
-    EXPECT_GT(GetFileVersionInfoSizeW(L"kernel32.dll", &ignored), 0u);
-    EXPECT_EQ(slotOfVerQueryValue, GetProcAddress(GetModuleHandleW(L"version.dll"), "VerQueryValueW"));
 }

@@ -64,11 +64,11 @@ int cwd()
 TEST(Process, talksThroughTheRedirectedStreamsOnly)
 {
     Process process(selfAsChild(L"echo"), 0, all, nullptr);
-    *process.stdinStream() << "hello\n";
+    *process.stdinStream() << "h\xffllo\n"; // with a byte that is no end of the stream
     std::string out(9, ' ');
     EXPECT_EQ(process.stdoutStream()->peek(), 'o') << "although it may still have to come";
     EXPECT_TRUE(process.stdoutStream()->read(out.data(), 9));
-    EXPECT_EQ(out, "out hello");
+    EXPECT_EQ(out, "out h\xffllo");
     EXPECT_EQ(exitCode(process), 3u);
     // The child's ends are closed here, so its death is seen instead of waited for.
     EXPECT_EQ(process.stdoutStream()->get(), EOF);

@@ -11,7 +11,6 @@
 
 using namespace vx;
 using testing::EndsWith;
-using testing::HasSubstr;
 
 namespace {
 
@@ -63,8 +62,6 @@ TEST(ComApartment, entersTheMultithreadedApartmentOnce)
         ASSERT_EQ(CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED), S_OK);
         const auto failure = support::thrown<ComException>([] { comutils::ComApartment(); });
         EXPECT_EQ(failure.result(), RPC_E_CHANGED_MODE);
-        EXPECT_THAT(failure.what(), HasSubstr("Reason: CoInitializeEx failed, Function: "
-                                              "vx::comutils::details::initializeCom,"));
         CoUninitialize();
     }).join();
 }

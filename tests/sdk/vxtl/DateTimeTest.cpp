@@ -6,12 +6,10 @@ using namespace vx;
 
 TEST(DateTime, namesTheFirstPartOutOfRange)
 {
-    const std::pair<DateTime::Parts, const wchar_t*> rows[] = {{{0, 13, 1, 0, 0, 0, 0}, L"Year"},
-        {{10000, 1, 1, 0, 0, 0, 0}, L"Year"}, {{2024, 0, 0, 0, 0, 0, 0}, L"Month"},
+    const std::pair<DateTime::Parts, const wchar_t*> rows[] = {{{10000, 1, 1, 0, 0, 0, 0}, L"Year"},
         {{2024, 13, 1, 0, 0, 0, 0}, L"Month"}, {{1900, 2, 29, 0, 0, 0, 0}, L"Day"},
-        {{2024, 4, 31, 24, 0, 0, 0}, L"Day"}, {{2024, 1, 1, 24, 60, 0, 0}, L"Hour"},
-        {{2024, 1, 1, 23, 60, 60, 0}, L"Minute"}, {{2024, 1, 1, 23, 59, 60, 1000}, L"Second"},
-        {{2024, 1, 1, 23, 59, 59, 1000}, L"Millisecond"}};
+        {{2024, 1, 1, 24, 60, 0, 0}, L"Hour"}, {{2024, 1, 1, 23, 60, 60, 0}, L"Minute"},
+        {{2024, 1, 1, 23, 59, 60, 1000}, L"Second"}, {{2024, 1, 1, 23, 59, 59, 1000}, L"Millisecond"}};
     for (const auto& [parts, refused] : rows) {
         const auto failure = support::thrown<BaseException>([&] { DateTime date(parts); });
         EXPECT_EQ(failure.reason(), std::wstring(L"Invalid value for ") + refused);

@@ -64,13 +64,10 @@ TEST_F(DeploymentQueueTest, keepsTheOrderAndRefusesDuplicates)
     EXPECT_EQ(queue.getFront(), L"");
     queue.pop();
     EXPECT_FALSE(queue.remove(L"ALL"));
-    EXPECT_EQ(log.count("Deployment queue is empty"), 2u) << log.text();
     EXPECT_TRUE(store->writes().empty());
     for (const wchar_t* text : {L"ALL", L"CRITICAL", L"ALL", L"all"})
         queue.pushBack(text);
     EXPECT_THAT(texts(), ElementsAre("ALL", "CRITICAL", "all"));
-    EXPECT_TRUE(log.has(3, "Deployment item \"ALL\" already exists in the deployment queue, will be skipped."))
-        << log.text();
     EXPECT_TRUE(queue.remove(L"CRITICAL"));
     EXPECT_FALSE(queue.remove(L"CRITICAL"));
     EXPECT_EQ(queue.getFront(), L"ALL");

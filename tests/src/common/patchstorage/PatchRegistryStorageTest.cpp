@@ -1,5 +1,4 @@
 #include "common/patchstorage/patchregistrystorage.h"
-#include "support/logcapture.h"
 #include "vxtl/registry.h"
 
 using namespace vx;
@@ -27,7 +26,6 @@ struct PatchRegistryStorageTest : testing::Test {
 
     std::shared_ptr<registry::Registry> registry = registry::createWin32Registry();
     PatchRegistryStorage storage{L"finished", L"patches", L"statuses", registry};
-    support::LogCapture log{4};
     const ReportEvent event{ReportEventType::ExternalRebootRequest, {}, 0, {}};
     PatchMap stored, patches;
     std::vector<ReportEvent> events;
@@ -62,17 +60,14 @@ TEST_F(PatchRegistryStorageTest, answersNoForWhatIsMissingOrOfTheWrongKind)
     EXPECT_TRUE(storage.savePatches({}));
     EXPECT_EQ(key()->getStringValue(L"patches"), L"{}");
     EXPECT_FALSE(loads());
-    EXPECT_TRUE(log.has(3, "Failed to load patches. Either \"patches\" or \"statuses\" doesn't exist")) << log.text();
     key()->setInt32Value(L"finished", 2);
     EXPECT_FALSE(storage.isInstallationFinished());
     key()->setStringValue(L"finished", L"1");
     EXPECT_FALSE(storage.isInstallationFinished());
-    EXPECT_TRUE(log.has(2, "Failed to check if installation finished. Caught exception: ")) << log.text();
     key()->setInt32Value(L"statuses", 1);
     EXPECT_TRUE(storage.hasPatchStates());
     EXPECT_FALSE(loads());
     EXPECT_FALSE(storage.addPatchState(event));
-    EXPECT_TRUE(log.has(2, "Failed to add patch state to a patch registry storage. Caught exception: ")) << log.text();
 }
 
 TEST_F(PatchRegistryStorageTest, survivesGarbageTexts)
@@ -83,16 +78,12 @@ TEST_F(PatchRegistryStorageTest, survivesGarbageTexts)
         key()->setStringValue(L"statuses", text);
         EXPECT_FALSE(loads());
     }
-    EXPECT_EQ(log.count("Failed to parse json. Caught exception: "), 5u) << log.text();
-    EXPECT_EQ(log.count("[json.exception.type_error.302] type must be array, but is "), 2u) << log.text();
     EXPECT_EQ(patches.size(), 2u) << "what was read before the failure stays";
     EXPECT_TRUE(storage.addPatchState(event));
-    EXPECT_TRUE(log.has(3, "Wrong value is in patch registry storage in statuses node.")) << log.text();
     EXPECT_TRUE(loads());
     EXPECT_EQ(events.size(), 1u);
     key()->setStringValue(L"patches", L"[]");
     EXPECT_FALSE(loads());
-    EXPECT_EQ(log.count("[json.exception.type_error.302] type must be object"), 1u) << log.text();
     key()->setStringValue(L"patches", L"{\"x\":{}}");
     EXPECT_THROW(loads(), std::invalid_argument);
 }

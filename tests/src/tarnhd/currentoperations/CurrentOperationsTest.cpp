@@ -2,7 +2,6 @@
 
 #include "common/patches/updateid.h"
 #include "support/fakesettings.h"
-#include "support/logcapture.h"
 #include "vxtl/str.h"
 
 namespace vx::tarn {
@@ -89,16 +88,6 @@ TEST_F(CurrentOperationsTest, publishesTheSameWhetherOrNotTheScanWroteEveryKeyAs
     expected["update_id"] = id("a");
     expected["status"] = {{"value", "installation_requested"}, {"code", ""}};
     EXPECT_EQ(list().dump(), json(given.size(), expected).dump());
-}
-
-TEST_F(CurrentOperationsTest, warnsOfABadRuleAtEachPatchAlsoALoggedOne)
-{
-    missing({"a", "b"});
-    logged({{"a", "installation_failed"}});
-    queue("SEVERITY=x");
-    support::LogCapture log;
-    published();
-    EXPECT_EQ(log.count("Failed to convert severity to number: "), 2u);
 }
 
 TEST_F(CurrentOperationsTest, leavesThePublishedListAloneWhenAnInputIsMalformed)

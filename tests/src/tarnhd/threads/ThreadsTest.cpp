@@ -1,5 +1,7 @@
-#include "tarnhd/threads/pinnedthread.h"
+#include "support/gate.h"
 #include "support/logcapture.h"
+#include "tarnhd/threads/joinedthread.h"
+#include "tarnhd/threads/pinnedthread.h"
 #include "vxtl/modulelife.h"
 
 #include <windows.h>
@@ -14,6 +16,24 @@ template <typename Function>
 Function* functionOf(HMODULE library, const char* name)
 {
     return reinterpret_cast<Function*>(reinterpret_cast<void*>(GetProcAddress(library, name)));
+}
+
+TEST(JoinedThread, isGoneBehindItsOwner)
+{
+    support::LogCapture log;
+    support::Gate gate;
+    bool ended = false;
+    {
+        const JoinedThread thread([&] {
+            gate.pass();
+            ended = true;
+            throw std::runtime_error("broken body");
+        });
+        EXPECT_FALSE(ended);
+        gate.open();
+    }
+    EXPECT_TRUE(ended);
+    EXPECT_TRUE(log.has(2, "broken body")) << log.text();
 }
 
 TEST(PinnedThread, firesWhenTheBodyAndWhatItHoldsAreGoneAndKeepsNothingThen)
