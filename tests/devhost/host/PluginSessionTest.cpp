@@ -52,7 +52,6 @@ TEST_F(PluginSessionTest, callsWhatEachSizeOfRecordKnows)
         std::string expected;
     } rows[] = {
         {0, "initialize 0;resume;"},
-        {24, "initialize 24;resume;"},
         {28, "initialize 28;"},
         {32, "initialize 32;power 18 0;"},
         {36, "initialize 36;power 18 0;session 5 2;"},

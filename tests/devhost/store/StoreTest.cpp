@@ -156,9 +156,10 @@ TEST_F(StoreTest, toldOfEachChangeByThisAndByAnotherProcess)
 TEST_F(StoreTest, aKilledServerComesBackToItsClients)
 {
     std::optional process = startServerProcess();
-    application.set("a", Value::fromInt64(1));
-    listenTo("a");
-    listenTo("quiet");
+    for (const auto* name : {"a", "quiet"}) {
+        application.set(name, Value::fromInt64(1));
+        listenTo(name);
+    }
     process.reset();
     EXPECT_EQ(codeOf([&] { application.get("a"); }), ErrorCode::Unreachable);
     EXPECT_EQ(codeOf([&] { listenTo("b"); }), ErrorCode::Unreachable);
