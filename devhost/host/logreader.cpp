@@ -29,6 +29,16 @@ std::string toUtf8(std::wstring_view line)
     return text;
 }
 
+/// NAME.log for 0, NAME.1.log for 1.
+std::filesystem::path fileName(const std::filesystem::path& current, unsigned index)
+{
+    if (index == 0)
+        return current;
+    auto name = current;
+    name.replace_extension(L"." + std::to_wstring(index) + current.extension().native());
+    return name;
+}
+
 } // namespace
 
 std::filesystem::path logLocation()
@@ -112,15 +122,6 @@ private:
 LogReader::LogReader(std::filesystem::path file) : m_current(std::move(file)) {}
 
 LogReader::~LogReader() = default;
-
-std::filesystem::path LogReader::fileName(const std::filesystem::path& current, unsigned index)
-{
-    if (index == 0)
-        return current;
-    auto name = current;
-    name.replace_extension(L"." + std::to_wstring(index) + current.extension().native());
-    return name;
-}
 
 void LogReader::rewind()
 {

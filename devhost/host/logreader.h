@@ -29,9 +29,6 @@ public:
     /// rewind it starts with the current file. Throws CommandError when a file cannot be read.
     std::vector<std::string> read();
 
-    /// NAME.log for 0, NAME.1.log for 1.
-    static std::filesystem::path fileName(const std::filesystem::path& current, unsigned index);
-
 private:
     class File;
     struct Position;

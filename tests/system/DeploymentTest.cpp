@@ -131,7 +131,7 @@ TEST_F(DeploymentTest, goesOnAfterARebootAndIsCompletedOnceWhateverCameBetween)
     waitForPublished({"KB0", "KB1"}, "installation_will_continue_after_reboot");
     EXPECT_EQ(get(restartNeeded), true);
     EXPECT_EQ(command("reboot"), 1u) << "the agent fails";
-    removeAgent();
+    std::filesystem::remove(agentFolder / "tarnag.exe");
     EXPECT_EQ(command("reboot"), 1u) << "there is none";
     installAgent();
     waitForLog("Run processing", 3);

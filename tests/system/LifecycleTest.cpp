@@ -62,15 +62,6 @@ TEST_F(LifecycleTest, onlyTheFirstRunAfterABootScansOnStartUp)
     }
 }
 
-TEST_F(LifecycleTest, stopsWhileItWaitsForTheProfile)
-{
-    startHost(Wait::No, "--no-profile");
-    waitForLog("Setting 'status.windows.meridia.last_successful_update_timestamp' not found");
-    EXPECT_EQ(stopHost(), 0u);
-    EXPECT_EQ(logCount("Meridia profile is not available yet."), 1u);
-    EXPECT_EQ(logCount("Run processing"), 0u);
-}
-
 TEST_F(LifecycleTest, worksInHostsOfEveryRecordSize)
 {
     for (const char* size : {"0", "24", "28", "32", "36"}) {

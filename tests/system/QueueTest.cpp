@@ -1,5 +1,4 @@
-// The deployment queue between processes: each worker is a process of its own, on a real store server. The environment
-// variable TARNHD_DEATHS says how many of them die.
+// The deployment queue between processes: each worker is a process of its own, on a real store server.
 
 #include "common/deploymentqueue/ideploymentqueue.h"
 #include "common/event/event.h"
@@ -132,12 +131,6 @@ Texts leftBy(const std::vector<Step>& notes, std::size_t& lost)
     return left;
 }
 
-std::size_t deathsWanted()
-{
-    wchar_t text[16];
-    return GetEnvironmentVariableW(L"TARNHD_DEATHS", text, 16) ? std::stoul(text) : 20;
-}
-
 class QueueTest : public support::StageTest {
 protected:
     QueueTest() { EXPECT_TRUE(client.waitForServer(support::deadline)); }
@@ -184,9 +177,9 @@ TEST_F(QueueTest, holdsWhatSurvivorsDidWhenOthersDieInTheirWrites)
     const auto remove = [&](const std::string& text) { return queueOfThisProcess->remove(vx::str::fromUtf8(text)); };
     const ChildProcess survivors[] = {startWorker("a own 100000000"), startWorker("b own 100000000")};
     std::mt19937 random(20);
-    const std::size_t deaths = deathsWanted();
+    constexpr int deaths = 20;
     std::size_t inFlight = 0, lost = 0;
-    for (std::size_t round = 0; round < deaths; ++round) {
+    for (int round = 0; round < deaths; ++round) {
         const auto victim = startWorker("r" + std::to_string(round) + " own " + std::to_string(1 + random() % 6) + ' ' +
                                         std::to_string(1 + random() % 1500));
         ASSERT_TRUE(victim.wait()) << victim.errors();
@@ -209,8 +202,7 @@ TEST_F(QueueTest, holdsWhatSurvivorsDidWhenOthersDieInTheirWrites)
     std::ranges::sort(left);
     std::ranges::sort(expected);
     std::ranges::set_symmetric_difference(left, expected, std::back_inserter(strays));
-    std::printf(
-        "%zu deaths, %zu within a step; %zu items lost, %zu come back\n", deaths, inFlight, lost, strays.size());
+    std::printf("%d deaths, %zu within a step; %zu items lost, %zu come back\n", deaths, inFlight, lost, strays.size());
     EXPECT_EQ(lost + strays.size(), 0u) << testing::PrintToString(strays);
     EXPECT_GT(inFlight, 0u) << "no process died within a step";
 }

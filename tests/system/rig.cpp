@@ -40,8 +40,7 @@ void SystemTest::startHost(Wait wait, const std::string& options)
     const std::size_t ends = logCount(agentEnd);
     host.emplace(tarnhost("run " + storeOption + " " + options));
     m_hostStopped = false;
-    if (wait != Wait::No)
-        waitForLog("Run processing", started + 1);
+    waitForLog("Run processing", started + 1);
     if (wait == Wait::ForFirstScan)
         waitForAgentEnds(ends + 1);
 }

@@ -21,8 +21,8 @@ protected:
     SystemTest();
     void TearDown() override;
 
-    /// Starts "tarnhost run"; with waiting, until the plug-in processes and the scan it begins with is done.
-    enum class Wait { ForFirstScan, ForProcessing, No };
+    /// Starts "tarnhost run" and waits until the plug-in processes, and until the scan it begins with is done.
+    enum class Wait { ForFirstScan, ForProcessing };
     void startHost(Wait wait = Wait::ForFirstScan, const std::string& options = {});
     void startStoreAlone();
     void killStore() { store.reset(); }

@@ -1,66 +1,24 @@
-#include "host/agentdirectory.h"
+#include "common/patches/updateid.h"
 #include "stage.h"
-
-#include <algorithm>
 
 namespace {
 
 using namespace support;
 
-constexpr unsigned long accessViolation = 0xC0000005;
-
 struct TarnagTest : StageTest {
     TarnagTest() { installAgent(); }
-
-    /// Each start as "arguments: exit code".
-    Texts journal() const
-    {
-        Texts lines;
-        for (const auto& start : devhost::host::readAgentStarts(agentFolder))
-            lines.push_back(start.arguments + ":" + (start.exitCode ? " " + std::to_string(*start.exitCode) : ""));
-        return lines;
-    }
+    ChildProcess agent() const { return {agentFolder / "tarnag.exe", {}, folder.path()}; }
 };
 
 } // namespace
 
-TEST_F(TarnagTest, carriesOutAndListsOneEntryPerStart)
+TEST_F(TarnagTest, writesWhatItsScriptSaysAndFailsWithoutAStore)
 {
-    const json output{{"stdout", "hello"}, {"idle", true}};
-    script({{{"exitCode", 8}}, {{"crash", true}}, {{"exitCode", 1025}}}, {{"complete", json::array({output})}});
-    const struct {
-        const wchar_t* arguments;
-        unsigned long code;
-        const char* output;
-    } rows[] = {
-        {L"", 8, ""},
-        {L"-c complete", 0, "hello"},
-        {L"--command=queue --severity=important", accessViolation, ""},
-        {L"--command=queue --severity=", 1025, ""},
-        {L"", 1025, ""},
-    };
-    for (const auto& row : rows) {
-        const auto started = agent(row.arguments);
-        EXPECT_EQ(started.wait(), row.code);
-        EXPECT_THAT(started.output(), testing::HasSubstr(row.output));
-    }
-    EXPECT_THAT(journal(), testing::ElementsAre(": 8", "-c complete: 0",
-                               "--command=queue --severity=important:", "--command=queue --severity=: 1025", ": 1025"));
-}
-
-TEST_F(TarnagTest, writesItsResultsToTheStoreAndFailsWithoutOne)
-{
-    const auto& missingUpdates = status.scanning.lastScanning.missingUpdates;
     const auto& restartNeeded = status.installation.lastInstallation.restartComputerNeeded;
     server.start();
-    EXPECT_EQ(agent().wait(), 0u);
-    EXPECT_EQ(get(missingUpdates).size(), 2u) << "the sample";
-
-    script(
-        {{{"missingUpdates", {{{"update_id", "A"}}}}, {"set", {{keyOf(restartNeeded), true}, {"x", "\xE2\x82\xAC"}}}}});
+    script({{{"set", {{keyOf(restartNeeded), true}, {"x", "\xE2\x82\xAC"}}}}});
     const auto scan = agent();
     EXPECT_EQ(scan.wait(), 0u) << scan.errors();
-    EXPECT_EQ(get(missingUpdates).dump(), R"([{"update_id":"A"}])");
     EXPECT_EQ(get(restartNeeded), true);
     EXPECT_EQ(client.get("x"), Value::fromString("\xE2\x82\xAC"));
 
@@ -68,16 +26,40 @@ TEST_F(TarnagTest, writesItsResultsToTheStoreAndFailsWithoutOne)
     const auto lost = agent();
     EXPECT_EQ(lost.wait(), 21u);
     EXPECT_THAT(lost.errors(), testing::StartsWith("tarnag: "));
-    EXPECT_EQ(journal().back(), ": 21");
 }
 
-TEST_F(TarnagTest, refusesABadScriptOrCommandLineWithOneLine)
+TEST_F(TarnagTest, takesPatchesToTheirStateAndItemsFromTheQueue)
 {
-    writeFile(agentFolder / "tarnag.script.json", "{\"runs\": 1}");
-    for (const auto* arguments : {L"", L"--frob"}) {
-        const auto started = agent(arguments);
-        EXPECT_EQ(started.wait(), 2u);
-        EXPECT_THAT(started.errors(), testing::StartsWith("tarnag: "));
-        EXPECT_EQ(std::ranges::count(started.errors(), '\n'), 1) << started.errors();
+    const auto& install = settings.remoteOperations.installUpdates;
+    const auto& entries = status.installation.log.entries;
+    const auto idOfB = vx::str::toUtf8(vx::tarn::common::deriveUpdateId(L"", L"", L"", L"B"));
+    const struct {
+        json members;
+        Texts queued, log, left;
+        const char* result;
+    } rows[] = {
+        {{{"stepMs", 0}}, {"ALL", "CRITICAL"}, {"A installation_completed", "X canceled", "B installation_completed"},
+            {}, "success"},
+        {{{"items", 1}, {"stepMs", 0}, {"states", {"file_downloading", "file_download_failed"}}},
+            {"ID=" + idOfB, "CRITICAL"}, {"X canceled", "B file_download_failed"}, {"CRITICAL"}, "failed"},
+    };
+    server.start();
+    put(status.scanning.lastScanning.missingUpdates,
+        json::array({{{"update_name", "A"}, {"severity", 1}}, {{"update_name", "B"}}}));
+    for (std::int64_t request = 1; const auto& row : rows) {
+        SCOPED_TRACE(row.members.dump());
+        putQueue(row.queued);
+        put(install.start, request++);
+        put(entries, {{{"update_name", "X"}, {"update_id", "x"}, {"status", {{"value", "canceled"}}}},
+                         {{"update_name", "B"}, {"update_id", idOfB}, {"status", {{"value", "canceled"}}}}});
+        script({{{"deploy", row.members}}});
+        EXPECT_EQ(agent().wait(), 0u);
+        Texts log;
+        for (const json& entry : get(entries))
+            log.push_back(
+                entry.at("update_name").get<std::string>() + " " + entry.at("status").at("value").get<std::string>());
+        EXPECT_EQ(log, row.log);
+        EXPECT_EQ(queue(), row.left);
+        EXPECT_EQ(get(install.result), row.result);
     }
 }

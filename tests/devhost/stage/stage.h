@@ -1,16 +1,20 @@
 #pragma once
 
-#include "childprocess.h"
 #include "ipc/signal.h"
 #include "keys/keycatalogue.h"
 #include "store/client/client.h"
 #include "store/server/server.h"
 #include "support/record.h"
+#include "vxtl/handle.h"
 #include "vxtl/str.h"
 
-#include <gmock/gmock.h>
-
+#include <chrono>
+#include <filesystem>
 #include <functional>
+#include <gmock/gmock.h>
+#include <memory>
+#include <nlohmann/json.hpp>
+#include <optional>
 
 namespace support {
 
@@ -21,6 +25,47 @@ using Texts = std::vector<std::string>;
 
 inline const auto& settings = devhost::host::keys::settings;
 inline const auto& status = devhost::host::keys::status;
+
+/// A program started by a test, with its output collected in files. Killed at destruction, as by a crash, if it still
+/// runs.
+class ChildProcess {
+public:
+    /// `program` is a full path, or a name in the programs' folder.
+    ChildProcess(
+        const std::filesystem::path& program, const std::wstring& arguments, const std::filesystem::path& outputFolder);
+    ~ChildProcess();
+    ChildProcess(ChildProcess&& other) = default;
+
+    /// The exit code; nothing when it has not ended within the time.
+    std::optional<unsigned long> wait(std::chrono::milliseconds timeout = std::chrono::seconds(60)) const;
+    std::string output() const;
+    std::string errors() const;
+
+private:
+    std::filesystem::path m_outputFile;
+    std::filesystem::path m_errorFile;
+    std::unique_ptr<vx::KernelHandle> m_process;
+};
+
+/// The folder of the running test program, where all programs of the build are.
+std::filesystem::path programFolder();
+
+/// A new empty folder, removed at destruction; what a killed run left of the same name goes first.
+class TemporaryFolder {
+public:
+    TemporaryFolder();
+    ~TemporaryFolder();
+    TemporaryFolder(const TemporaryFolder&) = delete;
+    TemporaryFolder& operator=(const TemporaryFolder&) = delete;
+
+    const std::filesystem::path& path() const { return m_path; }
+
+private:
+    std::filesystem::path m_path;
+};
+
+std::string readFile(const std::filesystem::path& path);
+void writeFile(const std::filesystem::path& path, const std::string& text);
 
 /// Two named events by which a test holds a scripted agent: the agent sets `started` and goes on once `release` is set.
 class Gate {
@@ -53,13 +98,8 @@ protected:
     /// Puts it there with the store's client library beside it, as where it is installed.
     void installAgent(const std::filesystem::path& where) const;
     void installAgent() const { installAgent(agentFolder); }
-    void removeAgent() const { std::filesystem::remove(agentFolder / "tarnag.exe"); }
     /// The agent's ordinary runs in order, the last one repeats; `lists`: those of other starts.
     void script(const std::vector<json>& runs, json lists = json::object()) const;
-    ChildProcess agent(const std::wstring& arguments = {}) const
-    {
-        return {agentFolder / "tarnag.exe", arguments, folder.path()};
-    }
 
     /// By the row's type. Null for a value that is missing.
     void put(const vx::tarn::KeyRow& row, const json& value);
