@@ -13,6 +13,8 @@
 #include "support/record.h"
 #include "tarnhd/factory/tarnhdfactory.h"
 #include "tarnhd/manager/tarnpatchmanager.h"
+#include "tarnhd/wusstopper/triggerkey.h"
+#include "vxtl/registry.h"
 
 #include <future>
 
@@ -174,6 +176,8 @@ class TarnHandlerTest : public testing::Test, protected FakedHandler {};
 
 TEST_F(TarnHandlerTest, waitsForTheProfileThroughFailuresAndThenDoesTheFirstRunsWork)
 {
+    const auto registry = registry::createWin32Registry();
+    registry->createKey(triggerKey);
     common->atomExists = false;
     store.setBoolValue(restartNeededKey, true);
     store.setBoolValue(startupScanKey, false);
@@ -188,6 +192,7 @@ TEST_F(TarnHandlerTest, waitsForTheProfileThroughFailuresAndThenDoesTheFirstRuns
     EXPECT_EQ(store.subscriptions(), 10u);
     EXPECT_TRUE(common->atomExists);
     EXPECT_FALSE(store.getBoolValue(restartNeededKey));
+    EXPECT_FALSE(registry->doesKeyExist(triggerKey));
     EXPECT_TRUE(log.has(4, "Scan on startup is not enabled.")) << log.text();
 }
 
@@ -260,6 +265,20 @@ TEST_F(TarnHandlerTest, isOutOfReachAfterAStopDuringAnOutage)
     store.setBoolValue(waitKey, false);
     store.setBoolValue(L"windows.tarnpatch.enabled", false);
     EXPECT_EQ(common->done.size(), 4u);
+}
+
+TEST_F(TarnHandlerTest, runsTheServiceStopperWhileItProcesses)
+{
+    const auto registry = registry::createWin32Registry();
+    registry->createKey(triggerKey);
+    beginAndWait();
+    EXPECT_TRUE(log.waitFor("WUS stopper trigger key found as: 1")) << log.text();
+    handler.stop();
+    expectEnd();
+    EXPECT_TRUE(log.has(4, "WUS poll thread exited")) << log.text();
+    EXPECT_TRUE(log.has(4, "WUS stopper stopped"));
+    EXPECT_TRUE(registry->doesKeyExist(triggerKey)) << "of this boot";
+    registry->deleteKey(triggerKey);
 }
 
 TEST(TarnHandler, waitsForAStoreThatCannotBeReachedAndEndsOnOneThatRefuses)
