@@ -1,7 +1,9 @@
 #include "rig.h"
 
 #include "host/bootatom.h"
+#include "tarnhd/wusstopper/triggerkey.h"
 #include "vxtl/globalmutex.h"
+#include "vxtl/registry.h"
 
 #include <mutex>
 
@@ -73,6 +75,21 @@ TEST_F(LifecycleTest, stopsWhileItWaitsForTheProfile)
     EXPECT_EQ(stopHost(), 0u);
     EXPECT_EQ(logCount("Meridia profile is not available yet."), 1u);
     EXPECT_EQ(logCount("Run processing"), 0u);
+}
+
+TEST_F(LifecycleTest, rebootsWhenTheTimeSinceTheRequestIsOver)
+{
+    const auto registry = vx::registry::createWin32Registry();
+    startHost(Wait::ForProcessing, "--reboots play");
+    client.set(keyOf(settings.installation.reboot.askUser), Value::fromBool(false));
+    setNumber(keyOf(settings.installation.reboot.forceInSeconds), 0);
+    waitForLog("WUS stopper trigger key found as: 0");
+    registry->createKey(vx::tarn::triggerKey)->setInt64Value(vx::tarn::triggerTimeValue, 1);
+    waitForLog("ExitWindowsEx for reboot successfully completed.");
+    waitForLog("Run processing", 2);
+    EXPECT_EQ(logCount("WUS poll thread exited"), 1u);
+    EXPECT_FALSE(registry->doesKeyExist(vx::tarn::triggerKey)) << "the request was of the boot before";
+    EXPECT_EQ(stopHost(), 0u);
 }
 
 TEST_F(LifecycleTest, worksInHostsOfEveryRecordSize)

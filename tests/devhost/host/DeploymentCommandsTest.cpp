@@ -1,6 +1,7 @@
 #include "common/factory/commonfactory.h"
 #include "common/globalatom/globalatom.h"
 #include "common/patchstorage/ipatchstorage.h"
+#include "host/directorywatch.h"
 #include "hostfixture.h"
 #include "keys/keycatalogue.h"
 #include "store/client/client.h"
@@ -53,7 +54,7 @@ protected:
         report.status = MachineStateTarget::SafeRebootPending;
         storage->addPatchState({ReportEventType::OfflineMachineStatus, report, 0, {}});
         std::filesystem::copy_file(support::programFolder() / "tarnag.exe", folder.path() / "tarnag.exe");
-        host.emplace(startHost("--agent-dir \"" + folder.path().string() + "\""));
+        restartHost({});
     }
     ~RebootTest() override
     {
@@ -61,6 +62,21 @@ protected:
         storage->clear();
     }
 
+    void restartHost(const std::string& options)
+    {
+        call("stop");
+        host.emplace(startHost(options + "--agent-dir \"" + folder.path().string() + "\""));
+    }
+    /// How many the host has shown; the agent's lines stand between them.
+    int events(const std::string& name) const
+    {
+        const std::string shown = host->output();
+        const std::string event = R"("event":")" + name + '"';
+        int count = 0;
+        for (auto at = shown.find(event); at != std::string::npos; at = shown.find(event, at + 1))
+            ++count;
+        return count;
+    }
     /// Whether it was loaded; that it has started is told a moment later.
     bool pluginIsBack() { return json::parse(call("--json status").output).at("host").at("state") != "not loaded"; }
 
@@ -152,6 +168,27 @@ TEST_F(RebootTest, letsTheAgentFinishWhatWaits)
     EXPECT_TRUE(pluginIsBack());
     EXPECT_THAT(call("reboot").output, HasSubstr("no deployment waited"));
     EXPECT_EQ(support::parseLines(support::readFile(folder.path() / "tarnag.runs.jsonl")).size(), 2u) << "one run";
+}
+
+TEST_F(RebootTest, holdsWhatThePluginAsksForOrPlaysIt)
+{
+    EXPECT_EQ(call("session-event 99 19").code, 0);
+    EXPECT_EQ(json::parse(call("--json status").output).at("host").at("reboot_requests"), 1);
+    EXPECT_THAT(host->output(), HasSubstr(R"("flags":2,"reason":19,"reboots":"hold")"));
+    restartHost("--reboots play ");
+    EXPECT_FALSE(storage->isInstallationFinished());
+    EXPECT_EQ(events("reboot"), 0);
+    devhost::host::DirectoryWatch changes(folder.path());
+    const devhost::ipc::Signal never;
+    const auto deadline = std::chrono::steady_clock::now() + std::chrono::minutes(1);
+    EXPECT_EQ(call("session-event 99 19").code, 0);
+    while (!storage->isInstallationFinished() && std::chrono::steady_clock::now() < deadline)
+        changes.wait(never, 250);
+    EXPECT_TRUE(storage->isInstallationFinished());
+    // Answered once the reboot is over.
+    EXPECT_TRUE(pluginIsBack());
+    EXPECT_EQ(events("loaded"), 2);
+    EXPECT_EQ(events("error"), 0);
 }
 
 TEST_F(RebootTest, bringsThePluginUpWhateverTheAgentDoes)

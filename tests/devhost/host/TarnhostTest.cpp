@@ -20,6 +20,7 @@ TEST_F(TarnhostTest, answersMistakesWithOneLineAndACode)
         {"frobnicate", 2, "frobnicate"},
         {"run --size 30", 2, "--size"},
         {"run --store a --no-store", 2, "--no-store"},
+        {"run --reboots often", 2, "--reboots"},
         {"get", 2, "KEY"},
         {"set some.key 1", 2, "unknown key some.key: give its type with --type"},
         {"set windows.tarnpatch.enabled maybe", 2, "maybe"},
