@@ -11,8 +11,10 @@
 #include "ipc/instance.h"
 #include "ipc/listener.h"
 #include "store/server/server.h"
+#include "vxtl/clock.h"
 #include "vxtl/str.h"
 
+#include <algorithm>
 #include <nlohmann/json.hpp>
 #include <windows.h>
 
@@ -50,12 +52,12 @@ ExitCode Host::run()
     }
     StoreMonitor monitor(m_context.instance, m_context.printer,
         m_options.provideProfile ? StoreMonitor::Profile::Provide : StoreMonitor::Profile::LeaveAlone);
+    m_rebootCatch.emplace([this](const RebootRequest& request) { return onRebootRequest(request); });
     startPlugin();
     auto control = serveControl(m_context.instance, [this](const json& request) { return handle(request); });
     const ipc::Signal ready(ipc::objectName(m_context.instance, L"ready"));
     ready.set();
-    const auto time = m_options.runTime ? std::chrono::milliseconds(*m_options.runTime).count() : ipc::forever;
-    m_context.stop.wait(static_cast<unsigned long>(time));
+    waitForStop();
     ready.reset();
     // A request that is being carried out is finished first.
     control.reset();
@@ -64,6 +66,48 @@ ExitCode Host::run()
         TerminateProcess(GetCurrentProcess(), static_cast<UINT>(ExitCode::Failed));
     }
     return m_failed ? ExitCode::Failed : ExitCode::Done;
+}
+
+void Host::waitForStop()
+{
+    const auto end = m_options.runTime ? std::optional(vx::uptime() + *m_options.runTime) : std::nullopt;
+    const auto timeLeft = [&] {
+        const auto left = end ? std::max(*end - vx::uptime(), std::chrono::milliseconds(0)).count() : ipc::forever;
+        return static_cast<unsigned long>(left);
+    };
+    while (m_context.stop.waitOr(m_rebootWanted, timeLeft()) && !m_context.stop.isSet()) {
+        m_rebootWanted.reset();
+        playReboot();
+    }
+}
+
+RebootCatch::Answer Host::onRebootRequest(const RebootRequest& request)
+{
+    static constexpr struct {
+        const char* name;
+        const char* text;
+    } fates[] = {{"hold", "held"}, {"play", "to be played"}, {"real", "left to the system"}};
+    const auto& fate = fates[static_cast<std::size_t>(m_options.reboots)];
+    m_context.printer.event("reboot request", std::string("the plug-in asks for a reboot: ") + fate.text,
+        {{"flags", request.flags}, {"reason", request.reason}, {"reboots", fate.name}});
+    const std::lock_guard lock(m_stateMutex);
+    ++m_rebootRequests;
+    if (m_options.reboots == Reboots::Real)
+        return RebootCatch::Answer::FromSystem;
+    // Not here: a reboot ends the plug-in, which waits for this very thread.
+    if (m_options.reboots == Reboots::Play)
+        m_rebootWanted.set();
+    return RebootCatch::Answer::Begun;
+}
+
+// By the way that a user takes, as requests exclude each other.
+void Host::playReboot()
+{
+    try {
+        callHost(m_context.instance, {{"command", "reboot"}});
+    } catch (const CommandError& error) {
+        m_context.printer.event("error", error.what(), {{"error", error.what()}});
+    }
 }
 
 void Host::prepare()
@@ -149,7 +193,7 @@ json Host::status()
 {
     const std::lock_guard lock(m_stateMutex);
     return {{"pid", GetCurrentProcessId()}, {"plugin", toText(m_options.plugin)}, {"size", m_options.recordSize},
-        {"state", m_state}, {"result", m_result ? json(*m_result) : json()},
+        {"state", m_state}, {"result", m_result ? json(*m_result) : json()}, {"reboot_requests", m_rebootRequests},
         {"store", m_options.store ? json(toText(*m_options.store)) : json()}};
 }
 

@@ -3,6 +3,7 @@
 #include "host/context.h"
 #include "host/exitcode.h"
 #include "host/pluginsession.h"
+#include "host/rebootcatch.h"
 
 #include <chrono>
 #include <cstdint>
@@ -21,6 +22,7 @@ struct HostOptions {
     std::optional<std::chrono::seconds> runTime; ///< without it until the user stops it
     std::uint32_t recordSize = 36;
     bool provideProfile = true;
+    Reboots reboots = Reboots::Hold;               ///< of those that the plug-in asks for
     std::chrono::milliseconds stopTimeout{30'000}; ///< how long a plug-in may take to end
 };
 
@@ -39,6 +41,9 @@ private:
     nlohmann::json status();
     nlohmann::json restart();
     nlohmann::json reboot();
+    RebootCatch::Answer onRebootRequest(const RebootRequest& request);
+    void waitForStop();
+    void playReboot();
     void prepare();
     void startPlugin();
     bool stopPlugin();
@@ -49,9 +54,12 @@ private:
     const Context& m_context;
     HostOptions m_options;
     std::mutex m_stateMutex;
-    std::string m_state = "not loaded";    ///< guarded by m_stateMutex
-    std::optional<std::uint32_t> m_result; ///< guarded by m_stateMutex; of the last main callback
-    bool m_failed = false;                 ///< of the thread that has m_session
+    std::string m_state = "not loaded";       ///< guarded by m_stateMutex
+    std::optional<std::uint32_t> m_result;    ///< guarded by m_stateMutex; of the last main callback
+    unsigned m_rebootRequests = 0;            ///< guarded by m_stateMutex
+    const ipc::Signal m_rebootWanted;         ///< for the main thread to play one
+    bool m_failed = false;                    ///< of the thread that has m_session
+    std::optional<RebootCatch> m_rebootCatch; ///< there before the plug-in and behind it
     /// Of the main thread before and after the control server lives, of the handler's turn meanwhile.
     std::optional<PluginSession> m_session;
 };

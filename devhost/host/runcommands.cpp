@@ -4,6 +4,7 @@
 #include "program/program.h"
 #include "vxtl/str.h"
 
+#include <map>
 #include <set>
 
 namespace devhost::host {
@@ -12,6 +13,7 @@ namespace {
 
 struct RunOptions {
     std::string plugin, store, agentDirectory;
+    Reboots reboots = Reboots::Hold;
     bool noStore = false, untilStop = false, noProfile = false;
     std::uint32_t size = 36;
     std::optional<unsigned> seconds;
@@ -40,6 +42,7 @@ ExitCode runHost(const Context& context, const RunOptions& given)
         options.runTime = std::chrono::seconds(*given.seconds);
     options.recordSize = given.size;
     options.provideProfile = !given.noProfile;
+    options.reboots = given.reboots;
     return Host(context, options).run();
 }
 
@@ -62,6 +65,12 @@ void addRun(Commands& commands)
         "--store", options.store, "the store's file; tarnhost.INSTANCE.store.json beside this program without it");
     run->add_flag("--no-store", options.noStore, "another process serves the store")->excludes(file);
     run->add_option("--agent-dir", options.agentDirectory, "write the agent's folder to the registry");
+    const std::map<std::string, Reboots> reboots{
+        {"hold", Reboots::Hold}, {"play", Reboots::Play}, {"real", Reboots::Real}};
+    run->add_option("--reboots", options.reboots,
+           "what becomes of a reboot that the plug-in asks for: hold it (default), play it as 'tarnhost reboot' does, "
+           "or let this computer go down")
+        ->transform(CLI::CheckedTransformer(reboots));
     auto* seconds = run->add_option("--for-seconds", options.seconds, "end after that time");
     run->add_flag("--until-stop", options.untilStop, "end on Ctrl-C or 'tarnhost stop' only, which is the default")
         ->excludes(seconds);

@@ -153,6 +153,8 @@ ExitCode showStatus(const Context& context, const StatusOptions& options)
         if (!host.is_null())
             printer.line("plug-in:    " + plain(host.at("state")) + ", " + plain(host.at("plugin")) + ", record size " +
                          plain(host.at("size")));
+        if (!host.is_null() && host.at("reboot_requests") != 0)
+            printer.line("reboots:    asked for " + plain(host.at("reboot_requests")) + " times");
         printStore(printer, status.at("store"));
         printAgent(printer, status.at("agent"));
     }

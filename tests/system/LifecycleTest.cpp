@@ -1,6 +1,8 @@
 #include "rig.h"
 
+#include "tarnhd/wusstopper/triggerkey.h"
 #include "vxtl/globalmutex.h"
+#include "vxtl/registry.h"
 
 #include <mutex>
 
@@ -60,6 +62,21 @@ TEST_F(LifecycleTest, onlyTheFirstRunAfterABootScansOnStartUp)
         EXPECT_EQ(logCount("Start after reboot scan if expired"), boots);
         EXPECT_EQ(logCount("It's a first run after reboot."), boots);
     }
+}
+
+TEST_F(LifecycleTest, rebootsWhenTheTimeSinceTheRequestIsOver)
+{
+    const auto registry = vx::registry::createWin32Registry();
+    startHost(Wait::ForProcessing, "--reboots play");
+    put(settings.installation.reboot.askUser, false);
+    put(settings.installation.reboot.forceInSeconds, 0);
+    waitForLog("WUS stopper trigger key found as: 0");
+    registry->createKey(vx::tarn::triggerKey)->setInt64Value(vx::tarn::triggerTimeValue, 1);
+    waitForLog("ExitWindowsEx for reboot successfully completed.");
+    waitForLog("Run processing", 2);
+    EXPECT_EQ(logCount("WUS poll thread exited"), 1u);
+    EXPECT_FALSE(registry->doesKeyExist(vx::tarn::triggerKey)) << "the request was of the boot before";
+    EXPECT_EQ(stopHost(), 0u);
 }
 
 TEST_F(LifecycleTest, worksInHostsOfEveryRecordSize)

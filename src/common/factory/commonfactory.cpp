@@ -7,6 +7,8 @@
 #include "common/globalatom/globalatom.h"
 #include "common/patchstorage/patchregistrystorage.h"
 #include "common/process/process.h"
+#include "common/reboot/computerrebooter.h"
+#include "common/reboot/vxrestart.h"
 #include "common/registrykeynotifier/registrykeynotifier.h"
 #include "common/serviceproxy/serviceproxy.h"
 #include "common/settings/tarnpatchsettings.h"
@@ -83,6 +85,11 @@ std::shared_ptr<IService> CommonFactory::createServiceProxy(const std::wstring& 
     return std::make_shared<ServiceProxy>(name);
 }
 
+std::shared_ptr<IComputerRebooter> CommonFactory::createComputerRebooter()
+{
+    return std::make_shared<ComputerRebooter>(std::make_unique<RebootDriver>());
+}
+
 std::shared_ptr<IRegistryKeyNotifier> CommonFactory::createRegistryKeyNotifier()
 {
     return std::make_shared<RegistryKeyNotifier>();
@@ -127,6 +134,12 @@ std::shared_ptr<IPatchStorage> CommonFactory::createPatchStorage()
 std::shared_ptr<IUserSessions> CommonFactory::createUserSessions()
 {
     return std::make_shared<UserSessions>();
+}
+
+std::shared_ptr<RebootDialog> CommonFactory::createRestart()
+{
+    return std::make_shared<VxRestart>(
+        createSettings(), [this] { return createProcess(); }, createUserSessions(), createRegistry());
 }
 
 std::shared_ptr<IDeploymentQueue> CommonFactory::createDeploymentQueue()

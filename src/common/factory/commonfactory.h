@@ -24,6 +24,7 @@ class TarnpatchSettings;
 namespace vx::tarn::common {
 
 class Event;
+class IComputerRebooter;
 class IDeploymentQueue;
 class IGlobalAtom;
 class IPatchStorage;
@@ -35,6 +36,7 @@ class ISystemRestorePoint;
 class ITimeout;
 class IUpdaterLauncher;
 class IUserSessions;
+class RebootDialog;
 
 /// Makes what the plug-in shares with the agent; each call makes a new object. Two stages: before
 /// setSettings only operations that need no settings may be called. setStopEvent and setSettings come once, before
@@ -61,6 +63,7 @@ public:
     virtual std::shared_ptr<ISystemRestorePoint> createSystemRestorePoint();
     virtual std::shared_ptr<registry::Registry> createRegistry();
     virtual std::shared_ptr<IService> createServiceProxy(const std::wstring& name);
+    virtual std::shared_ptr<IComputerRebooter> createComputerRebooter();
     virtual std::shared_ptr<IRegistryKeyNotifier> createRegistryKeyNotifier();
     virtual std::shared_ptr<IGlobalAtom> createGlobalAtom(const std::wstring& name);
     /// Waits up to 60 seconds for the start event, which the agent manager makes.
@@ -74,6 +77,8 @@ public:
     virtual std::shared_ptr<ITimeout> createTimeoutGenerator(std::uint64_t initialDelay);
     virtual std::shared_ptr<IPatchStorage> createPatchStorage();
     virtual std::shared_ptr<IUserSessions> createUserSessions();
+    /// With a store access of its own; one attempt.
+    virtual std::shared_ptr<RebootDialog> createRestart();
     /// With a store access of its own; one attempt.
     virtual std::shared_ptr<IDeploymentQueue> createDeploymentQueue();
     virtual std::shared_ptr<IDeploymentQueue> createDeploymentQueue(std::shared_ptr<settings::Settings> settings);

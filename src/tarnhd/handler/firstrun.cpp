@@ -8,6 +8,7 @@
 #include "tarnhd/actions/startupautoscan.h"
 #include "tarnhd/actions/startupdeploywatchdog.h"
 #include "tarnhd/actionscheduler/actionscheduler.h"
+#include "tarnhd/wusstopper/wusstopper.h"
 
 namespace vx::tarn {
 
@@ -21,8 +22,9 @@ constexpr wchar_t postRebootAtom[] = L"Global\\PostRebootATOM{894D1810-89A9-4363
 } // namespace
 
 FirstRun::FirstRun(common::CommonFactory& commonFactory, const TarnpatchSettings& settings,
-    const TarnpatchStatus& status, ActionScheduler& scheduler)
-    : m_commonFactory(commonFactory), m_settings(settings), m_status(status), m_scheduler(scheduler)
+    const TarnpatchStatus& status, ActionScheduler& scheduler, WUSStopper& wusStopper)
+    : m_commonFactory(commonFactory), m_settings(settings), m_status(status), m_scheduler(scheduler),
+      m_wusStopper(wusStopper)
 {}
 
 void FirstRun::process()
@@ -33,6 +35,7 @@ void FirstRun::process()
     if (atom->exists())
         return;
     LogStream(Level::Info) << "It's a first run after reboot.";
+    m_wusStopper.cleanupStopFlag();
     scheduleActions();
     // Last: what failed above is tried again by the next run.
     atom->create();

@@ -19,6 +19,7 @@
 #include "tarnhd/manager/tarnpatchmanager.h"
 #include "tarnhd/subscriptions/subscriptions.h"
 #include "tarnhd/threads/joinedthread.h"
+#include "tarnhd/wusstopper/wusstopper.h"
 #include "vxtl/guarded.h"
 #include "vxtl/scopeexit.h"
 
@@ -68,6 +69,7 @@ void TarnHandler::initializeHandler()
     // Makes the start event, which all launchers open.
     m_manager = m_factory->createTarnpatchManager(m_settings);
     m_updaterLauncher = m_commonFactory->createUpdaterLauncher();
+    m_wusStopper = std::make_shared<WUSStopper>(m_settings, m_commonFactory.get());
     // Queue and publisher have store accesses of their own, and the store may have gone since the one above.
     m_deploymentQueue = m_commonFactory->createDeploymentQueue(createSettings());
     m_actionScheduler = createActionScheduler();
@@ -113,10 +115,18 @@ void TarnHandler::run()
 
 void TarnHandler::process()
 {
-    FirstRun(*m_commonFactory, *m_tarnpatchSettings, *m_tarnpatchStatus, *m_actionScheduler).process();
+    FirstRun(*m_commonFactory, *m_tarnpatchSettings, *m_tarnpatchStatus, *m_actionScheduler, *m_wusStopper).process();
     // Outlives the subscriptions: a change handler may start the manager until the last one is gone.
     const ScopeExit managerStop([this] { stopManager(); });
     const auto subscriptions = subscribeToChanges();
+    runThreads();
+    guarded([this] { sync::waitForSingleObject(*m_stopEvent, sync::infinite); });
+}
+
+void TarnHandler::runThreads()
+{
+    m_wusStopper->start();
+    const ScopeExit stopperStop([this] { m_wusStopper->stop(); });
     updateEnabledStatus();
     const std::chrono::milliseconds period = pollingPeriod();
     LogStream(Level::Info) << "Scheduler period: " << period.count() << " ms.";
@@ -135,7 +145,6 @@ void TarnHandler::process()
     }
     m_running = false;
     LogStream(Level::Info) << "Processing stopped";
-    guarded([this] { sync::waitForSingleObject(*m_stopEvent, sync::infinite); });
 }
 
 // An interval of nothing would keep a processor busy for as long as the plug-in runs.

@@ -28,6 +28,7 @@ class TarnhdFactory;
 class TarnpatchManager;
 class TarnpatchSettings;
 class TarnpatchStatus;
+class WUSStopper;
 
 /// The plug-in: owns every long-lived object, puts them together, and routes what comes from outside. Made, run
 /// and destroyed on one thread, which it puts into the multithreaded apartment. stop and onPowerEvent may come
@@ -60,6 +61,7 @@ private:
     bool hasProfile() const;
     std::chrono::milliseconds pollingPeriod() const;
     void process();
+    void runThreads();
     void waitForEvents();
     void publishStatus();
     /// Sleeps; true as soon as the stop event is set.
@@ -86,6 +88,7 @@ private:
     std::atomic<bool> m_running{false}; ///< for inspection only
     std::shared_ptr<TarnpatchManager> m_manager;
     std::shared_ptr<common::IUpdaterLauncher> m_updaterLauncher;
+    std::shared_ptr<WUSStopper> m_wusStopper;
     std::shared_ptr<common::IDeploymentQueue> m_deploymentQueue;
     std::shared_ptr<ActionScheduler> m_actionScheduler;
     std::shared_ptr<CurrentOperations> m_currentOperations;

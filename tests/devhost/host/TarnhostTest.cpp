@@ -65,6 +65,7 @@ TEST_F(TarnhostTest, answersMistakesWithOneLineAndACode)
 {
     expectOneLineEach({
         {"", 2, "subcommand is required"},
+        {"run --reboots often", 2, "--reboots"},
         {"set some.key 1", 2, "unknown key some.key: give its type with --type"},
         {"set windows.tarnpatch.enabled maybe", 2, "maybe"},
         {"get windows.tarnpatch.enabled", 3, "unreachable"},

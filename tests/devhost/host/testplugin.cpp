@@ -1,5 +1,6 @@
 // A plug-in that writes down how it is called. The name it is given chooses how it behaves: "refuse" does
-// not initialise, "overrun" writes behind its record, "deaf" does not end when it is stopped.
+// not initialise, "overrun" writes behind its record, "deaf" does not end when it is stopped. One kind of session
+// event has it ask for a reboot.
 #include "host/pluginapi.h"
 
 #include <mutex>
@@ -9,6 +10,8 @@
 namespace {
 
 using namespace devhost::host;
+
+constexpr std::uint32_t rebootWanted = 99;
 
 std::mutex mutex;
 std::string calls; // guarded by mutex
@@ -52,6 +55,8 @@ void DEVHOST_CALLBACK onPowerEvent(PluginApi*, std::uint32_t type, std::uint32_t
 void DEVHOST_CALLBACK onSessionChangeEvent(PluginApi*, std::uint32_t type, std::uint32_t data)
 {
     note("session " + std::to_string(type) + " " + std::to_string(data));
+    if (type == rebootWanted)
+        ExitWindowsEx(EWX_REBOOT, data);
 }
 
 } // namespace

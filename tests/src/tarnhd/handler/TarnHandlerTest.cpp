@@ -14,6 +14,8 @@
 #include "support/record.h"
 #include "tarnhd/factory/tarnhdfactory.h"
 #include "tarnhd/manager/tarnpatchmanager.h"
+#include "tarnhd/wusstopper/triggerkey.h"
+#include "vxtl/registry.h"
 
 namespace vx::tarn {
 namespace {
@@ -160,6 +162,8 @@ TEST_F(TarnHandlerTest, waitsForTheProfileThroughFailuresAndThenDoesTheFirstRuns
 {
     const auto& restartNeeded = statusKeys.installation.lastInstallation.restartComputerNeeded;
     const auto& profile = hostKeys.lastSuccessfulUpdateTimestamp;
+    const auto registry = registry::createWin32Registry();
+    registry->createKey(triggerKey);
     common->atomExists = false;
     store.set(restartNeeded, true);
     store.set(keys.scanning.automatic.scanningOnSystemStartup.enabled, false);
@@ -174,6 +178,7 @@ TEST_F(TarnHandlerTest, waitsForTheProfileThroughFailuresAndThenDoesTheFirstRuns
     EXPECT_EQ(store.subscriptions(), 10u);
     EXPECT_TRUE(common->atomExists);
     EXPECT_EQ(store.get(restartNeeded), false);
+    EXPECT_FALSE(registry->doesKeyExist(triggerKey));
     EXPECT_TRUE(log.has(4, "Scan on startup is not enabled.")) << log.text();
 }
 
@@ -253,6 +258,20 @@ TEST_F(TarnHandlerTest, isOutOfReachAfterAStopDuringAnOutage)
     EXPECT_EQ(store.subscriptions(), 10u);
     EXPECT_EQ(doneAt(wait, false), Entries());
     EXPECT_EQ(doneAt(keys.enabled, false), Entries());
+}
+
+TEST_F(TarnHandlerTest, runsTheServiceStopperWhileItProcesses)
+{
+    const auto registry = registry::createWin32Registry();
+    registry->createKey(triggerKey);
+    beginAndWait();
+    EXPECT_TRUE(log.waitFor("WUS stopper trigger key found as: 1")) << log.text();
+    handler.stop();
+    expectEnd();
+    EXPECT_TRUE(log.has(4, "WUS poll thread exited")) << log.text();
+    EXPECT_TRUE(log.has(4, "WUS stopper stopped"));
+    EXPECT_TRUE(registry->doesKeyExist(triggerKey)) << "of this boot";
+    registry->deleteKey(triggerKey);
 }
 
 TEST_F(TarnHandlerTest, emptiesTheStatusWhenSwitchedOffAndScansWhenSwitchedOn)
