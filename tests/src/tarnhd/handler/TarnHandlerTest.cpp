@@ -7,6 +7,7 @@
 #include "common/settings/tarnpatchsettings.h"
 #include "common/settings/tarnpatchstatus.h"
 #include "common/updaterlauncher/iupdaterlauncher.h"
+#include "common/windowsupdates/iwindowsupdates.h"
 #include "logging/logstream.h"
 #include "support/fakesettings.h"
 #include "support/logcapture.h"
@@ -33,9 +34,10 @@ const std::wstring inProgressKey = keys.installation.inProgress.key();
 const std::wstring queueKey = keys.installation.deploymentQueue.key();
 const RemoteInstallationSettings& install = keys.remoteOperations.installUpdates;
 
-/// Nothing of the system: it is itself the launcher, storage and atom that it gives out.
+/// Nothing of the system: it is itself the launcher, automatic updates, storage and atom that it gives out.
 class FakeCommonFactory : public common::CommonFactory,
                           public common::IUpdaterLauncher,
+                          public common::IWindowsUpdates,
                           public common::IPatchStorage,
                           public common::IGlobalAtom {
 public:
@@ -62,6 +64,12 @@ public:
     void startScan() override { done.add("scan"); }
     void startScanIfOlderThan(std::int64_t) override { done.add("tick"); }
     void startScanAt(std::int64_t) override {}
+
+    std::shared_ptr<common::IWindowsUpdates> createWindowsUpdates() override { return {notOwned, this}; }
+    common::ExitStatus pause() override { return common::exitstatus::unknownStatus; }
+    common::ExitStatus resume() override { return common::exitstatus::unknownStatus; }
+    common::ExitStatus restore() override { return common::exitstatus::unknownStatus; }
+    Ticks getLastInstallationDate() override { return common::neverInstalled; }
 
     std::shared_ptr<common::IPatchStorage> createPatchStorage() override { return {notOwned, this}; }
     bool clear() override { return false; }
@@ -189,6 +197,8 @@ TEST_F(TarnHandlerTest, waitsForTheProfileThroughFailuresAndThenDoesTheFirstRuns
     EXPECT_TRUE(common->atomExists);
     EXPECT_FALSE(store.getBoolValue(restartNeededKey));
     EXPECT_TRUE(log.has(4, "Scan on startup is not enabled.")) << log.text();
+    EXPECT_TRUE(log.waitFor("Windows update has never been installed")) << log.text();
+    EXPECT_LT(log.text().find("Tarnpatch maximum rescanning period is "), log.text().find("Windows update has never"));
 }
 
 TEST(TarnHandler, endsOnAStopAtAnyMoment)
