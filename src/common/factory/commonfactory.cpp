@@ -17,6 +17,10 @@
 #include "common/timeout/expbackofftimeout.h"
 #include "common/updaterlauncher/updaterlauncher.h"
 #include "common/usersessions/usersessions.h"
+#include "common/windowsupdates/automaticupdatesdriver.h"
+#include "common/windowsupdates/grouppolicy.h"
+#include "common/windowsupdates/grouppolicydriver.h"
+#include "common/windowsupdates/windowsupdates.h"
 #include "meridia-settings/meridiasettingsapi.h"
 #include "settings-api/cachedsettings.h"
 #include "vxtl/globalmutex.h"
@@ -80,6 +84,11 @@ std::shared_ptr<registry::Registry> CommonFactory::createRegistry()
     return registry::createWin32Registry();
 }
 
+std::shared_ptr<IGroupPolicy> CommonFactory::createGroupPolicy()
+{
+    return std::make_shared<GroupPolicy>(std::make_shared<GroupPolicyDriver>());
+}
+
 std::shared_ptr<IService> CommonFactory::createServiceProxy(const std::wstring& name)
 {
     return std::make_shared<ServiceProxy>(name);
@@ -103,6 +112,12 @@ std::shared_ptr<IGlobalAtom> CommonFactory::createGlobalAtom(const std::wstring&
 std::shared_ptr<IUpdaterLauncher> CommonFactory::createUpdaterLauncher()
 {
     return std::make_shared<UpdaterLauncher>(UpdaterLauncherOptions{}, m_stopEvent);
+}
+
+std::shared_ptr<IWindowsUpdates> CommonFactory::createWindowsUpdates()
+{
+    return std::make_shared<WindowsUpdates>(
+        createGroupPolicy(), createRegistry(), std::make_shared<AutomaticUpdatesDriver>());
 }
 
 std::shared_ptr<Event> CommonFactory::createEvent(

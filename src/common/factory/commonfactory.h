@@ -27,6 +27,7 @@ class Event;
 class IComputerRebooter;
 class IDeploymentQueue;
 class IGlobalAtom;
+class IGroupPolicy;
 class IPatchStorage;
 class IProcess;
 class IRegistryKeyNotifier;
@@ -36,6 +37,7 @@ class ISystemRestorePoint;
 class ITimeout;
 class IUpdaterLauncher;
 class IUserSessions;
+class IWindowsUpdates;
 class RebootDialog;
 
 /// Makes what the plug-in shares with the agent; each call makes a new object. Two stages: before
@@ -62,12 +64,14 @@ public:
     virtual std::shared_ptr<ISyncFolders> createSyncFolders();
     virtual std::shared_ptr<ISystemRestorePoint> createSystemRestorePoint();
     virtual std::shared_ptr<registry::Registry> createRegistry();
+    virtual std::shared_ptr<IGroupPolicy> createGroupPolicy();
     virtual std::shared_ptr<IService> createServiceProxy(const std::wstring& name);
     virtual std::shared_ptr<IComputerRebooter> createComputerRebooter();
     virtual std::shared_ptr<IRegistryKeyNotifier> createRegistryKeyNotifier();
     virtual std::shared_ptr<IGlobalAtom> createGlobalAtom(const std::wstring& name);
     /// Waits up to 60 seconds for the start event, which the agent manager makes.
     virtual std::shared_ptr<IUpdaterLauncher> createUpdaterLauncher();
+    virtual std::shared_ptr<IWindowsUpdates> createWindowsUpdates();
     /// `securityDescriptor`: a native descriptor or null, borrowed for the call.
     virtual std::shared_ptr<Event> createEvent(
         bool manualReset, bool initialState, const std::wstring& name, bool inheritHandle, void* securityDescriptor);

@@ -12,6 +12,7 @@
 #include "common/settings/tarnpatchstatus.h"
 #include "common/updaterlauncher/iupdaterlauncher.h"
 #include "meridia-settings/qrlmeridiaerror.h"
+#include "tarnhd/actions/scanafterwindowsupdate.h"
 #include "tarnhd/actions/scanifexpired.h"
 #include "tarnhd/actionscheduler/actionscheduler.h"
 #include "tarnhd/currentoperations/currentoperations.h"
@@ -88,6 +89,7 @@ std::shared_ptr<ActionScheduler> TarnHandler::createActionScheduler()
 {
     auto scheduler = m_factory->createActionScheduler();
     scheduler->addTask(std::make_shared<ScanIfExpired>(m_commonFactory.get(), m_tarnpatchSettings.get()));
+    scheduler->addTask(std::make_shared<ScanAfterWindowsUpdate>(m_commonFactory.get(), m_tarnpatchSettings.get()));
     return scheduler;
 }
 

@@ -1,8 +1,11 @@
 #include "common/factory/commonfactory.h"
 #include "common/settings/tarnpatchsettings.h"
 #include "common/updaterlauncher/iupdaterlauncher.h"
+#include "common/windowsupdates/iwindowsupdates.h"
 #include "support/fakeclock.h"
 #include "support/fakesettings.h"
+#include "support/logcapture.h"
+#include "tarnhd/actions/scanafterwindowsupdate.h"
 #include "tarnhd/actions/scanifexpired.h"
 #include "tarnhd/actions/scanonce.h"
 #include "tarnhd/actions/startupautoscan.h"
@@ -16,8 +19,8 @@ namespace {
 using std::chrono::minutes;
 using Calls = std::vector<std::string>;
 
-/// Is itself the launcher that it gives out.
-struct FakeFactory : common::CommonFactory, common::IUpdaterLauncher {
+/// Is itself the launcher and the automatic updates that it gives out.
+struct FakeFactory : common::CommonFactory, common::IUpdaterLauncher, common::IWindowsUpdates {
     std::shared_ptr<common::IUpdaterLauncher> createUpdaterLauncher() override
     {
         return {std::shared_ptr<void>(), this};
@@ -25,7 +28,13 @@ struct FakeFactory : common::CommonFactory, common::IUpdaterLauncher {
     void startScan() override { calls.push_back("start"); }
     void startScanIfOlderThan(std::int64_t s) override { calls.push_back("older " + std::to_string(s)); }
     void startScanAt(std::int64_t) override { calls.push_back("at"); }
+    std::shared_ptr<common::IWindowsUpdates> createWindowsUpdates() override { return {std::shared_ptr<void>(), this}; }
+    common::ExitStatus pause() override { return common::exitstatus::unknownStatus; }
+    common::ExitStatus resume() override { return common::exitstatus::unknownStatus; }
+    common::ExitStatus restore() override { return common::exitstatus::unknownStatus; }
+    Ticks getLastInstallationDate() override { return lastInstallation; }
     Calls calls;
+    Ticks lastInstallation = common::neverInstalled;
 };
 
 struct ActionsTest : testing::Test {
@@ -55,6 +64,25 @@ TEST_F(ActionsTest, scanIfExpiredComparesWithThePeriodInSeconds)
     EXPECT_EQ(callsOf(action), Calls{"older 86400"});
     store->set(settings.scanning.automatic.maximumRescanningPeriod, 2'000'000'000);
     EXPECT_EQ(callsOf(action), Calls{"older 7200000000000"});
+}
+
+TEST_F(ActionsTest, scanAfterWindowsUpdateAsksWithTheUpdatesAge)
+{
+    const support::LogCapture log;
+    ScanAfterWindowsUpdate action(&factory, &settings, clock.function());
+    EXPECT_EQ(callsOf(action), Calls{});
+    EXPECT_TRUE(log.has(4, "Windows update has never been installed")) << log.text();
+    clock.now = 100 * ticksPerSecond;
+    const struct {
+        Ticks date;
+        const char* call;
+    } rows[] = {{39 * ticksPerSecond + 1, "older 60"}, {0, "older 100"}, {107 * ticksPerSecond, "older -7"},
+        {common::neverInstalled + 1, "older 922337203685"}};
+    for (const auto& row : rows) {
+        factory.lastInstallation = row.date;
+        EXPECT_EQ(callsOf(action), Calls{row.call});
+    }
+    EXPECT_TRUE(log.has(4, "Trying to start scan after windows update if expired. Duration: -7 second(s)"));
 }
 
 TEST_F(ActionsTest, scansWaitForTheirTimeAndForADeployment)

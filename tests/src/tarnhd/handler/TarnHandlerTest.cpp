@@ -7,6 +7,7 @@
 #include "common/settings/tarnpatchsettings.h"
 #include "common/settings/tarnpatchstatus.h"
 #include "common/updaterlauncher/iupdaterlauncher.h"
+#include "common/windowsupdates/iwindowsupdates.h"
 #include "logging/logstream.h"
 #include "support/fakesettings.h"
 #include "support/gate.h"
@@ -27,8 +28,12 @@ const TarnpatchStatus statusKeys{nullptr};
 const HostSettings hostKeys{nullptr};
 const RemoteInstallationSettings& install = keys.remoteOperations.installUpdates;
 
-/// It is itself the launcher and the atom that it gives out. Of the system are the events and the patch storage.
-struct FakeCommonFactory : common::CommonFactory, common::IUpdaterLauncher, common::IGlobalAtom {
+/// It is itself the launcher, the automatic updates and the atom that it gives out. Of the system are the events and the
+/// patch storage.
+struct FakeCommonFactory : common::CommonFactory,
+                           common::IUpdaterLauncher,
+                           common::IWindowsUpdates,
+                           common::IGlobalAtom {
     std::shared_ptr<support::FakeSettings> store = std::make_shared<support::FakeSettings>();
     std::atomic<int> storeError = 0; ///< what opening the store answers, until the retry callable gives up
     int goodOpenings = 0;            ///< that many succeed all the same
@@ -49,6 +54,12 @@ struct FakeCommonFactory : common::CommonFactory, common::IUpdaterLauncher, comm
     void startScan() override { done.add("scan"); }
     void startScanIfOlderThan(std::int64_t) override { done.add("tick"); }
     void startScanAt(std::int64_t) override {}
+
+    std::shared_ptr<common::IWindowsUpdates> createWindowsUpdates() override { return {notOwned, this}; }
+    common::ExitStatus pause() override { return common::exitstatus::unknownStatus; }
+    common::ExitStatus resume() override { return common::exitstatus::unknownStatus; }
+    common::ExitStatus restore() override { return common::exitstatus::unknownStatus; }
+    Ticks getLastInstallationDate() override { return common::neverInstalled; }
 
     std::shared_ptr<common::IGlobalAtom> createGlobalAtom(const std::wstring&) override { return {notOwned, this}; }
     bool exists() override { return atomExists; }
@@ -180,6 +191,8 @@ TEST_F(TarnHandlerTest, waitsForTheProfileThroughFailuresAndThenDoesTheFirstRuns
     EXPECT_EQ(store.get(restartNeeded), false);
     EXPECT_FALSE(registry->doesKeyExist(triggerKey));
     EXPECT_TRUE(log.has(4, "Scan on startup is not enabled.")) << log.text();
+    EXPECT_TRUE(log.waitFor("Windows update has never been installed")) << log.text();
+    EXPECT_LT(log.text().find("Tarnpatch maximum rescanning period is "), log.text().find("Windows update has never"));
 }
 
 TEST(TarnHandler, waitsForTheStoreAndEndsOnAStopAtAnyMoment)
