@@ -1,5 +1,7 @@
 #include "common/utils/timetext.h"
 
+#include "common/utils/localtime.h"
+
 #include <gtest/gtest.h>
 
 #include <cstdlib>
@@ -27,4 +29,14 @@ TEST(TimeText, writesLocalTimes)
         {4'102'444'800 + 86'400, L"2100-01-"}, {-1, L""}, {INT64_MIN, L""}, {INT64_MAX, L""}};
     for (const auto& row : rows)
         EXPECT_EQ(timeToString(row.time).substr(0, 8), row.year) << row.time;
+}
+
+TEST(LocalTime, goesThereAndBackInEveryMonthAndBeyond2038)
+{
+    constexpr std::int64_t day = 86'400;
+    for (std::int64_t time = 1'709'210'096; time < 2'300'000'000; time += 29 * day + 3'601) {
+        const auto parts = toLocalTime(time);
+        ASSERT_TRUE(parts) << time;
+        EXPECT_EQ(fromLocalTime(*parts), time);
+    }
 }
