@@ -11,6 +11,7 @@
 #include "support/fakesettings.h"
 #include "support/logcapture.h"
 #include "support/record.h"
+#include "tarnhd/autoinstallation/autoinstallation.h"
 #include "tarnhd/factory/tarnhdfactory.h"
 #include "tarnhd/manager/tarnpatchmanager.h"
 
@@ -45,6 +46,7 @@ public:
     bool atomExists = true;
     std::atomic<bool> installationFinished = false; ///< with states, as the storage tells
     support::Record done;
+    support::Record taskUpdates; ///< of the scheduled task, by the status that it is to follow
 
     std::shared_ptr<settings::Settings> createSettings(const RetryCallback& retry) override
     {
@@ -115,12 +117,31 @@ struct FakeManager : TarnpatchManager {
     mutable int looks = 0;
 };
 
+struct FakeAutoInstallation : AutoInstallation {
+    FakeAutoInstallation(const std::shared_ptr<settings::Settings>& settings, support::Record& u)
+        : AutoInstallation(L"", nullptr, TarnpatchSettings(settings), TarnpatchStatus(settings), nullptr),
+          status(settings), updates(u)
+    {}
+    bool update() override
+    {
+        updates.add(status.enabled() ? "on" : "off");
+        return false;
+    }
+    const TarnpatchStatus status;
+    support::Record& updates;
+};
+
 struct FakeTarnhdFactory : TarnhdFactory {
     explicit FakeTarnhdFactory(FakeCommonFactory& c) : TarnhdFactory(&c), common(c) {}
     std::shared_ptr<TarnpatchManager> createTarnpatchManager(
         const std::shared_ptr<settings::Settings>& settings) override
     {
         return manager = std::make_shared<FakeManager>(settings, common);
+    }
+    std::shared_ptr<AutoInstallation> createAutoInstallation(
+        const std::shared_ptr<settings::Settings>& settings) override
+    {
+        return std::make_shared<FakeAutoInstallation>(settings, common.taskUpdates);
     }
     FakeCommonFactory& common;
     std::shared_ptr<FakeManager> manager;
@@ -185,7 +206,7 @@ TEST_F(TarnHandlerTest, waitsForTheProfileThroughFailuresAndThenDoesTheFirstRuns
     EXPECT_EQ(store.subscriptions(), 0u);
     store.repair(profileKey);
     common->done.waitFor(2);
-    EXPECT_EQ(store.subscriptions(), 10u);
+    EXPECT_EQ(store.subscriptions(), 13u);
     EXPECT_TRUE(common->atomExists);
     EXPECT_FALSE(store.getBoolValue(restartNeededKey));
     EXPECT_TRUE(log.has(4, "Scan on startup is not enabled.")) << log.text();
@@ -250,13 +271,13 @@ TEST_F(TarnHandlerTest, isOutOfReachAfterAStopDuringAnOutage)
     };
     const auto notifier = std::async(std::launch::async, [this] { store.setBoolValue(waitKey, true); });
     entered.get_future().wait();
-    EXPECT_TRUE(log.waitFor("Failed to unsubscribe from property: ", 20)) << log.text();
+    EXPECT_TRUE(log.waitFor("Failed to unsubscribe from property: ", 26)) << log.text();
     EXPECT_EQ(ended.wait_for(support::moment), std::future_status::timeout);
     release.set_value();
     expectEnd();
     EXPECT_EQ(doneAfter(2, 2), (Entries{"update", "scan"})) << "the end has waited for the whole notification";
     store.repair();
-    EXPECT_EQ(store.subscriptions(), 10u);
+    EXPECT_EQ(store.subscriptions(), 13u);
     store.setBoolValue(waitKey, false);
     store.setBoolValue(L"windows.tarnpatch.enabled", false);
     EXPECT_EQ(common->done.size(), 4u);
@@ -320,6 +341,16 @@ TEST_F(TarnHandlerTest, answersEachChange)
         EXPECT_EQ(doneAfter(before, 0), row.done);
     }
     EXPECT_TRUE(log.has(5, "Canceled 0 task(s)")) << log.text();
+}
+
+TEST_F(TarnHandlerTest, keepsTheScheduledTaskInStepWithStatusAndSettings)
+{
+    beginAndWait();
+    store.setStringValue(keys.installation.automatic.mode.key(), L"install_all");
+    store.setStringValue(keys.installation.automatic.frequency.key(), L"every_monday");
+    store.setInt32Value(keys.installation.automatic.hour.key(), 7);
+    store.setBoolValue(keys.enabled.key(), false);
+    EXPECT_EQ(common->taskUpdates.waitFor(5), (Entries{"on", "on", "on", "on", "off"}));
 }
 
 TEST_F(TarnHandlerTest, writesTheResultOfARefusedInstallationBeforeTheAcknowledgement)
