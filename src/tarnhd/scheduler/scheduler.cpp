@@ -171,9 +171,10 @@ bool Scheduler::hasTask(const std::wstring& name)
 std::shared_ptr<Scheduler> createScheduler()
 {
     ComPtr<ITaskService> service;
-    // Initialize says so where there is none.
-    CoCreateInstance(__uuidof(TaskScheduler), nullptr, CLSCTX_INPROC_SERVER, __uuidof(ITaskService),
-        reinterpret_cast<void**>(service.put()));
+    // Without one it is Initialize that fails.
+    succeeded(CoCreateInstance(__uuidof(TaskScheduler), nullptr, CLSCTX_INPROC_SERVER, __uuidof(ITaskService),
+                  reinterpret_cast<void**>(service.put())),
+        "Failed to find the Task Scheduler. HRESULT = ");
     return std::make_shared<Scheduler>(std::move(service));
 }
 
