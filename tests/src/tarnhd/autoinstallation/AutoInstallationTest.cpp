@@ -3,6 +3,7 @@
 #include "support/fakeclock.h"
 #include "support/fakesettings.h"
 #include "support/logcapture.h"
+#include "support/record.h"
 #include "tarnhd/autoinstallation/schedule.h"
 #include "tarnhd/scheduler/scheduler.h"
 #include "tarnhd/scheduler/task.h"
@@ -11,6 +12,8 @@
 #include "vxtl/registry.h"
 
 #include <gtest/gtest.h>
+
+#include <future>
 
 namespace vx::tarn {
 namespace {
@@ -29,6 +32,7 @@ struct System {
     std::string failing;
     std::vector<std::wstring> names;
     std::vector<std::shared_ptr<scheduler::Trigger>> triggers;
+    std::function<void()> whileInitializing = [] {}; ///< once
 
     bool call(const std::string& name, const std::wstring& argument = {})
     {
@@ -57,7 +61,11 @@ struct FakeTask : scheduler::Task {
 
 struct FakeScheduler : scheduler::Scheduler {
     explicit FakeScheduler(System& s) : Scheduler({}), system(s) {}
-    bool Initialize() override { return system.call("initialize"); }
+    bool Initialize() override
+    {
+        std::exchange(system.whileInitializing, [] {})();
+        return system.call("initialize");
+    }
     std::vector<std::wstring> getTaskNames() override { return system.names; }
     bool deleteTask(const std::wstring& name) override
     {
@@ -200,6 +208,20 @@ TEST_F(AutoInstallationTest, saysWhatFailedAndBeginsAnewAtTheNextUpdate)
     }
     EXPECT_EQ(log.count("Scheduler not initialized."), 2u) << log.text();
     EXPECT_EQ(log.count("Failed to set triggers."), 1u) << log.text();
+}
+
+TEST_F(AutoInstallationTest, leavesWhatTheLastChangeSaysWhenUpdatesMeet)
+{
+    std::future<bool> second;
+    system.whileInitializing = [&] {
+        store->setStringValue(modeKey, L"disable");
+        second = std::async(std::launch::async, [this] { return installation.update(); });
+        EXPECT_EQ(second.wait_for(support::moment), std::future_status::timeout);
+    };
+    EXPECT_TRUE(installation.update());
+    ASSERT_EQ(second.wait_for(support::deadline), std::future_status::ready);
+    EXPECT_TRUE(second.get());
+    EXPECT_EQ(system.names.size(), 0u);
 }
 
 TEST_F(AutoInstallationTest, letsNoExceptionOut)
