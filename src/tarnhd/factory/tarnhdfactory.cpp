@@ -2,8 +2,11 @@
 
 #include "common/factory/commonfactory.h"
 #include "tarnhd/actionscheduler/actionscheduler.h"
+#include "tarnhd/autoinstallation/autoinstallation.h"
 #include "tarnhd/currentoperations/currentoperations.h"
 #include "tarnhd/manager/tarnpatchmanager.h"
+#include "tarnhd/scheduler/scheduler.h"
+#include "vxtl/registry.h"
 
 namespace vx::tarn {
 
@@ -18,10 +21,23 @@ std::shared_ptr<ActionScheduler> TarnhdFactory::createActionScheduler()
     return std::make_shared<ActionScheduler>();
 }
 
+std::shared_ptr<AutoInstallation> TarnhdFactory::createAutoInstallation(
+    const std::shared_ptr<settings::Settings>& settings)
+{
+    return std::make_shared<AutoInstallation>(
+        L"Vantorix Tarnpatch Automatic Installation", [this] { return createScheduler(); }, TarnpatchSettings(settings),
+        TarnpatchStatus(settings), m_commonFactory->createRegistry());
+}
+
 std::shared_ptr<TarnpatchManager> TarnhdFactory::createTarnpatchManager(
     const std::shared_ptr<settings::Settings>& settings)
 {
     return std::make_shared<TarnpatchManager>(settings, m_commonFactory, 1s);
+}
+
+std::shared_ptr<scheduler::Scheduler> TarnhdFactory::createScheduler()
+{
+    return scheduler::createScheduler();
 }
 
 std::shared_ptr<CurrentOperations> TarnhdFactory::createCurrentOperations(

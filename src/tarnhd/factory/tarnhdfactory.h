@@ -5,6 +5,9 @@
 namespace vx::settings {
 class Settings;
 }
+namespace vx::scheduler {
+class Scheduler;
+}
 namespace vx::tarn::common {
 class CommonFactory;
 }
@@ -12,6 +15,7 @@ class CommonFactory;
 namespace vx::tarn {
 
 class ActionScheduler;
+class AutoInstallation;
 class CurrentOperations;
 class TarnpatchManager;
 
@@ -26,8 +30,12 @@ public:
     TarnhdFactory& operator=(const TarnhdFactory&) = delete;
 
     virtual std::shared_ptr<ActionScheduler> createActionScheduler();
+    virtual std::shared_ptr<AutoInstallation> createAutoInstallation(
+        const std::shared_ptr<settings::Settings>& settings);
     virtual std::shared_ptr<TarnpatchManager> createTarnpatchManager(
         const std::shared_ptr<settings::Settings>& settings);
+    /// Of this computer's Task Scheduler.
+    virtual std::shared_ptr<scheduler::Scheduler> createScheduler();
     virtual std::shared_ptr<CurrentOperations> createCurrentOperations(
         const std::shared_ptr<settings::Settings>& settings);
 

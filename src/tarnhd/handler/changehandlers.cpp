@@ -11,6 +11,7 @@
 #include "logging/logstream.h"
 #include "tarnhd/actions/scanonce.h"
 #include "tarnhd/actionscheduler/actionscheduler.h"
+#include "tarnhd/autoinstallation/autoinstallation.h"
 #include "tarnhd/manager/agentstartreason.h"
 #include "tarnhd/manager/tarnpatchmanager.h"
 #include "tarnhd/subscriptions/subscriptions.h"
@@ -43,11 +44,15 @@ std::unique_ptr<Subscriptions> TarnHandler::subscribeToChanges()
 {
     VX_LOG_SCOPE();
     const auto setStatusChanged = [this] { m_statusChangedEvent->set(); };
+    const auto updateTask = [this] { m_autoInstallation->update(); };
     const auto scan = [this] { startScan(); };
     const std::map<std::wstring, std::function<void()>> handlers{
         {m_tarnpatchStatus->installation.log.entries.key(), setStatusChanged},
         {m_tarnpatchStatus->scanning.lastScanning.missingUpdates.key(), setStatusChanged},
         {m_tarnpatchSettings->enabled.key(), [this] { updateEnabledStatus(); }},
+        {m_tarnpatchSettings->installation.automatic.frequency.key(), updateTask},
+        {m_tarnpatchSettings->installation.automatic.hour.key(), updateTask},
+        {m_tarnpatchSettings->installation.automatic.mode.key(), updateTask},
         {m_tarnpatchSettings->installation.completion.wait.key(), [this] { onPostRebootDeployCompleted(); }},
         {m_tarnpatchSettings->installation.deploymentQueue.key(), [this] { startDeploymentQueueInstallation(); }},
         {m_tarnpatchSettings->remoteOperations.installUpdates.start.key(), [this] { startInstallSignalChanged(); }},
@@ -80,6 +85,7 @@ void TarnHandler::updateEnabledStatus()
     const bool enable = m_tarnpatchSettings->enabled();
     LogStream(Level::Info) << "Tarnpatch enabled status: wasEnabled = " << wasEnabled << ", enable = " << enable;
     m_tarnpatchStatus->enabled.set(enable);
+    m_autoInstallation->update();
     m_manager->update();
     m_actionScheduler->setEnabled(enable);
     if (wasEnabled && !enable)

@@ -15,6 +15,7 @@
 #include "tarnhd/actions/scanafterwindowsupdate.h"
 #include "tarnhd/actions/scanifexpired.h"
 #include "tarnhd/actionscheduler/actionscheduler.h"
+#include "tarnhd/autoinstallation/autoinstallation.h"
 #include "tarnhd/currentoperations/currentoperations.h"
 #include "tarnhd/factory/tarnhdfactory.h"
 #include "tarnhd/manager/tarnpatchmanager.h"
@@ -74,6 +75,7 @@ void TarnHandler::initializeHandler()
     // Queue and publisher have store accesses of their own, and the store may have gone since the one above.
     m_deploymentQueue = m_commonFactory->createDeploymentQueue(createSettings());
     m_actionScheduler = createActionScheduler();
+    m_autoInstallation = m_factory->createAutoInstallation(m_settings);
     m_currentOperations = m_factory->createCurrentOperations(createSettings());
     m_initialized = true;
 }

@@ -22,6 +22,7 @@ namespace vx::tarn {
 
 enum class ResultItem : std::int32_t;
 class ActionScheduler;
+class AutoInstallation;
 class CurrentOperations;
 class Subscriptions;
 class TarnhdFactory;
@@ -91,6 +92,7 @@ private:
     std::shared_ptr<WUSStopper> m_wusStopper;
     std::shared_ptr<common::IDeploymentQueue> m_deploymentQueue;
     std::shared_ptr<ActionScheduler> m_actionScheduler;
+    std::shared_ptr<AutoInstallation> m_autoInstallation;
     std::shared_ptr<CurrentOperations> m_currentOperations;
     std::shared_ptr<common::Event> m_stopEvent;          ///< manual-reset; ends all waits
     std::shared_ptr<common::Event> m_statusChangedEvent; ///< manual-reset; wakes run to publish

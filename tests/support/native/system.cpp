@@ -106,3 +106,17 @@ std::optional<vx::DateTime::Parts> vx::tarn::common::utils::toLocalTime(std::int
     return DateTime::Parts{part(parts.tm_year + 1900), part(parts.tm_mon + 1), part(parts.tm_mday), part(parts.tm_hour),
         part(parts.tm_min), part(parts.tm_sec), 0};
 }
+
+std::optional<std::int64_t> vx::tarn::common::utils::fromLocalTime(const DateTime::Parts& parts) noexcept
+{
+    const auto part = [](unsigned value) { return static_cast<int>(value); };
+    std::tm native{};
+    native.tm_year = part(parts.year) - 1900;
+    native.tm_mon = part(parts.month) - 1;
+    native.tm_mday = part(parts.day);
+    native.tm_hour = part(parts.hour);
+    native.tm_min = part(parts.minute);
+    native.tm_sec = part(parts.second);
+    native.tm_isdst = -1;
+    return std::mktime(&native);
+}

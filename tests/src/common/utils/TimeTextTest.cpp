@@ -1,5 +1,7 @@
 #include "common/utils/timetext.h"
 
+#include "common/utils/localtime.h"
+
 #include <regex>
 
 using namespace vx::tarn::common::utils;
@@ -17,4 +19,14 @@ TEST(TimeText, writesLocalTimes)
     };
     for (const auto& [time, pattern] : rows)
         EXPECT_TRUE(std::regex_match(timeToString(time), std::wregex(pattern))) << time;
+}
+
+TEST(LocalTime, goesThereAndBackInEveryMonthAndBeyond2038)
+{
+    constexpr std::int64_t day = 86'400;
+    for (std::int64_t time = 1'709'210'096; time < 2'300'000'000; time += 29 * day + 3'601) {
+        const auto parts = toLocalTime(time);
+        ASSERT_TRUE(parts) << time;
+        EXPECT_EQ(fromLocalTime(*parts), time);
+    }
 }

@@ -13,6 +13,7 @@
 #include "support/gate.h"
 #include "support/logcapture.h"
 #include "support/record.h"
+#include "tarnhd/autoinstallation/autoinstallation.h"
 #include "tarnhd/factory/tarnhdfactory.h"
 #include "tarnhd/manager/tarnpatchmanager.h"
 #include "tarnhd/wusstopper/triggerkey.h"
@@ -39,6 +40,7 @@ struct FakeCommonFactory : common::CommonFactory,
     int goodOpenings = 0;            ///< that many succeed all the same
     bool atomExists = true;
     support::Record done;
+    support::Record taskUpdates; ///< of the scheduled task, by the status that it is to follow
 
     std::shared_ptr<settings::Settings> createSettings(const RetryCallback& retry) override
     {
@@ -102,12 +104,31 @@ struct FakeManager : TarnpatchManager {
     mutable int looks = 0;
 };
 
+struct FakeAutoInstallation : AutoInstallation {
+    FakeAutoInstallation(const std::shared_ptr<settings::Settings>& settings, support::Record& u)
+        : AutoInstallation(L"", nullptr, TarnpatchSettings(settings), TarnpatchStatus(settings), nullptr),
+          status(settings), updates(u)
+    {}
+    bool update() override
+    {
+        updates.add(status.enabled() ? "on" : "off");
+        return false;
+    }
+    const TarnpatchStatus status;
+    support::Record& updates;
+};
+
 struct FakeTarnhdFactory : TarnhdFactory {
     explicit FakeTarnhdFactory(FakeCommonFactory& c) : TarnhdFactory(&c), common(c) {}
     std::shared_ptr<TarnpatchManager> createTarnpatchManager(
         const std::shared_ptr<settings::Settings>& settings) override
     {
         return manager = std::make_shared<FakeManager>(settings, common);
+    }
+    std::shared_ptr<AutoInstallation> createAutoInstallation(
+        const std::shared_ptr<settings::Settings>& settings) override
+    {
+        return std::make_shared<FakeAutoInstallation>(settings, common.taskUpdates);
     }
     FakeCommonFactory& common;
     std::shared_ptr<FakeManager> manager;
@@ -186,7 +207,7 @@ TEST_F(TarnHandlerTest, waitsForTheProfileThroughFailuresAndThenDoesTheFirstRuns
     EXPECT_EQ(store.subscriptions(), 0u);
     store.repair(profile.key());
     common->done.waitFor(2);
-    EXPECT_EQ(store.subscriptions(), 10u);
+    EXPECT_EQ(store.subscriptions(), 13u);
     EXPECT_TRUE(common->atomExists);
     EXPECT_EQ(store.get(restartNeeded), false);
     EXPECT_FALSE(registry->doesKeyExist(triggerKey));
@@ -262,13 +283,13 @@ TEST_F(TarnHandlerTest, isOutOfReachAfterAStopDuringAnOutage)
     const auto& wait = keys.installation.completion.wait;
     const auto notifier = std::async(std::launch::async, [&] { store.set(wait, true); });
     gate.waitUntilEntered();
-    EXPECT_TRUE(log.waitFor("Failed to unsubscribe from property: ", 20)) << log.text();
+    EXPECT_TRUE(log.waitFor("Failed to unsubscribe from property: ", 26)) << log.text();
     EXPECT_EQ(ended.wait_for(support::moment), std::future_status::timeout);
     gate.open();
     expectEnd();
     EXPECT_EQ(doneSince(2, 2), (Entries{"update", "scan"})) << "the end has waited for the whole notification";
     store.repair();
-    EXPECT_EQ(store.subscriptions(), 10u);
+    EXPECT_EQ(store.subscriptions(), 13u);
     EXPECT_EQ(doneAt(wait, false), Entries());
     EXPECT_EQ(doneAt(keys.enabled, false), Entries());
 }
@@ -309,6 +330,16 @@ TEST_F(TarnHandlerTest, answersEachChange)
     EXPECT_EQ(doneAt(keys.remoteOperations.scanForUpdates.start, 8), (Entries{"reason 1", "scan"}));
     EXPECT_EQ(doneAt(install.updatesToInstall, "ALL"), Entries());
     EXPECT_EQ(doneAt(install.start, 1), (Entries{"scan", "reason 2", "scan"})) << "a new item starts the agent, too";
+}
+
+TEST_F(TarnHandlerTest, keepsTheScheduledTaskInStepWithStatusAndSettings)
+{
+    beginAndWait();
+    store.set(keys.installation.automatic.mode, "install_all");
+    store.set(keys.installation.automatic.frequency, "every_monday");
+    store.set(keys.installation.automatic.hour, 7);
+    store.set(keys.enabled, false);
+    EXPECT_EQ(common->taskUpdates.waitFor(5), (Entries{"on", "on", "on", "on", "off"}));
 }
 
 TEST_F(TarnHandlerTest, writesTheResultOfARefusedInstallationBeforeTheAcknowledgement)
