@@ -1,4 +1,4 @@
-#include "comerror.h"
+#include "vxtl/comerror.h"
 
 #include <windows.h>
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "comerror.h"
+#include "vxtl/comerror.h"
 #include "vxtl/exception.h"
 
 namespace vx {
