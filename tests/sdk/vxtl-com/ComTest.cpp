@@ -1,0 +1,80 @@
+#include "support/logcapture.h"
+#include "support/thrown.h"
+#include "vxtl-com/bstr.h"
+#include "vxtl-com/comptr.h"
+#include "vxtl-com/succeeded.h"
+#include "vxtl-com/variant.h"
+#include "vxtl/comexception.h"
+
+#include <gtest/gtest.h>
+#include <oleauto.h>
+
+using namespace vx::com;
+
+namespace {
+
+struct Counted : IUnknown {
+    int references = 1;
+
+    HRESULT WINAPI QueryInterface(REFIID, void**) override { return E_NOINTERFACE; }
+    ULONG WINAPI AddRef() override { return static_cast<ULONG>(++references); }
+    ULONG WINAPI Release() override { return static_cast<ULONG>(--references); }
+};
+
+} // namespace
+
+TEST(ComPtr, holdsOneReferenceWhereverItGoes)
+{
+    Counted first, second;
+    {
+        ComPtr<Counted> a(&first), b(&second);
+        ComPtr<Counted> copy = a, moved = std::move(a);
+        EXPECT_EQ(first.references, 3);
+        EXPECT_FALSE(a);
+        copy = b;
+        moved = std::move(moved);
+        EXPECT_EQ(first.references, 2);
+        *b.put() = nullptr;
+        EXPECT_EQ(second.references, 2);
+    }
+    EXPECT_EQ(first.references, 1);
+    EXPECT_EQ(second.references, 1);
+}
+
+TEST(ComPtr, throwsWhereACallGaveNoObject)
+{
+    const ComPtr<Counted> none;
+    EXPECT_EQ(support::thrown<vx::ComException>([&] { none->AddRef(); }).result(), E_POINTER);
+}
+
+TEST(Bstr, keepsTextsWithNulsAndCountsNoneAsEmpty)
+{
+    const std::wstring text(L"a\0b", 3);
+    EXPECT_EQ(Bstr(text).text(), text);
+    EXPECT_EQ(SysStringLen(Bstr(L"").get()), 0u);
+    Bstr given(L"old");
+    *given.put() = SysAllocString(L"new");
+    EXPECT_EQ(given.text(), L"new");
+    EXPECT_EQ(Bstr().text(), L"");
+    EXPECT_EQ(
+        support::thrown<vx::ComException>([] { Bstr(std::wstring_view(L"", 0x7FFFFFF0)); }).result(), E_OUTOFMEMORY);
+}
+
+TEST(Variant, borrowsTheText)
+{
+    const Bstr text(L"text");
+    const VARIANT number = variantOf(-7), borrowed = variantOf(text);
+    EXPECT_EQ(V_VT(&number), VT_I4);
+    EXPECT_EQ(V_I4(&number), -7);
+    EXPECT_EQ(V_VT(&borrowed), VT_BSTR);
+    EXPECT_EQ(V_BSTR(&borrowed), text.get());
+}
+
+TEST(Succeeded, logsOnlyFailuresWithTheSignedCode)
+{
+    const support::LogCapture log;
+    EXPECT_TRUE(succeeded(S_FALSE, "Failed. HRESULT = "));
+    EXPECT_EQ(log.text(), "");
+    EXPECT_FALSE(succeeded(static_cast<long>(0x80070005), "Failed. HRESULT = "));
+    EXPECT_TRUE(log.has(2, "Failed. HRESULT = -2147024891")) << log.text();
+}
