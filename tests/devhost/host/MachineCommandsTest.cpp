@@ -44,7 +44,10 @@ protected:
         machine::changeState([](machine::MachineState& state) { state.tasks.clear(); });
         add("\\A\\Agent Task", {{"Actions", {{{"Path", vx::str::toUtf8(path)}, {"Arguments", arguments}}}}});
     }
-    void script(const json& run) { support::writeFile(place / "tarnag.script.json", json{{"runs", {run}}}.dump()); }
+    void script(const std::vector<json>& runs)
+    {
+        support::writeFile(place / "tarnag.script.json", json{{"runs", runs}}.dump());
+    }
     std::vector<json> lines() const { return support::parseLines(support::readFile(place / "tarnag.runs.jsonl")); }
 
     const std::filesystem::path place = folder.path() / "two words" / "and three more";
@@ -129,7 +132,7 @@ TEST_F(MachineCommandsTest, showWhatWasCommittedToThePolicy)
 
 TEST_F(AgentTaskTest, startsWithItsArgumentsHoweverItsPathIsWritten)
 {
-    script({{"exitCode", 7}});
+    script({json{{"exitCode", 7}}});
     SetEnvironmentVariableW(L"TARNHD_TEST_PLACE", place.c_str());
     for (const auto& path : {program, L'"' + program + L'"', std::wstring(L"%TARNHD_TEST_PLACE%\\TARNAG.exe")}) {
         SCOPED_TRACE(vx::str::toUtf8(path));
@@ -149,7 +152,7 @@ TEST_F(AgentTaskTest, startsWithItsArgumentsHoweverItsPathIsWritten)
 TEST_F(AgentTaskTest, isNotStartedTwiceAtATime)
 {
     const devhost::ipc::Signal finish(L"Local\\" + vx::str::fromUtf8(instance));
-    script({{"waitForEvent", "Local\\" + instance}});
+    script({json{{"waitForEvent", "Local\\" + instance}}, json::object()});
     schedule(program, "");
     const auto first = json::parse(call("--json tasks run", "Agent Task").output);
     const vx::KernelHandle process(

@@ -1,18 +1,19 @@
+#include "machine/plannedfailure.h"
 #include "systemfixture.h"
 
 TEST_F(TaskTest, letsCallsFailAsPlanned)
 {
     LONG count = 0;
     ASSERT_EQ(add(L"T"), S_OK);
-    Com<IRegisteredTask> task;
-    Com<IUnknown> object;
+    ComPtr<IRegisteredTask> task;
+    ComPtr<IUnknown> object;
     TASK_STATE state{};
     const std::pair<const char*, std::function<HRESULT()>> rows[] = {
         {"ITaskService::Connect", [&] { return service->Connect({}, {}, {}, {}); }},
-        {"ITaskService::NewTask", [&] { return service->NewTask(0, definition.out()); }},
-        {"ITaskFolder::GetTask", [&] { return root->GetTask(Bstr(L"T").text, task.out()); }},
+        {"ITaskService::NewTask", [&] { return service->NewTask(0, definition.put()); }},
+        {"ITaskFolder::GetTask", [&] { return root->GetTask(Bstr(L"T").get(), task.put()); }},
         {"IRegisteredTask::get_State", [&] { return registered->get_State(&state); }},
-        {"ITaskDefinition::get_Settings", [&] { return definition->get_Settings(settings.out()); }},
+        {"ITaskDefinition::get_Settings", [&] { return definition->get_Settings(settings.put()); }},
         {"ITaskDefinition::put_Data", [&] { return definition->put_Data(nullptr); }},
         {"ITaskSettings::put_Priority", [&] { return settings->put_Priority(1); }},
         {"ITaskSettings::put_Hidden", [&] { return settings->put_Hidden(VARIANT_TRUE); }},
@@ -20,13 +21,14 @@ TEST_F(TaskTest, letsCallsFailAsPlanned)
         {"ITrigger::put_Id", [&] { return weekly->put_Id(nullptr); }},
         {"IWeeklyTrigger::put_DaysOfWeek", [&] { return weekly->put_DaysOfWeek(1); }},
         {"IActionCollection::get_Count", [&] { return actions->get_Count(&count); }},
-        {"IExecAction::put_Path", [&] { return action->put_Path(Bstr(L"x").text); }},
+        {"IExecAction::put_Path", [&] { return action->put_Path(Bstr(L"x").get()); }},
         {"IExecAction::QueryInterface",
-            [&] { return action->QueryInterface(__uuidof(IExecAction), reinterpret_cast<void**>(object.out())); }},
+            [&] { return action->QueryInterface(__uuidof(IExecAction), reinterpret_cast<void**>(object.put())); }},
         {"TaskScheduler::CreateInstance", [&] { return create(__uuidof(TaskScheduler), service); }},
     };
     for (const auto& [call, perform] : rows) {
         SCOPED_TRACE(call);
+        EXPECT_TRUE(devhost::machine::isCall(call));
         plan(call, E_ABORT, 2);
         EXPECT_EQ(perform(), E_ABORT);
         EXPECT_EQ(perform(), E_ABORT);
@@ -41,7 +43,7 @@ TEST_F(TaskTest, doNothingInAPlannedCall)
     EXPECT_EQ(add(L"T"), E_ACCESSDENIED);
     plan("ITaskFolder::RegisterTaskDefinition", S_OK);
     EXPECT_EQ(add(L"T"), S_OK);
-    EXPECT_EQ(registered.get(), nullptr);
+    EXPECT_FALSE(registered);
     EXPECT_TRUE(devhost::machine::readState().tasks.empty());
 }
 

@@ -13,17 +13,17 @@ constexpr HRESULT missingNode = static_cast<HRESULT>(0x80041319);
 
 TEST_F(TaskTest, keepsFoldersAndRefusesWhatIsNotThereOrThereAlready)
 {
-    const auto create = [&](const wchar_t* path) { return root->CreateFolder(Bstr(path).text, {}, made.out()); };
-    const auto open = [&](const wchar_t* path) { return service->GetFolder(Bstr(path).text, made.out()); };
+    const auto create = [&](const wchar_t* path) { return root->CreateFolder(Bstr(path).get(), {}, made.put()); };
+    const auto open = [&](const wchar_t* path) { return service->GetFolder(Bstr(path).get(), made.put()); };
     EXPECT_EQ(open(L"\\A"), win32(ERROR_FILE_NOT_FOUND));
     EXPECT_EQ(open(L"\\A\\B"), win32(ERROR_PATH_NOT_FOUND));
-    EXPECT_EQ(made.get(), nullptr);
+    EXPECT_FALSE(made);
     EXPECT_EQ(create(L"\\A\\B"), S_OK);
     EXPECT_EQ(create(L"\\a\\b"), win32(ERROR_ALREADY_EXISTS));
     EXPECT_EQ(open(L"\\A\\B"), S_OK);
     EXPECT_EQ(textOf([&](BSTR* path) { return made->get_Path(path); }), L"\\A\\B");
-    EXPECT_EQ(root->DeleteFolder(Bstr(L"A").text, 0), win32(ERROR_DIR_NOT_EMPTY));
-    EXPECT_EQ(root->DeleteFolder(Bstr(L"A\\B").text, 0), S_OK);
+    EXPECT_EQ(root->DeleteFolder(Bstr(L"A").get(), 0), win32(ERROR_DIR_NOT_EMPTY));
+    EXPECT_EQ(root->DeleteFolder(Bstr(L"A\\B").get(), 0), S_OK);
     EXPECT_EQ(open(L"\\A\\B"), win32(ERROR_FILE_NOT_FOUND));
     EXPECT_EQ(open(L"\\A"), S_OK) << "it was made on the way";
 }
@@ -34,7 +34,7 @@ TEST_F(TaskTest, refusesAFolderWhoseDirectoryIsLeftOver)
     wchar_t system[MAX_PATH];
     GetSystemDirectoryW(system, MAX_PATH);
     const auto stale = std::filesystem::path(system) / L"Tasks" / name;
-    const auto create = [&] { return root->CreateFolder(Bstr((name + L"\\B").c_str()).text, {}, made.out()); };
+    const auto create = [&] { return root->CreateFolder(Bstr((name + L"\\B").c_str()).get(), {}, made.put()); };
     const vx::wow64::DisabledFsRedirection redirection;
     std::filesystem::create_directories(stale);
     EXPECT_EQ(create(), win32(ERROR_ALREADY_EXISTS));
@@ -45,17 +45,17 @@ TEST_F(TaskTest, refusesAFolderWhoseDirectoryIsLeftOver)
 
 TEST_F(TaskTest, keepsATaskForAllProcesses)
 {
-    Com<IRegistrationInfo> info;
-    Com<IPrincipal> principal;
-    definition->get_RegistrationInfo(info.out());
-    definition->get_Principal(principal.out());
-    info->put_Author(Bstr(L"Somebody").text);
-    principal->put_GroupId(Bstr(L"NT AUTHORITY\\SYSTEM").text);
+    ComPtr<IRegistrationInfo> info;
+    ComPtr<IPrincipal> principal;
+    definition->get_RegistrationInfo(info.put());
+    definition->get_Principal(principal.put());
+    info->put_Author(Bstr(L"Somebody").get());
+    principal->put_GroupId(Bstr(L"NT AUTHORITY\\SYSTEM").get());
     principal->put_LogonType(TASK_LOGON_SERVICE_ACCOUNT);
-    trigger->put_Id(Bstr(L"trigger0").text);
+    trigger->put_Id(Bstr(L"trigger0").get());
     settings->put_StartWhenAvailable(VARIANT_TRUE);
-    action->put_Arguments(Bstr(L"--x").text);
-    definition->put_Data(Bstr(L"L\u00e9o").text);
+    action->put_Arguments(Bstr(L"--x").get());
+    definition->put_Data(Bstr(L"L\u00e9o").get());
     ASSERT_EQ(add(L"T"), S_OK);
     const auto stored = nlohmann::json(readState().tasks.at(0));
     EXPECT_EQ(stored.at("path"), "\\T");
@@ -74,10 +74,10 @@ TEST_F(TaskTest, keepsATaskForAllProcesses)
 TEST_F(TaskTest, changesATaskOnlyWhenItsDefinitionIsRegistered)
 {
     ASSERT_EQ(add(L"T"), S_OK);
-    Com<ITaskDefinition> copy;
-    ASSERT_EQ(registered->get_Definition(copy.out()), S_OK);
-    copy->put_Data(Bstr(L"changed").text);
-    definition->put_Data(Bstr(L"changed").text);
+    ComPtr<ITaskDefinition> copy;
+    ASSERT_EQ(registered->get_Definition(copy.put()), S_OK);
+    copy->put_Data(Bstr(L"changed").get());
+    definition->put_Data(Bstr(L"changed").get());
     EXPECT_EQ(readState().tasks.at(0).definition.at("Data"), "");
     EXPECT_EQ(add(L"T", TASK_CREATE), win32(ERROR_ALREADY_EXISTS));
     EXPECT_EQ(add(L"t", TASK_UPDATE), S_OK);
@@ -89,28 +89,28 @@ TEST_F(TaskTest, listsTasksAndTellsTheirState)
 {
     TASK_STATE state{};
     LONG count = 0;
-    Com<IRegisteredTaskCollection> tasks;
+    ComPtr<IRegisteredTaskCollection> tasks;
     settings->put_Hidden(VARIANT_TRUE);
     ASSERT_EQ(add(L"hidden"), S_OK);
-    root->GetTasks(0, tasks.out());
+    root->GetTasks(0, tasks.put());
     tasks->get_Count(&count);
     EXPECT_EQ(count, 0);
-    root->GetTasks(TASK_ENUM_HIDDEN, tasks.out());
+    root->GetTasks(TASK_ENUM_HIDDEN, tasks.put());
     tasks->get_Count(&count);
     EXPECT_EQ(count, 1);
     for (const LONG outside : {0, 2})
-        EXPECT_EQ(tasks->get_Item(number(outside), registered.out()), E_INVALIDARG) << outside;
-    ASSERT_EQ(tasks->get_Item(number(1), registered.out()), S_OK);
+        EXPECT_EQ(tasks->get_Item(variantOf(outside), registered.put()), E_INVALIDARG) << outside;
+    ASSERT_EQ(tasks->get_Item(variantOf(1), registered.put()), S_OK);
     EXPECT_EQ(textOf([&](BSTR* name) { return registered->get_Name(name); }), L"hidden");
     registered->get_State(&state);
     EXPECT_EQ(state, TASK_STATE_READY);
     registered->put_Enabled(VARIANT_FALSE);
     registered->get_State(&state);
     EXPECT_EQ(state, TASK_STATE_DISABLED);
-    EXPECT_EQ(root->DeleteTask(Bstr(L"hidden").text, 0), S_OK);
+    EXPECT_EQ(root->DeleteTask(Bstr(L"hidden").get(), 0), S_OK);
     EXPECT_EQ(registered->get_State(&state), win32(ERROR_FILE_NOT_FOUND));
-    EXPECT_EQ(root->DeleteTask(Bstr(L"hidden").text, 0), win32(ERROR_FILE_NOT_FOUND));
-    EXPECT_EQ(root->GetTask(Bstr(L"hidden").text, registered.out()), win32(ERROR_FILE_NOT_FOUND));
+    EXPECT_EQ(root->DeleteTask(Bstr(L"hidden").get(), 0), win32(ERROR_FILE_NOT_FOUND));
+    EXPECT_EQ(root->GetTask(Bstr(L"hidden").get(), registered.put()), win32(ERROR_FILE_NOT_FOUND));
 }
 
 TEST_F(TaskTest, takesPrioritiesFromZeroToTen)
@@ -126,16 +126,16 @@ TEST_F(TaskTest, takesPrioritiesFromZeroToTen)
 TEST_F(TaskTest, takesTriggersAndActionsOutByTheirNumber)
 {
     LONG count = 0;
-    EXPECT_EQ(triggers->Create(TASK_TRIGGER_DAILY, trigger.out()), S_OK);
-    EXPECT_EQ(triggers->Remove(number(3)), E_INVALIDARG);
-    EXPECT_EQ(triggers->Remove(number(0)), E_INVALIDARG);
-    EXPECT_EQ(triggers->Remove(number(1)), S_OK);
+    EXPECT_EQ(triggers->Create(TASK_TRIGGER_DAILY, trigger.put()), S_OK);
+    EXPECT_EQ(triggers->Remove(variantOf(3)), E_INVALIDARG);
+    EXPECT_EQ(triggers->Remove(variantOf(0)), E_INVALIDARG);
+    EXPECT_EQ(triggers->Remove(variantOf(1)), S_OK);
     TASK_TRIGGER_TYPE2 type{};
-    EXPECT_EQ(triggers->get_Item(1, trigger.out()), S_OK);
+    EXPECT_EQ(triggers->get_Item(1, trigger.put()), S_OK);
     trigger->get_Type(&type);
     EXPECT_EQ(type, TASK_TRIGGER_DAILY);
-    Com<IAction> item;
-    EXPECT_EQ(actions->get_Item(2, item.out()), E_INVALIDARG);
+    ComPtr<IAction> item;
+    EXPECT_EQ(actions->get_Item(2, item.put()), E_INVALIDARG);
     EXPECT_EQ(actions->Clear(), S_OK);
     actions->get_Count(&count);
     EXPECT_EQ(count, 0);
@@ -143,8 +143,8 @@ TEST_F(TaskTest, takesTriggersAndActionsOutByTheirNumber)
 
 TEST_F(TaskTest, refusesToRegisterAWrongDefinition)
 {
-    const auto start = [&](const wchar_t* text) { trigger->put_StartBoundary(Bstr(text).text); };
-    const auto end = [&](const wchar_t* text) { trigger->put_EndBoundary(Bstr(text).text); };
+    const auto start = [&](const wchar_t* text) { trigger->put_StartBoundary(Bstr(text).get()); };
+    const auto end = [&](const wchar_t* text) { trigger->put_EndBoundary(Bstr(text).get()); };
     const struct {
         const char* what;
         std::function<void()> spoil;
@@ -159,7 +159,7 @@ TEST_F(TaskTest, refusesToRegisterAWrongDefinition)
         {"no day", [&] { weekly->put_DaysOfWeek(0); }, invalidValue, {}},
         {"an eighth day", [&] { weekly->put_DaysOfWeek(128); }, invalidValue, [&] { weekly->put_DaysOfWeek(1); }},
         {"no interval", [&] { weekly->put_WeeksInterval(0); }, invalidValue, [&] { weekly->put_WeeksInterval(1); }},
-        {"no program", [&] { action->put_Path(Bstr(L"").text); }, missingNode, {}},
+        {"no program", [&] { action->put_Path(Bstr(L"").get()); }, missingNode, {}},
         {"no action", [&] { actions->Clear(); }, missingNode, {}},
     };
     for (const auto& row : rows) {
@@ -189,7 +189,7 @@ TEST_F(TaskTest, refusesToRegisterInTheWrongWay)
     for (const auto& row : rows)
         EXPECT_EQ(add(row.name, row.flags), row.result) << row.what;
     EXPECT_EQ(root->RegisterTaskDefinition(
-                  Bstr(L"T").text, definition.get(), TASK_CREATE, {}, {}, TASK_LOGON_PASSWORD, {}, registered.out()),
+                  Bstr(L"T").get(), definition.get(), TASK_CREATE, {}, {}, TASK_LOGON_PASSWORD, {}, registered.put()),
         E_INVALIDARG);
     EXPECT_TRUE(readState().tasks.empty());
 }

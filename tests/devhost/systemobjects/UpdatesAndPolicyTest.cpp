@@ -17,10 +17,10 @@ constexpr GUID snapIn{0x0f6b957e, 0x509e, 0x11d1, {0xa7, 0xcc, 0x00, 0x00, 0xf8,
 
 TEST_F(SystemTest, tellsWhenUpdatesWereInstalled)
 {
-    Com<vx::com::IAutomaticUpdates2> updates;
-    Com<vx::com::IAutomaticUpdatesResults> results;
+    ComPtr<vx::com::IAutomaticUpdates2> updates;
+    ComPtr<vx::com::IAutomaticUpdatesResults> results;
     ASSERT_EQ(create(automaticUpdates, updates), S_OK);
-    ASSERT_EQ(updates->get_Results(results.out()), S_OK);
+    ASSERT_EQ(updates->get_Results(results.put()), S_OK);
     VARIANT date{};
     EXPECT_EQ(results->get_LastInstallationSuccessDate(&date), S_OK);
     EXPECT_EQ(V_VT(&date), VT_EMPTY);
@@ -37,7 +37,7 @@ TEST_F(SystemTest, tellsWhenUpdatesWereInstalled)
 
 TEST_F(SystemTest, keepsSavesOfThePolicy)
 {
-    Com<IGroupPolicyObject> policy;
+    ComPtr<IGroupPolicyObject> policy;
     GUID guids[] = {extension, snapIn};
     ASSERT_EQ(create(groupPolicyObject, policy), S_OK);
     EXPECT_EQ(policy->Save(TRUE, FALSE, &guids[0], &guids[1]), E_INVALIDARG) << "not opened";

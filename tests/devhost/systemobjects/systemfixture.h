@@ -3,64 +3,25 @@
 #include "childprocess.h"
 #include "machine/machinefile.h"
 #include "vxtl-com/automaticupdates2.h"
+#include "vxtl-com/bstr.h"
+#include "vxtl-com/comptr.h"
+#include "vxtl-com/variant.h"
 #include "vxtl-com/weeklytrigger.h"
 #include "vxtl/comutils.h"
 
 #include <gmock/gmock.h>
 
-/// One reference.
-template <typename Interface>
-class Com {
-public:
-    Com() = default;
-    ~Com()
-    {
-        if (m_object)
-            m_object->Release();
-    }
-    Com(const Com&) = delete;
-    Com& operator=(const Com&) = delete;
-
-    Interface* operator->() const { return m_object; }
-    Interface* get() const { return m_object; }
-    /// For a call that gives an object; drops the one before.
-    Interface** out()
-    {
-        if (m_object)
-            std::exchange(m_object, nullptr)->Release();
-        return &m_object;
-    }
-
-private:
-    Interface* m_object = nullptr;
-};
-
-struct Bstr {
-    explicit Bstr(const wchar_t* content) : text(SysAllocString(content)) {}
-    ~Bstr() { SysFreeString(text); }
-    Bstr(const Bstr&) = delete;
-    Bstr& operator=(const Bstr&) = delete;
-
-    BSTR text;
-};
+using vx::com::Bstr;
+using vx::com::ComPtr;
+using vx::com::variantOf;
 
 /// The text that a function of the form get_NAME gives.
 template <typename Get>
 std::wstring textOf(Get get)
 {
-    BSTR text = nullptr;
-    EXPECT_EQ(get(&text), S_OK);
-    const std::wstring copy(text ? text : L"(null)");
-    SysFreeString(text);
-    return copy;
-}
-
-inline VARIANT number(LONG value)
-{
-    VARIANT variant{};
-    V_VT(&variant) = VT_I4;
-    V_I4(&variant) = value;
-    return variant;
+    Bstr text;
+    EXPECT_EQ(get(text.put()), S_OK);
+    return text.text();
 }
 
 constexpr HRESULT win32(unsigned code)
@@ -75,9 +36,9 @@ protected:
     ~SystemTest() override { SetEnvironmentVariableW(L"TARNHD_MACHINE", nullptr); }
 
     template <typename Interface>
-    static HRESULT create(const CLSID& id, Com<Interface>& object)
+    static HRESULT create(const CLSID& id, ComPtr<Interface>& object)
     {
-        return CoCreateInstance(id, nullptr, 0x17, __uuidof(Interface), reinterpret_cast<void**>(object.out()));
+        return CoCreateInstance(id, nullptr, 0x17, __uuidof(Interface), reinterpret_cast<void**>(object.put()));
     }
 
     static void plan(const std::string& call, HRESULT result, unsigned count = 1)
@@ -96,36 +57,36 @@ protected:
     {
         EXPECT_EQ(create(__uuidof(TaskScheduler), service), S_OK);
         EXPECT_EQ(service->Connect({}, {}, {}, {}), S_OK);
-        EXPECT_EQ(service->GetFolder(Bstr(L"\\").text, root.out()), S_OK);
-        EXPECT_EQ(service->NewTask(0, definition.out()), S_OK);
-        EXPECT_EQ(definition->get_Triggers(triggers.out()), S_OK);
-        EXPECT_EQ(definition->get_Actions(actions.out()), S_OK);
-        EXPECT_EQ(definition->get_Settings(settings.out()), S_OK);
-        EXPECT_EQ(triggers->Create(TASK_TRIGGER_WEEKLY, trigger.out()), S_OK);
+        EXPECT_EQ(service->GetFolder(Bstr(L"\\").get(), root.put()), S_OK);
+        EXPECT_EQ(service->NewTask(0, definition.put()), S_OK);
+        EXPECT_EQ(definition->get_Triggers(triggers.put()), S_OK);
+        EXPECT_EQ(definition->get_Actions(actions.put()), S_OK);
+        EXPECT_EQ(definition->get_Settings(settings.put()), S_OK);
+        EXPECT_EQ(triggers->Create(TASK_TRIGGER_WEEKLY, trigger.put()), S_OK);
         EXPECT_EQ(
-            trigger->QueryInterface(__uuidof(vx::com::IWeeklyTrigger), reinterpret_cast<void**>(weekly.out())), S_OK);
-        trigger->put_StartBoundary(Bstr(L"2026-01-31T12:00:00").text);
+            trigger->QueryInterface(__uuidof(vx::com::IWeeklyTrigger), reinterpret_cast<void**>(weekly.put())), S_OK);
+        trigger->put_StartBoundary(Bstr(L"2026-01-31T12:00:00").get());
         weekly->put_DaysOfWeek(10);
-        Com<IAction> created;
-        EXPECT_EQ(actions->Create(TASK_ACTION_EXEC, created.out()), S_OK);
-        EXPECT_EQ(created->QueryInterface(__uuidof(IExecAction), reinterpret_cast<void**>(action.out())), S_OK);
-        action->put_Path(Bstr(L"C:\\a b\\tarnag.exe").text);
+        ComPtr<IAction> created;
+        EXPECT_EQ(actions->Create(TASK_ACTION_EXEC, created.put()), S_OK);
+        EXPECT_EQ(created->QueryInterface(__uuidof(IExecAction), reinterpret_cast<void**>(action.put())), S_OK);
+        action->put_Path(Bstr(L"C:\\a b\\tarnag.exe").get());
     }
 
     HRESULT add(const wchar_t* name, LONG flags = TASK_CREATE_OR_UPDATE)
     {
         return root->RegisterTaskDefinition(
-            Bstr(name).text, definition.get(), flags, {}, {}, TASK_LOGON_SERVICE_ACCOUNT, {}, registered.out());
+            Bstr(name).get(), definition.get(), flags, {}, {}, TASK_LOGON_SERVICE_ACCOUNT, {}, registered.put());
     }
 
-    Com<ITaskService> service;
-    Com<ITaskFolder> root, made;
-    Com<ITaskDefinition> definition;
-    Com<ITriggerCollection> triggers;
-    Com<IActionCollection> actions;
-    Com<ITaskSettings> settings;
-    Com<ITrigger> trigger;
-    Com<vx::com::IWeeklyTrigger> weekly;
-    Com<IExecAction> action;
-    Com<IRegisteredTask> registered;
+    ComPtr<ITaskService> service;
+    ComPtr<ITaskFolder> root, made;
+    ComPtr<ITaskDefinition> definition;
+    ComPtr<ITriggerCollection> triggers;
+    ComPtr<IActionCollection> actions;
+    ComPtr<ITaskSettings> settings;
+    ComPtr<ITrigger> trigger;
+    ComPtr<vx::com::IWeeklyTrigger> weekly;
+    ComPtr<IExecAction> action;
+    ComPtr<IRegisteredTask> registered;
 };
