@@ -71,6 +71,7 @@ TEST_F(MachineCommandsTest, refuseWhatTheyCannotDo)
         {"windows-update 2026-02-29T00:00:00", 2, "is neither none nor a time"},
         {"system-fault ITaskFolder::GetTask", 2, "give the RESULT"},
         {"system-fault ITaskFolder::GetTask 0x800700051", 2, "give the RESULT"},
+        {"system-fault ITaskFolder::GetTask 0x-5", 2, "give the RESULT"},
         {"system-fault ITaskFolder 0x80070005", 2, "is no call of the stand-ins"},
         {"system-fault ITaskFolders::GetTask 0x80070005", 2, "is no call of the stand-ins"},
     });

@@ -9,6 +9,35 @@ namespace {
 constexpr HRESULT invalidValue = static_cast<HRESULT>(0x80041318);
 constexpr HRESULT missingNode = static_cast<HRESULT>(0x80041319);
 
+/// A directory where the scheduler, which is no 32-bit program, keeps its files.
+class StaleDirectory {
+public:
+    explicit StaleDirectory(const std::wstring& name) : m_path(tasks() / name)
+    {
+        const vx::wow64::DisabledFsRedirection redirection;
+        std::filesystem::create_directories(m_path);
+    }
+    ~StaleDirectory() { remove(); }
+    StaleDirectory(const StaleDirectory&) = delete;
+    StaleDirectory& operator=(const StaleDirectory&) = delete;
+
+    void remove() const
+    {
+        const vx::wow64::DisabledFsRedirection redirection;
+        std::filesystem::remove(m_path);
+    }
+
+private:
+    static std::filesystem::path tasks()
+    {
+        wchar_t system[MAX_PATH];
+        GetSystemDirectoryW(system, MAX_PATH);
+        return std::filesystem::path(system) / L"Tasks";
+    }
+
+    const std::filesystem::path m_path;
+};
+
 } // namespace
 
 TEST_F(TaskTest, keepsFoldersAndRefusesWhatIsNotThereOrThereAlready)
@@ -31,15 +60,11 @@ TEST_F(TaskTest, keepsFoldersAndRefusesWhatIsNotThereOrThereAlready)
 TEST_F(TaskTest, refusesAFolderWhoseDirectoryIsLeftOver)
 {
     const auto name = folder.path().filename().wstring();
-    wchar_t system[MAX_PATH];
-    GetSystemDirectoryW(system, MAX_PATH);
-    const auto stale = std::filesystem::path(system) / L"Tasks" / name;
-    const auto create = [&] { return root->CreateFolder(Bstr((name + L"\\B").c_str()).get(), {}, made.put()); };
-    const vx::wow64::DisabledFsRedirection redirection;
-    std::filesystem::create_directories(stale);
+    const StaleDirectory stale(name);
+    const auto create = [&] { return root->CreateFolder(Bstr(name + L"\\B").get(), {}, made.put()); };
     EXPECT_EQ(create(), win32(ERROR_ALREADY_EXISTS));
     EXPECT_TRUE(readState().folders.empty());
-    std::filesystem::remove(stale);
+    stale.remove();
     EXPECT_EQ(create(), S_OK);
 }
 

@@ -33,6 +33,7 @@ TEST_F(SystemTest, tellsWhenUpdatesWereInstalled)
         testing::ElementsAre(2026, 1, 31, 23, 59, 58));
     plan("IAutomaticUpdatesResults::get_LastInstallationSuccessDate", E_ABORT);
     EXPECT_EQ(results->get_LastInstallationSuccessDate(&date), E_ABORT);
+    EXPECT_EQ(V_VT(&date), VT_EMPTY) << "nothing of an earlier call is left";
 }
 
 TEST_F(SystemTest, keepsSavesOfThePolicy)
