@@ -100,7 +100,7 @@ demo_play() {
 }
 
 command_demo() {
-    build_flavour product tarnhost tarnhd tarnag vx_qrl_meridia_32
+    build_flavour product tarnhost tarnhd tarnag vx_qrl_meridia_32 systemobjects
     wine_start
     trap wine_stop EXIT
     export TARNHD_INSTANCE=demo

@@ -104,6 +104,17 @@ wine_start() {
     # boot twice: two service managers, and calls that now and then wait most of a minute for the wrong one.
     wine_command wine cmd /c exit </dev/null >/dev/null 2>&1 || die "Wine does not boot"
     realpath "$project" >"$wine_prefix/.complete"
+    wine_register
+}
+
+# Wine's own classes come back with each update of the prefix, so this is done at each start. Only ever in the
+# project's own prefix: the library refuses anything but Wine.
+wine_register() {
+    local library=$project/build/product/bin/systemobjects.dll program='C:\windows\syswow64\regsvr32.exe'
+    [ -e "$library" ] || return 0
+    [ -d "$wine_prefix/drive_c/windows/syswow64" ] || program=regsvr32
+    wine_command wine "$program" /s "Z:${library//\//\\}" </dev/null >/dev/null 2>&1 ||
+        die "the stand-ins for classes of Windows cannot be registered"
 }
 
 wine_stop() {

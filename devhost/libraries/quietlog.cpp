@@ -1,6 +1,6 @@
 #include "logging/backend.h"
 
-// The library is a guest in its caller's process and writes no log of its own: every level is filtered.
+// A library is a guest in its caller's process and writes no log of its own: every level is filtered.
 namespace VxQrlLogging {
 
 std::atomic<int> details::processLevel{0};

@@ -1,0 +1,36 @@
+// The functions by which the system finds the library's classes, and regsvr32 makes it known.
+
+#include "libraries/systemobjects/classes.h"
+#include "machine/system.h"
+
+#include <exception>
+#include <olectl.h>
+
+using namespace devhost;
+
+extern "C" {
+
+HRESULT __stdcall DllGetClassObject(REFCLSID id, REFIID iid, void** object)
+{
+    return systemobjects::getClassObject(id, iid, object);
+}
+
+/// Never: an unload leaves handles of the compiler's run-time behind.
+HRESULT __stdcall DllCanUnloadNow()
+{
+    return S_FALSE;
+}
+
+/// The classes take the place of the system's own, which a real Windows needs.
+HRESULT __stdcall DllRegisterServer()
+{
+    if (machine::thisSystem() != machine::System::Wine)
+        return E_ACCESSDENIED;
+    try {
+        systemobjects::registerClasses();
+        return S_OK;
+    } catch (const std::exception&) {
+        return SELFREG_E_CLASS;
+    }
+}
+}

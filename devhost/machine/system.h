@@ -1,0 +1,10 @@
+#pragma once
+
+namespace devhost::machine {
+
+/// What the process runs on.
+enum class System { Wine, Windows };
+
+System thisSystem();
+
+} // namespace devhost::machine
