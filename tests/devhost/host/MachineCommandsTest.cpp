@@ -41,20 +41,14 @@ protected:
 /// A scheduled stand-in agent in a folder with blanks.
 class AgentTaskTest : public MachineCommandsTest {
 protected:
-    AgentTaskTest()
-    {
-        installAgent(place);
-    }
+    AgentTaskTest() { installAgent(place); }
 
     void schedule(const std::wstring& path, const std::string& arguments)
     {
         machine::changeState([](machine::MachineState& state) { state.tasks.clear(); });
         add("\\A\\Agent Task", {{"Actions", {{{"Path", vx::str::toUtf8(path)}, {"Arguments", arguments}}}}});
     }
-    void script(const std::vector<json>& runs)
-    {
-        writeFile(place / "tarnag.script.json", json{{"runs", runs}}.dump());
-    }
+    void script(const std::vector<json>& runs) { writeFile(place / "tarnag.script.json", json{{"runs", runs}}.dump()); }
     std::vector<json> lines() const { return parseLines(readFile(place / "tarnag.runs.jsonl")); }
 
     const std::filesystem::path place = folder.path() / "two words" / "and three more";

@@ -29,8 +29,8 @@ const TarnpatchStatus statusKeys{nullptr};
 const HostSettings hostKeys{nullptr};
 const RemoteInstallationSettings& install = keys.remoteOperations.installUpdates;
 
-/// It is itself the launcher, the automatic updates and the atom that it gives out. Of the system are the events and the
-/// patch storage.
+/// It is itself the launcher, the automatic updates and the atom that it gives out. Of the system are the events and
+/// the patch storage.
 struct FakeCommonFactory : common::CommonFactory,
                            common::IUpdaterLauncher,
                            common::IWindowsUpdates,
