@@ -1,7 +1,7 @@
 #pragma once
 
-#include "childprocess.h"
 #include "machine/machinefile.h"
+#include "stage.h"
 #include "vxtl-com/automaticupdates2.h"
 #include "vxtl-com/bstr.h"
 #include "vxtl-com/comptr.h"
