@@ -114,12 +114,12 @@ TEST_F(StoreTest, plannedFaultsHitApplicationsOnlyTheEarliestThatMatchesFirst)
 TEST_F(StoreTest, refusalLastsUntilCleared)
 {
     server.start();
+    client.set("a", Value::fromInt32(0));
     listenTo("a");
     client.setRefuse(true);
     EXPECT_EQ(codeOf([&] { application.get("a"); }), ErrorCode::Unreachable);
     EXPECT_FALSE(application.waitForServer(std::chrono::milliseconds(0)));
     client.set("a", Value::fromInt32(1));
-    EXPECT_EQ(client.get("a"), Value::fromInt32(1));
     client.clearFaults();
     EXPECT_EQ(application.get("a"), Value::fromInt32(1));
     EXPECT_EQ(heard.waitFor(1).size(), 1U) << "once it is let in again";
@@ -156,7 +156,7 @@ TEST_F(StoreTest, toldOfEachChangeByThisAndByAnotherProcess)
 TEST_F(StoreTest, aKilledServerComesBackToItsClients)
 {
     std::optional process = startServerProcess();
-    for (const auto* name : {"a", "quiet"}) {
+    for (const auto* name : {"quiet", "a"}) {
         application.set(name, Value::fromInt64(1));
         listenTo(name);
     }

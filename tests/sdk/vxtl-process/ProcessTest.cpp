@@ -64,7 +64,7 @@ int cwd()
 TEST(Process, talksThroughTheRedirectedStreamsOnly)
 {
     Process process(selfAsChild(L"echo"), 0, all, nullptr);
-    *process.stdinStream() << "h\xffllo\n"; // with a byte that is no end of the stream
+    (*process.stdinStream() << "h\xffllo").put('\n'); // with a byte that is no end of the stream
     std::string out(9, ' ');
     EXPECT_EQ(process.stdoutStream()->peek(), 'o') << "although it may still have to come";
     EXPECT_TRUE(process.stdoutStream()->read(out.data(), 9));

@@ -86,7 +86,6 @@ TEST(ParametricRule, matchesAnyParameterInOrder)
         {L"PRODUCT = x ; SP = SP1 ", true},
         {L"PATCH=n", true},
         {L"SEVERITY=+2abc", true},
-        {L"SEVERITY=3", false},
         {L"SEVERITY=x;PRODUCT=a", false, "Failed to convert severity to number: invalid stoi argument\n"},
         {L"SEVERITY=2147483648;PRODUCT=a", false,
             "Failed to convert severity because of out of range exception: stoi argument out of range\n"},

@@ -2,23 +2,31 @@
 
 #include "common/utils/localtime.h"
 
-#include <regex>
+#include <cstdlib>
+#include <ctime>
+#include <cwchar>
 
 using namespace vx::tarn::common::utils;
 
-// In the zone of this computer, whichever that is: zones differ by quarters of an hour.
 TEST(TimeText, writesLocalTimes)
 {
-    const std::pair<std::int64_t, const wchar_t*> rows[] = {
-        {1'709'210'096, LR"(2024-0(2-28|2-29|3-01) \d\d:(34|49|04|19):56)"},
-        {2'147'483'648 + 86'400, LR"(2038-01-(19|20|21) \d\d:(14|29|44|59):08)"},
-        {4'102'444'800 + 86'400, LR"(2100-01-0[123] \d\d:(00|15|30|45):00)"},
-        {-1, L""},
-        {INT64_MIN, L""},
-        {INT64_MAX, L""},
-    };
-    for (const auto& [time, pattern] : rows)
-        EXPECT_TRUE(std::regex_match(timeToString(time), std::wregex(pattern))) << time;
+#ifdef _WIN32
+    // The C library takes this variable for the zone, but reads another form than the one that Wine is given.
+    _putenv("TZ=");
+    _tzset();
+#endif
+    for (const std::time_t time : {0x65E0, 1'709'210'096, 2'147'383'647}) {
+        wchar_t expected[20] = L"";
+        std::wcsftime(expected, 20, L"%Y-%m-%d %H:%M:%S", std::localtime(&time));
+        EXPECT_EQ(timeToString(time), expected);
+    }
+    const struct {
+        std::int64_t time;
+        const wchar_t* year;
+    } rows[] = {{1'709'210'096, L"2024-02-"}, {2'147'483'648 + 86'400, L"2038-01-"},
+        {4'102'444'800 + 86'400, L"2100-01-"}, {-1, L""}, {INT64_MIN, L""}, {INT64_MAX, L""}};
+    for (const auto& row : rows)
+        EXPECT_EQ(timeToString(row.time).substr(0, 8), row.year) << row.time;
 }
 
 TEST(LocalTime, goesThereAndBackInEveryMonthAndBeyond2038)
