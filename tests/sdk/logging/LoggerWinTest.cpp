@@ -134,6 +134,30 @@ TEST_F(LoggerWinTest, readsItsLevelFromTheNearestValidValue)
     }
 }
 
+// The debugger's texts arrive as exceptions of the calling thread.
+static std::wstring debuggerText;
+static LONG CALLBACK takeDebuggerText(EXCEPTION_POINTERS* info)
+{
+    if (info->ExceptionRecord->ExceptionCode != 0x4001000A)
+        return EXCEPTION_CONTINUE_SEARCH;
+    debuggerText += reinterpret_cast<const wchar_t*>(info->ExceptionRecord->ExceptionInformation[1]);
+    return EXCEPTION_CONTINUE_EXECUTION;
+}
+
+TEST_F(LoggerWinTest, showsItsRecordsToTheDebuggerWhenConfigured)
+{
+    const auto handler = AddVectoredExceptionHandler(1, takeDebuggerText);
+    open();
+    logger->log(4, "unseen");
+    logger->close();
+    EXPECT_EQ(debuggerText, L"");
+    LogFolder::configure(L"\\prog", L"DebugOutputLogging", 2);
+    open();
+    logger->log(3, "seen");
+    RemoveVectoredExceptionHandler(handler);
+    EXPECT_TRUE(debuggerText.ends_with(L"] .W: seen\r\n"));
+}
+
 TEST_F(LoggerWinTest, keepsTheLastError)
 {
     const auto kept = [](const char* what, auto&& call) {

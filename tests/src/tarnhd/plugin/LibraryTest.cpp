@@ -1,5 +1,9 @@
 // The library as it was built: what it shows to a host.
 
+#include "support/footprint.h"
+
+#include <gtest/gtest.h>
+
 #include <filesystem>
 #include <set>
 #include <windows.h>
@@ -51,6 +55,26 @@ TEST_F(TarnhdLibrary, importsOnlyWhatEveryHostHasLoaded)
     for (const auto* import = directory<IMAGE_IMPORT_DESCRIPTOR>(IMAGE_DIRECTORY_ENTRY_IMPORT); import->Name; ++import)
         imports.insert(at<char>(import->Name));
     EXPECT_EQ(imports, (std::set<std::string>{"ADVAPI32.dll", "KERNEL32.dll", "msvcrt.dll", "ntdll.dll"}));
+}
+
+TEST(TarnhdLoads, leaveNothingBehind)
+{
+    constexpr int loads = 20;
+    const auto folder = std::filesystem::temp_directory_path() / "tarnhd-loads";
+    SetEnvironmentVariableW(L"ProgramData", folder.c_str());
+    // As in every host: otherwise each load would bring it in anew.
+    const HMODULE resident = LoadLibraryW(L"advapi32.dll");
+    const auto load = [] { EXPECT_TRUE(FreeLibrary(LoadLibraryW(L"tarnhd.dll"))); };
+    load();
+    const support::Footprint before = support::footprint();
+    for (int i = 0; i < loads; ++i)
+        load();
+    const support::Footprint left = support::footprint() - before;
+    EXPECT_LT(left.handles, loads / 2);
+    EXPECT_EQ(left.threadSlots, 0);
+    EXPECT_LT(left.heapBytes, loads * 512);
+    FreeLibrary(resident);
+    std::filesystem::remove_all(folder);
 }
 
 } // namespace
