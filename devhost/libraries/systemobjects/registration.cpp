@@ -46,8 +46,8 @@ HRESULT checkAccount(const Registration& registration)
     const auto user = textOf(registration.user), password = textOf(registration.password);
     if (!user || !password || !textOf(registration.securityDescriptor))
         return E_INVALIDARG;
-    const bool needsUser = registration.logonType == TASK_LOGON_PASSWORD;
-    return needsUser && user->empty() ? E_INVALIDARG : S_OK;
+    const bool needsBoth = registration.logonType == TASK_LOGON_PASSWORD;
+    return needsBoth && (user->empty() || password->empty()) ? E_INVALIDARG : S_OK;
 }
 
 HRESULT checkPlace(MachineState& state, const Registration& registration)
