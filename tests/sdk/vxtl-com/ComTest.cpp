@@ -3,10 +3,11 @@
 #include "vxtl-com/bstr.h"
 #include "vxtl-com/comptr.h"
 #include "vxtl-com/succeeded.h"
-#include "vxtl-com/variant.h"
 #include "vxtl/comexception.h"
 
 #include <gtest/gtest.h>
+#include <windows.h>
+
 #include <oleauto.h>
 
 using namespace vx::com;
@@ -58,16 +59,6 @@ TEST(Bstr, keepsTextsWithNulsAndCountsNoneAsEmpty)
     EXPECT_EQ(Bstr().text(), L"");
     EXPECT_EQ(
         support::thrown<vx::ComException>([] { Bstr(std::wstring_view(L"", 0x7FFFFFF0)); }).result(), E_OUTOFMEMORY);
-}
-
-TEST(Variant, borrowsTheText)
-{
-    const Bstr text(L"text");
-    const VARIANT number = variantOf(-7), borrowed = variantOf(text);
-    EXPECT_EQ(V_VT(&number), VT_I4);
-    EXPECT_EQ(V_I4(&number), -7);
-    EXPECT_EQ(V_VT(&borrowed), VT_BSTR);
-    EXPECT_EQ(V_BSTR(&borrowed), text.get());
 }
 
 TEST(Succeeded, logsOnlyFailuresWithTheSignedCode)

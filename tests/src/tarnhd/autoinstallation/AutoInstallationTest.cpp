@@ -124,6 +124,7 @@ TEST_F(AutoInstallationTest, saysWhatFailedAndBeginsAnewAtTheNextUpdate)
         const wchar_t* mode;
         const char *failing, *message;
     } rows[] = {
+        {L"install_all", "TaskScheduler::CreateInstance", "Failed to find the Task Scheduler. HRESULT = -2147467259"},
         {L"install_all", "ITaskService::Connect", "Failed to create a scheduler."},
         {L"install_all", "ITaskService::NewTask", "Exception caught: Type: vx::ComException"},
         {L"install_all", "IActionCollection::Create", "Failed to set task command: C:\\L\xC3\xA9o\\tarnag.exe"},
