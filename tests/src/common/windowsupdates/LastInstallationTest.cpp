@@ -1,95 +1,117 @@
 #include "common/windowsupdates/lastinstallation.h"
 #include "common/windowsupdates/automaticupdatesdriver.h"
+#include "common/windowsupdates/comobject.h"
 #include "support/logcapture.h"
+#include "support/thrown.h"
+#include "systemfixture.h"
+#include "vxtl/comexception.h"
 
-#include <gtest/gtest.h>
+#include <cmath>
 
 using namespace vx;
 using namespace vx::tarn::common;
+using testing::HasSubstr;
 
 namespace {
 
-/// The call that fails, or gives nothing; each one before it succeeds.
-enum class Failing { Create, Interface, Results, Date, SystemTime, FileTime, None };
-
-struct Driver : IAutomaticUpdatesDriver {
-    struct Results : IUpdateResults {
-        explicit Results(Driver& driver) : owner(driver) {}
-        std::optional<double> getLastInstallationSuccessDate() override
-        {
-            return owner.failing == Failing::Date ? std::nullopt : std::optional(1.5);
-        }
-        Driver& owner;
-    };
-    struct Updates : IAutomaticUpdates {
-        explicit Updates(Driver& driver) : owner(driver) {}
-        std::unique_ptr<IUpdateResults> getResults() override
-        {
-            return owner.failing == Failing::Results ? nullptr : std::make_unique<Results>(owner);
-        }
-        Driver& owner;
-    };
-    std::int32_t create(std::unique_ptr<IAutomaticUpdates>& updates) override
-    {
-        if (failing != Failing::Create && failing != Failing::Interface)
-            updates = std::make_unique<Updates>(*this);
-        return failing == Failing::Create ? -2147467262 : 1;
-    }
-    std::optional<DateTime::Parts> toSystemTime(double date) override
-    {
-        EXPECT_EQ(date, 1.5);
-        if (failing == Failing::SystemTime)
-            return {};
-        return DateTime::Parts{2024, 2, 9, 1, 2, 3, 4};
-    }
+/// The system's, but for the last conversion, which gives what a test has set, if anything.
+struct Driver : AutomaticUpdatesDriver {
     unsigned long toFileTime(const DateTime::Parts& time, std::uint64_t& result) override
     {
-        EXPECT_EQ(time.day, 9u);
-        result = fileTime;
-        return failing == Failing::FileTime ? 87 : 0;
+        const unsigned long error = AutomaticUpdatesDriver::toFileTime(time, result);
+        result = fileTime ? static_cast<std::uint64_t>(*fileTime) : result;
+        return error;
     }
-    Failing failing = Failing::None;
-    std::uint64_t fileTime = unixEpochAsFileTime;
+    std::optional<std::int64_t> fileTime;
+};
+
+class LastInstallationTest : public SystemTest {
+protected:
+    static void installed(const std::string& date)
+    {
+        devhost::machine::changeState([&](auto& state) { state.lastInstallation = date; });
+    }
+
+    Driver driver;
+    support::LogCapture log;
+};
+
+/// Leaves error objects for calls through one interface.
+struct Failing : ISupportErrorInfo {
+    virtual ~Failing() = default;
+    HRESULT WINAPI QueryInterface(REFIID wanted, void** found) override
+    {
+        *found = this;
+        return wanted == __uuidof(ISupportErrorInfo) ? S_OK : E_NOINTERFACE;
+    }
+    ULONG WINAPI AddRef() override { return 1; }
+    ULONG WINAPI Release() override { return 1; }
+    HRESULT WINAPI InterfaceSupportsErrorInfo(REFIID asked) override
+    {
+        return asked == __uuidof(IDispatch) ? S_OK : S_FALSE;
+    }
 };
 
 } // namespace
 
-TEST(LastInstallation, isNoneAfterAnyFailureAndSaysWhich)
+TEST_F(LastInstallationTest, isNoneAfterAnyFailureAndSaysWhich)
 {
     const struct {
-        Failing failing;
+        const char* call;
+        HRESULT planned;
+        const char* date;
         int level;
         const char* logged;
     } rows[] = {
-        {Failing::Create, 2, "Can't create windows automatic updates instance. HRESULT = -2147467262"},
-        {Failing::Interface, 2, "Could't assign IAutomaticUpdatesPtr to IAutomaticUpdates2Ptr"},
-        {Failing::Results, 2, "Could't get the automatic update results"},
-        {Failing::Date, 4, "Windows updates has never been installed on this computer"},
-        {Failing::SystemTime, 2, "Failed to convert last successfull windows update installation to system time."},
-        {Failing::FileTime, 2, "Failed to convert SYSTEMTIME to FILETIME. Last error code: 87"},
+        {"AutomaticUpdates::CreateInstance", -5, "", 2,
+            "Can't create windows automatic updates instance. HRESULT = -5"},
+        {"IAutomaticUpdates2::QueryInterface", S_OK, "", 2,
+            "Could't assign IAutomaticUpdatesPtr to IAutomaticUpdates2Ptr"},
+        {"IAutomaticUpdates2::get_Results", S_OK, "", 2, "Could't get the automatic update results"},
+        {"", S_OK, "", 4, "Windows updates has never been installed on this computer"},
+        {"", S_OK, "0099-12-31T00:00:00", 2,
+            "Failed to convert last successfull windows update installation to system time."},
+        {"", S_OK, "1600-12-31T00:00:00", 2, "Failed to convert SYSTEMTIME to FILETIME. Last error code: 87"},
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(row.logged);
-        const support::LogCapture log;
-        Driver driver;
-        driver.failing = row.failing;
-        EXPECT_EQ(lastInstallationDate(driver), std::numeric_limits<std::int64_t>::min());
+        plan(row.call, row.planned);
+        installed(row.date);
+        EXPECT_EQ(lastInstallationDate(driver), neverInstalled);
         EXPECT_TRUE(log.has(row.level, row.logged)) << log.text();
-        EXPECT_EQ(log.lines().size(), row.failing == Failing::FileTime ? 2u : 1u) << log.text();
+    }
+    EXPECT_EQ(driver.toSystemTime(std::nan("")), std::nullopt);
+}
+
+TEST_F(LastInstallationTest, countsWholeMillisecondsFromTheUnixEpoch)
+{
+    installed("2024-02-09T01:02:03");
+    EXPECT_EQ(lastInstallationDate(driver), 1'707'440'523 * ticksPerSecond);
+    EXPECT_TRUE(log.has(4, "Last successfull windows update was: 2024-02-09 01:02:03")) << log.text();
+    const std::pair<std::int64_t, Ticks> rows[] = {{12'345'678, 12'340'000}, {-1, -10'000}};
+    for (const auto& [sinceEpoch, date] : rows) {
+        driver.fileTime = unixEpochAsFileTime + sinceEpoch;
+        EXPECT_EQ(lastInstallationDate(driver), date);
     }
 }
 
-TEST(LastInstallation, countsWholeMillisecondsFromTheUnixEpoch)
+TEST_F(LastInstallationTest, throwsWithTheErrorObjectOfTheCallAndNoneOfAnEarlierOne)
 {
-    const support::LogCapture log;
-    const struct {
-        std::int64_t fileTime, date;
-    } rows[] = {{unixEpochAsFileTime, 0}, {unixEpochAsFileTime + 12'345'678, 12'340'000},
-        {unixEpochAsFileTime - 1, -10'000}, {0, -unixEpochAsFileTime}};
-    for (const auto& row : rows) {
-        Driver driver;
-        driver.fileTime = static_cast<std::uint64_t>(row.fileTime);
-        EXPECT_EQ(lastInstallationDate(driver), row.date);
+    ComPtr<ICreateErrorInfo> error;
+    ComPtr<IErrorInfo> info;
+    ASSERT_EQ(CreateErrorInfo(error.put()), S_OK);
+    error->SetSource(Bstr(L"the updates").get());
+    error->QueryInterface(__uuidof(IErrorInfo), reinterpret_cast<void**>(info.put()));
+    SetErrorInfo(0, info.get());
+    for (const std::string call :
+        {"IAutomaticUpdates2::get_Results", "IAutomaticUpdatesResults::get_LastInstallationSuccessDate"}) {
+        plan(call, E_ACCESSDENIED);
+        const auto failure = support::thrown<ComException>([&] { lastInstallationDate(driver); });
+        EXPECT_EQ(failure.result(), E_ACCESSDENIED);
+        EXPECT_THAT(failure.what(),
+            testing::AllOf(HasSubstr(call.substr(call.find("get_")) + " failed"), Not(HasSubstr("the updates"))));
     }
-    EXPECT_TRUE(log.has(4, "Last successfull windows update was: 2024-02-09 01:02:03")) << log.text();
+    Failing object;
+    EXPECT_EQ(comErrorOf(E_FAIL, object, __uuidof(IErrorInfo)).source(), L"") << "of another interface";
+    EXPECT_EQ(comErrorOf(E_FAIL, object, __uuidof(IDispatch)).source(), L"the updates");
 }

@@ -1,44 +1,93 @@
 #include "tarnhd/wusstopper/wusstopper.h"
 
 #include "common/event/event.h"
+#include "common/factory/commonfactory.h"
+#include "common/reboot/icomputerrebooter.h"
+#include "common/registrykeynotifier/registrykeynotifier.h"
+#include "common/serviceproxy/serviceproxy.h"
 #include "common/utils/timetext.h"
-#include "fakesystem.h"
 #include "support/fakeclock.h"
 #include "support/fakesettings.h"
 #include "support/logcapture.h"
-#include "support/record.h"
+#include "tarnhd/wusstopper/rebootrequest.h"
 #include "tarnhd/wusstopper/triggerkey.h"
 #include "vxtl/registry.h"
+#include "vxtl/str.h"
+
+#include <windows.h>
 
 namespace vx::tarn {
 namespace {
 
 using namespace std::chrono_literals;
 using common::ServiceOperation;
-using testing::ElementsAre;
 
 const TarnpatchSettings keys{nullptr};
 const std::wstring askUserKey = keys.installation.reboot.askUser.key();
-const std::wstring forceKey = keys.installation.reboot.forceInSeconds.key();
 constexpr auto vantorixKey = L"HKEY_LOCAL_MACHINE\\SOFTWARE\\Vantorix";
+constexpr std::int64_t created = 4'000'000'000, deadline = created + 24 * 3600; ///< in Unix seconds
+
+/// Is itself the service, the computer and the watch that it gives out: the system's own, but for what a test sets.
+struct FakeSystem : common::CommonFactory,
+                    common::ServiceProxy,
+                    common::IComputerRebooter,
+                    common::RegistryKeyNotifier {
+    FakeSystem() : ServiceProxy({}) {}
+    std::shared_ptr<common::IService> createServiceProxy(const std::wstring& name) override
+    {
+        EXPECT_EQ(name, L"wuauserv");
+        return {notOwned, this};
+    }
+    std::shared_ptr<common::IComputerRebooter> createComputerRebooter() override { return {notOwned, this}; }
+    std::shared_ptr<common::IRegistryKeyNotifier> createRegistryKeyNotifier() override
+    {
+        ++watches;
+        return {notOwned, this};
+    }
+    ServiceState getState() override { return state; }
+    ServiceOperation beginStop(std::chrono::milliseconds timeout, common::ServiceWait wait) override
+    {
+        EXPECT_EQ(timeout, 10s);
+        EXPECT_EQ(wait, common::ServiceWait::Yes);
+        return onStop();
+    }
+    bool initiateReboot() override { return ++rebootsAsked, reboots; }
+    void notifyChangeKeyValue(unsigned long filter, const IWaitable& event) override
+    {
+        ++armed;
+        onArm ? onArm(event) : RegistryKeyNotifier::notifyChangeKeyValue(filter, event);
+    }
+
+    ServiceState state = ServiceState::Stopped;
+    std::function<ServiceOperation()> onStop;
+    bool reboots = false; ///< whether the computer obeys
+    int rebootsAsked = 0, watches = 0, armed = 0;
+    std::function<void(const IWaitable& event)> onArm = [](const IWaitable& event) { SetEvent(event.getHandle()); };
+    const std::shared_ptr<void> notOwned;
+};
 
 class WUSStopperTest : public testing::Test {
 protected:
     WUSStopperTest()
     {
         removeKey();
+        registry->createKey(vantorixKey);
         store->setBoolValue(askUserKey, false);
-        store->setInt64Value(forceKey, -1);
+        store->setInt64Value(keys.installation.reboot.forceInSeconds.key(), -1);
         store->setInt32Value(keys.installation.reboot.forceIn.key(), 24);
-        clock.now = 1'700'086'400 * ticksPerSecond; // the deadline of a key that was made a day before
+        clock.now = deadline * ticksPerSecond;
     }
-    ~WUSStopperTest() override { removeKey(); }
+    ~WUSStopperTest() override
+    {
+        stopper.reset();
+        removeKey();
+    }
     void removeKey()
     {
         if (registry->doesKeyExist(triggerKey))
             registry->deleteTree(triggerKey);
     }
-    void makeKey(std::int64_t time = 1'700'000'000)
+    void makeKey(std::int64_t time = created)
     {
         registry->createKey(triggerKey)->setInt64Value(triggerTimeValue, time);
     }
@@ -48,12 +97,10 @@ protected:
             poll.emplace(support::FakeSettings::handle(store), &system, options);
         return poll->round({*stopEvent, *registryEvent});
     }
-    std::vector<std::string> logged()
+    WUSStopper& thread()
     {
-        std::vector<std::string> texts;
-        for (const auto& line : log.lines())
-            texts.push_back(line.text.substr(line.text.find_first_not_of(' ')));
-        return texts;
+        options.pollPeriod = 120s;
+        return stopper.emplace(support::FakeSettings::handle(store), &system, options);
     }
 
     support::FakeClock clock;
@@ -65,22 +112,27 @@ protected:
     std::shared_ptr<common::Event> registryEvent = common::Event::createAutoResetEvent({}, false);
     support::LogCapture log; // of what comes behind the setting up
     std::optional<WUSPoll> poll;
+    std::optional<WUSStopper> stopper;
 };
+
+TEST(RebootRequest, isNotDueBehindTheEndOfTime)
+{
+    constexpr Ticks most = std::numeric_limits<Ticks>::max();
+    EXPECT_FALSE((RebootRequest{1, std::chrono::seconds(most)}.isDue(most)));
+    EXPECT_TRUE((RebootRequest{1, std::chrono::seconds(-most)}.isDue(0)));
+}
 
 TEST_F(WUSStopperTest, stopsTheServiceThenWaitsThenRebootsUntilTheSystemObeys)
 {
     makeKey();
     system.state = ServiceState::Running;
+    system.onStop = [] { return ServiceOperation([](auto) { return true; }); };
     EXPECT_TRUE(round()) << "in time at the deadline itself";
-    const auto text = [](std::int64_t time) {
-        const std::wstring wide = common::utils::timeToString(time);
-        return std::string(wide.begin(), wide.end());
-    };
-    const std::string times = text(1'700'086'400) + " now " + text(1'700'086'400);
-    EXPECT_THAT(
-        logged(), ElementsAre("WUS stopper trigger key found as: 1", "Will try to stop WUS", "Time to poll WUS status.",
-                      "force reboot ask: 0 in 86400 hours", "reboot initiated " + text(1'700'000'000),
-                      "reboot dealine " + times + " is time to reboot 0"));
+    const auto text = [](std::int64_t time) { return str::toUtf8(common::utils::timeToString(time)); };
+    const std::string times = text(deadline) + " now " + text(deadline);
+    EXPECT_EQ(log.text(), "WUS stopper trigger key found as: 1\nWill try to stop WUS\nTime to poll WUS status.\n"
+                          "force reboot ask: 0 in 86400 hours\nreboot initiated " +
+                              text(created) + "\nreboot dealine " + times + " is time to reboot 0\n");
     clock.now += 1;
     system.state = ServiceState::Stopped;
     EXPECT_TRUE(round());
@@ -89,17 +141,18 @@ TEST_F(WUSStopperTest, stopsTheServiceThenWaitsThenRebootsUntilTheSystemObeys)
     EXPECT_EQ(system.rebootsAsked, 2);
     EXPECT_EQ(log.count("WUS not running"), 2u);
     EXPECT_TRUE(log.has(4, "Now time to reboot: dealine " + times)) << log.text();
-    EXPECT_TRUE(log.has(4, "Performing system to reboot"));
-    EXPECT_EQ(log.count("trigger key found as"), 1u);
     EXPECT_EQ(system.armed, 0);
 }
 
-TEST_F(WUSStopperTest, goesOnStoppingTheServiceWhenTheKeyIsGoneAndRebootsNoMore)
+TEST_F(WUSStopperTest, goesOnStoppingTheServiceButRebootsNeitherPastTheUserNorWithoutTheKey)
 {
     makeKey();
-    EXPECT_TRUE(round());
-    removeKey();
     clock.now += ticksPerSecond;
+    store->setBoolValue(askUserKey, true);
+    EXPECT_TRUE(round());
+    EXPECT_EQ(log.count("reboot initiated"), 0u) << "nobody reads the key";
+    store->setBoolValue(askUserKey, false);
+    removeKey();
     EXPECT_TRUE(round());
     EXPECT_EQ(log.count("WUS not running"), 2u);
     EXPECT_EQ(log.count("Exception occurred. "), 1u) << log.text();
@@ -108,19 +161,7 @@ TEST_F(WUSStopperTest, goesOnStoppingTheServiceWhenTheKeyIsGoneAndRebootsNoMore)
     EXPECT_EQ(system.rebootsAsked, 0);
 }
 
-TEST_F(WUSStopperTest, readsNoKeyWhenTheUserIsToBeAsked)
-{
-    makeKey();
-    clock.now += ticksPerSecond;
-    store->setBoolValue(askUserKey, true);
-    store->setInt64Value(forceKey, 0);
-    EXPECT_TRUE(round());
-    EXPECT_TRUE(log.has(5, "force reboot ask: 1 in 0 hours")) << log.text();
-    EXPECT_EQ(log.count("reboot initiated"), 0u);
-    EXPECT_EQ(system.rebootsAsked, 0);
-}
-
-TEST_F(WUSStopperTest, armsTheWatchAnewBeforeEachWait)
+TEST_F(WUSStopperTest, armsTheWatchAnewBeforeEachWaitAndPollsWhereThatFails)
 {
     EXPECT_TRUE(round());
     EXPECT_TRUE(round());
@@ -128,45 +169,8 @@ TEST_F(WUSStopperTest, armsTheWatchAnewBeforeEachWait)
     EXPECT_EQ(system.watches, 1);
     EXPECT_EQ(log.count("Registry changed, check if WUS should be stopped"), 2u) << log.text();
     EXPECT_EQ(log.count("force reboot ask: "), 2u);
-    stopEvent->set();
-    EXPECT_FALSE(round()) << "the stop comes before a change";
-    EXPECT_TRUE(log.has(4, "Thread stop event signaled"));
-    EXPECT_EQ(log.count("force reboot ask: "), 2u);
-}
-
-TEST_F(WUSStopperTest, saysHowTheStopOfTheServiceEnded)
-{
-    const struct {
-        const char* trace;
-        std::function<ServiceOperation()> onStop;
-        const char* error; ///< none when empty
-    } rows[] = {
-        {"stopped", [] { return ServiceOperation([](auto) { return true; }); }, ""},
-        {"too slow", [] { return ServiceOperation([](auto) { return false; }); },
-            "Error: failed to stop WUS service in 10 seconds"},
-        {"nothing to wait for", [] { return ServiceOperation(); }, "Subsequent call to wait"},
-        {"refused", []() -> ServiceOperation { throw std::runtime_error("refused"); }, "refused"},
-    };
-    makeKey();
-    clock.now += ticksPerSecond;
-    system.state = ServiceState::Running;
-    for (const auto& row : rows) {
-        SCOPED_TRACE(row.trace);
-        const auto errors = [&] {
-            return *row.error ? log.count(row.error) : log.count("Error: ") + log.count("refused");
-        };
-        system.onStop = row.onStop;
-        system.rebootsAsked = 0;
-        EXPECT_TRUE(round());
-        EXPECT_EQ(errors(), *row.error ? 1u : 0u) << log.text();
-        EXPECT_EQ(system.rebootsAsked, 1) << "whatever the service does";
-    }
-}
-
-TEST_F(WUSStopperTest, goesOnAfterThePollPeriodWhenAStepFails)
-{
-    system.onArm = [](const IWaitable&) { throw std::runtime_error("no watch"); };
     store->breakDown(askUserKey);
+    const auto arm = std::exchange(system.onArm, [](const IWaitable&) { throw std::runtime_error("no watch"); });
     EXPECT_TRUE(round());
     EXPECT_EQ(log.count("Exception occurred. no watch"), 1u) << log.text();
     EXPECT_EQ(log.count("Time to poll WUS status."), 1u);
@@ -175,33 +179,50 @@ TEST_F(WUSStopperTest, goesOnAfterThePollPeriodWhenAStepFails)
     stopEvent->set();
     EXPECT_FALSE(round());
     EXPECT_EQ(log.count("Stop signalled, exiting"), 1u);
+    system.onArm = arm;
+    EXPECT_FALSE(round()) << "the stop comes before a change";
+    EXPECT_TRUE(log.has(4, "Thread stop event signaled"));
+}
+
+TEST_F(WUSStopperTest, rebootsAlthoughTheServiceDoesNotStop)
+{
+    const struct {
+        const char* error;
+        std::function<ServiceOperation()> onStop;
+    } rows[] = {
+        {"Error: failed to stop WUS service in 10 seconds",
+            [] { return ServiceOperation([](auto) { return false; }); }},
+        {"refused", []() -> ServiceOperation { throw std::runtime_error("refused"); }},
+    };
+    makeKey();
+    clock.now += ticksPerSecond;
+    system.state = ServiceState::Running;
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.error);
+        system.onStop = row.onStop;
+        system.rebootsAsked = 0;
+        EXPECT_TRUE(round());
+        EXPECT_EQ(log.count(row.error), 1u) << log.text();
+        EXPECT_EQ(system.rebootsAsked, 1);
+    }
 }
 
 TEST_F(WUSStopperTest, findsAKeyThatCameWhileTheWatchWasArmed)
 {
     system.onArm = [this](const IWaitable&) { makeKey(); };
-    options.pollPeriod = support::deadline * 2;
-    WUSStopper stopper(support::FakeSettings::handle(store), &system, options);
-    stopper.start();
+    thread().start();
     EXPECT_TRUE(log.waitFor("WUS not running")) << log.text();
-    stopper.stop();
-    EXPECT_GE(log.count("Stop signalled, exiting"), 1u);
-    EXPECT_THAT(logged(), testing::Contains("WUS poll thread exited"));
 }
 
 TEST_F(WUSStopperTest, seesTheKeyThatSomebodyMakes)
 {
-    registry->createKey(vantorixKey);
-    system.watchIsReal = true;
-    options.pollPeriod = support::deadline * 2;
-    WUSStopper stopper(support::FakeSettings::handle(store), &system, options);
-    stopper.start();
+    system.onArm = nullptr;
+    thread().start();
     ASSERT_TRUE(log.waitFor("Prepared registry change notification handle")) << log.text();
     makeKey();
     EXPECT_TRUE(log.waitFor("WUS not running")) << log.text();
-    stopper.stop();
-    stopper.stop();
-    EXPECT_EQ(log.count("WUS stopper started"), 1u);
+    stopper->stop();
+    stopper->stop();
     EXPECT_EQ(log.count("WUS stopper stopped"), 2u);
     EXPECT_EQ(log.count("WUS poll thread exited"), 1u);
 }
@@ -210,33 +231,28 @@ TEST_F(WUSStopperTest, aStopEndsTheWaitForTheService)
 {
     makeKey();
     system.state = ServiceState::Running;
-    support::Record entered;
     bool cancelled = false;
     system.onStop = [&] {
         return ServiceOperation([&](const IWaitable* cancel) {
-            entered.add("");
             cancelled = sync::waitForSingleObject(*cancel, 60'000);
             return false;
         });
     };
-    WUSStopper stopper(support::FakeSettings::handle(store), &system, options);
-    stopper.start();
-    entered.waitFor(1);
-    stopper.stop();
+    thread().start();
+    EXPECT_TRUE(log.waitFor("Will try to stop WUS")) << log.text();
+    stopper->stop();
     EXPECT_TRUE(cancelled);
     EXPECT_EQ(log.count("Error: failed"), 0u) << log.text();
 }
 
 TEST_F(WUSStopperTest, cleansTheFlagUp)
 {
-    WUSStopper stopper(support::FakeSettings::handle(store), &system, options);
-    EXPECT_TRUE(stopper.cleanupStopFlag());
+    EXPECT_TRUE(thread().cleanupStopFlag());
     makeKey();
-    EXPECT_TRUE(stopper.cleanupStopFlag());
+    EXPECT_TRUE(stopper->cleanupStopFlag());
     EXPECT_FALSE(registry->doesKeyExist(triggerKey));
-    makeKey();
     registry->createKey(triggerKey + std::wstring(L"\\below"));
-    EXPECT_FALSE(stopper.cleanupStopFlag());
+    EXPECT_FALSE(stopper->cleanupStopFlag());
     EXPECT_EQ(log.count("Exception occurred. Type: Win32Exception"), 1u) << log.text();
 }
 
