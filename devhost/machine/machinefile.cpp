@@ -1,10 +1,10 @@
 #include "machine/machinefile.h"
 
 #include "store/server/storefile.h"
-#include "vxtl/globalmutex.h"
+#include "vxtl/handle.h"
 #include "vxtl/parsejson.h"
+#include "vxtl/win32exception.h"
 
-#include <mutex>
 #include <windows.h>
 
 namespace devhost::machine {
@@ -20,6 +20,22 @@ std::wstring environmentVariable(const wchar_t* name)
     const auto length = GetEnvironmentVariableW(name, value, static_cast<DWORD>(std::size(value)));
     return length < std::size(value) ? std::wstring(value, length) : std::wstring();
 }
+
+/// Not vx::sync::GlobalMutex, which may be denied to create it and then find it gone: here users come and go.
+class MachineLock {
+public:
+    MachineLock() : m_mutex(CreateMutexW(nullptr, FALSE, mutexName))
+    {
+        if (WaitForSingleObject(m_mutex.get(), INFINITE) == WAIT_FAILED)
+            VX_THROW_WIN32(GetLastError(), L"the lock of the machine's file");
+    }
+    ~MachineLock() { ReleaseMutex(m_mutex.get()); }
+    MachineLock(const MachineLock&) = delete;
+    MachineLock& operator=(const MachineLock&) = delete;
+
+private:
+    const vx::KernelHandle m_mutex;
+};
 
 nlohmann::json parse(const std::optional<std::string>& content)
 {
@@ -37,15 +53,13 @@ std::filesystem::path machineFile()
 
 MachineState readState()
 {
-    vx::sync::GlobalMutex mutex(mutexName);
-    const std::lock_guard lock(mutex);
+    const MachineLock lock;
     return parse(store::StoreFile(machineFile().native()).read()).get<MachineState>();
 }
 
 void changeState(const std::function<void(MachineState&)>& change)
 {
-    vx::sync::GlobalMutex mutex(mutexName);
-    const std::lock_guard lock(mutex);
+    const MachineLock lock;
     const store::StoreFile file(machineFile().native());
     const auto before = parse(file.read());
     auto state = before.get<MachineState>();

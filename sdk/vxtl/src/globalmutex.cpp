@@ -95,9 +95,6 @@ SharedHandle createAccessibleMutex(const std::wstring& name, bool openExisting)
     const DWORD openError = GetLastError();
     const SharedHandle opened = std::make_shared<KernelHandle>(handle);
     logging::LogStream(logging::Level::Info) << "OpenMutex handle = " << handle;
-    // Its last owner may have let it go in between.
-    if (openError == ERROR_FILE_NOT_FOUND && !opened->isValid())
-        return createAccessibleMutex(name, openExisting);
     if (!opened->isValid())
         VX_THROW_WIN32(openError, L"OpenMutex failed");
     return opened;
