@@ -1,14 +1,14 @@
 #include "common/windowsupdates/grouppolicy.h"
 #include "common/windowsupdates/grouppolicydriver.h"
 #include "support/logcapture.h"
-#include "systemfixture.h"
+#include "support/machine.h"
 
 using namespace vx::tarn::common;
 using devhost::machine::PolicySave;
-using GroupPolicyTest = SystemTest;
 
-TEST_F(GroupPolicyTest, savesWhatItIsToldOrSaysWhichCallFailed)
+TEST(GroupPolicy, savesWhatItIsToldOrSaysWhichCallFailed)
 {
+    const support::Machine machine;
     GroupPolicy policy(std::make_shared<GroupPolicyDriver>());
     const struct {
         const char* call;
@@ -26,7 +26,7 @@ TEST_F(GroupPolicyTest, savesWhatItIsToldOrSaysWhichCallFailed)
     for (const auto& row : rows) {
         SCOPED_TRACE(row.error);
         const support::LogCapture log(2);
-        plan(row.call, row.planned);
+        machine.plan(row.call, {row.planned});
         EXPECT_EQ(policy.save(PolicySection::User, PolicyChange::Remove, registryExtension, policySnapIn), row.result);
         EXPECT_EQ(log.has(2, row.error), row.result < 0) << log.text();
         EXPECT_EQ(log.has(2, "Failed to get policy object."), row.result == E_FAIL);
@@ -35,6 +35,6 @@ TEST_F(GroupPolicyTest, savesWhatItIsToldOrSaysWhichCallFailed)
     EXPECT_EQ(policy.save(PolicySection::User, PolicyChange::Add, policySnapIn, registryExtension), S_OK);
     const std::string extension = "{35378EAC-683F-11D2-A89A-00C04FBBCFA2}";
     const std::string snapIn = "{0F6B957E-509E-11D1-A7CC-0000F87571E3}";
-    EXPECT_THAT(devhost::machine::readState().policySaves,
+    EXPECT_THAT(machine.state().policySaves,
         testing::ElementsAre(PolicySave{true, false, extension, snapIn}, PolicySave{false, true, snapIn, extension}));
 }

@@ -2,14 +2,18 @@
 #include "common/windowsupdates/automaticupdatesdriver.h"
 #include "common/windowsupdates/comobject.h"
 #include "support/logcapture.h"
+#include "support/machine.h"
 #include "support/thrown.h"
-#include "systemfixture.h"
+#include "vxtl-com/bstr.h"
+#include "vxtl-com/comptr.h"
 #include "vxtl/comexception.h"
 
 #include <cmath>
 
 using namespace vx;
 using namespace vx::tarn::common;
+using com::Bstr;
+using com::ComPtr;
 using testing::HasSubstr;
 
 namespace {
@@ -25,13 +29,13 @@ struct Driver : AutomaticUpdatesDriver {
     std::optional<std::int64_t> fileTime;
 };
 
-class LastInstallationTest : public SystemTest {
-protected:
+struct LastInstallationTest : testing::Test {
     static void installed(const std::string& date)
     {
-        devhost::machine::changeState([&](auto& state) { state.lastInstallation = date; });
+        support::Machine::change([&](auto& state) { state.lastInstallation = date; });
     }
 
+    support::Machine machine;
     Driver driver;
     support::LogCapture log;
 };
@@ -75,7 +79,7 @@ TEST_F(LastInstallationTest, isNoneAfterAnyFailureAndSaysWhich)
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(row.logged);
-        plan(row.call, row.planned);
+        machine.plan(row.call, {row.planned});
         installed(row.date);
         EXPECT_EQ(lastInstallationDate(driver), neverInstalled);
         EXPECT_TRUE(log.has(row.level, row.logged)) << log.text();
@@ -105,7 +109,7 @@ TEST_F(LastInstallationTest, throwsWithTheErrorObjectOfTheCallAndNoneOfAnEarlier
     SetErrorInfo(0, info.get());
     for (const std::string call :
         {"IAutomaticUpdates2::get_Results", "IAutomaticUpdatesResults::get_LastInstallationSuccessDate"}) {
-        plan(call, E_ACCESSDENIED);
+        machine.plan(call, {E_ACCESSDENIED});
         const auto failure = support::thrown<ComException>([&] { lastInstallationDate(driver); });
         EXPECT_EQ(failure.result(), E_ACCESSDENIED);
         EXPECT_THAT(failure.what(),
