@@ -182,7 +182,7 @@ command_fuzz() {
 }
 
 # The cross compiler's time_t ends in 2038, and the standard library's clocks and timed waits end with it; its locks
-# and threads leave handles behind in the host. vxtl/clock.h, vxtl/lock.h and tarnhd/joinedthread.h stand in.
+# and threads leave handles behind in the host. vxtl/clock.h, vxtl/lock.h and JoinedThread stand in.
 lint_standard_library() {
     local clocks='std::(time|tm)\b|\btime_t\b|<(ctime|time\.h)>|\b(localtime|gmtime|mktime|strftime|wcsftime)\('
     clocks+='|chrono::(system|steady|high_resolution|utc|tai|gps|file)_clock|\b(wait|sleep)_(for|until)\b'
