@@ -1,6 +1,7 @@
 #include "host/commands.h"
 #include "host/host.h"
 #include "host/pluginrecord.h"
+#include "host/testmachine.h"
 #include "program/program.h"
 #include "vxtl/str.h"
 
@@ -11,7 +12,7 @@ namespace devhost::host {
 
 namespace {
 
-struct RunOptions {
+struct RunOptions : MachineOptions {
     std::string plugin, store, agentDirectory;
     Reboots reboots = Reboots::Hold;
     bool noStore = false, untilStop = false, noProfile = false;
@@ -31,6 +32,8 @@ std::filesystem::path storeFile(const Context& context, const std::string& named
 
 ExitCode runHost(const Context& context, const RunOptions& given)
 {
+    if (given.reboots == Reboots::Real)
+        requireTestMachine(given);
     HostOptions options;
     options.plugin = given.plugin.empty() ? program::ownFolder() / "tarnhd.dll"
                                           : std::filesystem::absolute(vx::str::fromUtf8(given.plugin));
@@ -71,6 +74,7 @@ void addRun(Commands& commands)
            "what becomes of a reboot that the plug-in asks for: hold it (default), play it as 'tarnhost reboot' does, "
            "or let this computer go down")
         ->transform(CLI::CheckedTransformer(reboots));
+    addTestMachine(run, options);
     auto* seconds = run->add_option("--for-seconds", options.seconds, "end after that time");
     run->add_flag("--until-stop", options.untilStop, "end on Ctrl-C or 'tarnhost stop' only, which is the default")
         ->excludes(seconds);
