@@ -5,7 +5,6 @@
 #include "host/agentdirectory.h"
 #include "host/exitcode.h"
 #include "host/systemtext.h"
-#include "vxtl/handle.h"
 
 #include <windows.h>
 
@@ -30,20 +29,25 @@ std::optional<unsigned long> waitForExit(void* process, std::chrono::millisecond
     return ended && GetExitCodeProcess(process, &code) ? std::optional(code) : std::nullopt;
 }
 
+StartedProcess startProcess(
+    const std::filesystem::path& program, std::wstring commandLine, const std::filesystem::path& folder)
+{
+    STARTUPINFOW startup{};
+    startup.cb = sizeof(startup);
+    PROCESS_INFORMATION process{};
+    if (!CreateProcessW(program.c_str(), commandLine.data(), nullptr, nullptr, FALSE, 0, nullptr, folder.c_str(),
+            &startup, &process))
+        throw CommandError(ExitCode::Failed, "cannot start " + toText(program) + ": " + systemText(GetLastError()));
+    const vx::KernelHandle thread(process.hThread);
+    return {std::make_shared<vx::KernelHandle>(process.hProcess), process.dwProcessId};
+}
+
 unsigned long runAgent(
     const std::filesystem::path& folder, const std::wstring& arguments, std::chrono::milliseconds timeout)
 {
     const auto program = folder / L"tarnag.exe";
-    auto line = L"\"" + program.native() + L"\" " + arguments;
-    STARTUPINFOW startup{};
-    startup.cb = sizeof(startup);
-    PROCESS_INFORMATION process{};
-    if (!CreateProcessW(
-            program.c_str(), line.data(), nullptr, nullptr, FALSE, 0, nullptr, folder.c_str(), &startup, &process))
-        throw CommandError(ExitCode::Failed, "cannot start " + toText(program) + ": " + systemText(GetLastError()));
-    const vx::KernelHandle handle(process.hProcess);
-    const vx::KernelHandle thread(process.hThread);
-    if (const auto code = waitForExit(handle.get(), timeout))
+    const auto process = startProcess(program, L"\"" + program.native() + L"\" " + arguments, folder);
+    if (const auto code = waitForExit(process.handle->get(), timeout))
         return *code;
     throw CommandError(ExitCode::TimedOut, toText(program) + " has not ended in time");
 }

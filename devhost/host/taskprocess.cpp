@@ -1,7 +1,7 @@
 #include "host/taskprocess.h"
 
+#include "host/agentprocess.h"
 #include "host/exitcode.h"
-#include "host/systemtext.h"
 #include "machine/taskrun.h"
 #include "vxtl/str.h"
 
@@ -36,16 +36,8 @@ StartedTask start(const std::wstring& path, const std::wstring& arguments, const
 {
     // Named by itself: of an unquoted path with blanks the system would try each beginning.
     const auto program = vx::str::trim(path, L"\"");
-    auto line = arguments.empty() ? path : path + L" " + arguments;
-    STARTUPINFOW startup{};
-    startup.cb = sizeof(startup);
-    PROCESS_INFORMATION process{};
-    if (!CreateProcessW(
-            program.c_str(), line.data(), nullptr, nullptr, FALSE, 0, nullptr, folder.c_str(), &startup, &process))
-        throw CommandError(ExitCode::Failed, "cannot start " + toText(program) + ": " + systemText(GetLastError()));
-    const vx::KernelHandle thread(process.hThread);
-    return {
-        machine::runOf(process.hProcess, process.dwProcessId), std::make_shared<vx::KernelHandle>(process.hProcess)};
+    const auto process = startProcess(program, arguments.empty() ? path : path + L" " + arguments, folder);
+    return {machine::runOf(process.handle->get(), process.id), process.handle};
 }
 
 } // namespace
