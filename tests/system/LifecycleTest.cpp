@@ -70,10 +70,13 @@ TEST_F(LifecycleTest, keepsTheScheduledTaskInStepWithTheSettings)
     const Machine machine;
     startHost(Wait::ForProcessing);
     const auto& automatic = settings.installation.automatic;
-    put(automatic.frequency, "every_sunday");
-    put(automatic.hour, 3);
+    // One after the other: the handler of one change sees what a later one has brought.
     put(automatic.mode, "install_critical_and_important");
     waitForLog("The task has been created successfully.");
+    put(automatic.frequency, "every_sunday");
+    waitForLog("The task has been created successfully.", 2);
+    put(automatic.hour, 3);
+    waitForLog("The task has been created successfully.", 3);
     const json task = machine.definition();
     EXPECT_EQ(task.at("Actions").at(0).at("Arguments"), "--command=queue --severity=important");
     EXPECT_EQ(task.at("Triggers").at(0).at("DaysOfWeek"), 1);
