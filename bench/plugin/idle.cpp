@@ -1,7 +1,7 @@
 #include "idle.h"
 
-#include "host/directorywatch.h"
-#include "host/logreader.h"
+#include "logreading/directorywatch.h"
+#include "logreading/logreader.h"
 #include "host/pluginsession.h"
 #include "keys/keycatalogue.h"
 #include "reading.h"
@@ -38,15 +38,15 @@ void prepareStore(const std::wstring& instance)
 
 void waitForProcessing()
 {
-    host::LogReader log(host::logLocation());
+    logreading::LogReader log(logreading::logLocation());
     log.rewind();
-    host::DirectoryWatch watch(host::logLocation().parent_path());
-    const ipc::Signal never;
+    logreading::DirectoryWatch watch(logreading::logLocation().parent_path());
     for (const auto end = std::chrono::steady_clock::now() + deadline; std::chrono::steady_clock::now() < end;) {
-        for (const std::string& line : log.read())
-            if (line.find("Run processing") != std::string::npos)
-                return;
-        watch.wait(never, 1000);
+        bool processing = false;
+        log.read([&](std::string_view line) { processing |= line.find("Run processing") != std::string_view::npos; });
+        if (processing)
+            return;
+        watch.wait(nullptr, 1000);
     }
     throw std::runtime_error("the plug-in does not begin to process");
 }

@@ -1,14 +1,13 @@
 #include "host/commands.h"
-#include "host/directorywatch.h"
-#include "host/logreader.h"
 #include "host/printer.h"
 #include "host/stopsignal.h"
 #include "host/systemtext.h"
+#include "logreading/directorywatch.h"
+#include "logreading/logreader.h"
 #include "vxtl/str.h"
 
-#include <algorithm>
+#include <deque>
 #include <nlohmann/json.hpp>
-#include <span>
 
 namespace devhost::host {
 
@@ -24,26 +23,40 @@ struct LogOptions {
     std::string file;
 };
 
-void print(Printer& printer, std::span<const std::string> lines)
+void print(Printer& printer, std::string_view line)
 {
-    for (const auto& line : lines)
-        printer.result(line, {{"line", line}});
+    printer.result(line, {{"line", line}});
+}
+
+/// Prints what is there, or the last lines of it.
+void printBeginning(Printer& printer, logreading::LogReader& reader, std::optional<unsigned> lines)
+{
+    if (!lines)
+        return reader.read([&](std::string_view line) { print(printer, line); });
+    std::deque<std::string> last;
+    reader.read([&](std::string_view line) {
+        last.emplace_back(line);
+        if (last.size() > *lines)
+            last.pop_front();
+    });
+    for (const auto& line : last)
+        print(printer, line);
 }
 
 ExitCode showLog(const Context& context, const LogOptions& options)
 {
-    const auto path = options.file.empty() ? logLocation() : std::filesystem::absolute(vx::str::fromUtf8(options.file));
+    const auto path =
+        options.file.empty() ? logreading::logLocation() : std::filesystem::absolute(vx::str::fromUtf8(options.file));
     if (!options.follow && !exists(path))
         throw CommandError(ExitCode::Failed, "there is no log " + toText(path));
     // Watching begins before reading, so that nothing written in between goes unnoticed.
-    DirectoryWatch watch(path.parent_path());
-    LogReader reader(path);
+    logreading::DirectoryWatch watch(path.parent_path());
+    logreading::LogReader reader(path);
     reader.rewind();
-    const auto all = reader.read();
-    const auto shown = std::min<std::size_t>(all.size(), options.lines.value_or(all.size()));
-    print(context.printer, std::span(all).last(shown));
-    while (options.follow && watch.wait(context.stop, recheckMs) != DirectoryWatch::Result::Stopped)
-        print(context.printer, reader.read());
+    printBeginning(context.printer, reader, options.lines);
+    while (
+        options.follow && watch.wait(context.stop.handle(), recheckMs) != logreading::DirectoryWatch::Result::Stopped)
+        reader.read([&](std::string_view line) { print(context.printer, line); });
     return ExitCode::Done;
 }
 

@@ -12,7 +12,7 @@ SystemTest::SystemTest()
 {
     // The children inherit it: the log then lies in this test's folder.
     SetEnvironmentVariableW(L"ProgramData", (folder.path() / "ProgramData").c_str());
-    m_log.emplace(devhost::host::logLocation()).rewind();
+    m_log.emplace(logreading::logLocation()).rewind();
     installAgent();
     script({json::object()});
     devhost::host::writeAgentDirectory(agentFolder);
@@ -84,14 +84,13 @@ void SystemTest::waitForValue(const vx::tarn::KeyRow& row, const json& value)
 
 const std::vector<std::string>& SystemTest::log()
 {
-    for (std::string& line : m_log->read())
-        m_lines.push_back(std::move(line));
+    m_log->read([this](std::string_view line) { m_lines.emplace_back(line); });
     return m_lines;
 }
 
 void SystemTest::waitForLog(const std::string& text, std::size_t count)
 {
-    waitFor(devhost::host::logLocation().parent_path(), std::to_string(count) + " times in the log: " + text,
+    waitFor(logreading::logLocation().parent_path(), std::to_string(count) + " times in the log: " + text,
         [&] { return logCount(text) >= count; });
 }
 

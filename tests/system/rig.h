@@ -1,6 +1,6 @@
 #pragma once
 
-#include "host/logreader.h"
+#include "logreading/logreader.h"
 #include "stage.h"
 
 namespace rig {
@@ -49,7 +49,7 @@ protected:
 private:
     const std::vector<std::string>& log();
 
-    std::optional<devhost::host::LogReader> m_log;
+    std::optional<logreading::LogReader> m_log;
     std::vector<std::string> m_lines;
     bool m_hostStopped = false;
 };

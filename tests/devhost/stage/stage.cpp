@@ -1,6 +1,6 @@
 #include "stage.h"
 
-#include "host/directorywatch.h"
+#include "logreading/directorywatch.h"
 #include "ipc/instance.h"
 
 #include <atomic>
@@ -167,13 +167,12 @@ void StageTest::waitFor(
     const std::filesystem::path& changing, const std::string& what, const std::function<bool()>& condition)
 {
     std::filesystem::create_directories(changing);
-    devhost::host::DirectoryWatch watch(changing);
-    const devhost::ipc::Signal never;
+    logreading::DirectoryWatch watch(changing);
     const auto end = std::chrono::steady_clock::now() + deadline / 2;
     while (!condition()) {
         if (std::chrono::steady_clock::now() >= end)
             FAIL() << "never came: " << what;
-        watch.wait(never, 250);
+        watch.wait(nullptr, 250);
     }
 }
 

@@ -1,10 +1,8 @@
 #pragma once
 
-#include "ipc/signal.h"
-
 #include <filesystem>
 
-namespace devhost::host {
+namespace logreading {
 
 /// Waits for changes of the files in a folder. One thread.
 class DirectoryWatch {
@@ -17,9 +15,9 @@ public:
     DirectoryWatch(const DirectoryWatch&) = delete;
     DirectoryWatch& operator=(const DirectoryWatch&) = delete;
 
-    /// Blocks until a file was written, made, renamed or removed since the last wait, `stop` is set, or
-    /// the time is over.
-    Result wait(const ipc::Signal& stop, unsigned long timeoutMs);
+    /// Blocks until a file was written, made, renamed or removed since the last wait, the event `stop` is set, or
+    /// the time is over. The native event is borrowed; null for none.
+    Result wait(void* stop, unsigned long timeoutMs);
 
 private:
     void open();
@@ -28,4 +26,4 @@ private:
     void* m_notification = nullptr;
 };
 
-} // namespace devhost::host
+} // namespace logreading

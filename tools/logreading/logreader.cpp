@@ -1,32 +1,25 @@
-#include "host/logreader.h"
+#include "logreading/logreader.h"
 
-#include "host/exitcode.h"
-#include "host/systemtext.h"
 #include "logging-backend/location.h"
 #include "vxtl/handle.h"
 #include "vxtl/str.h"
+#include "vxtl/win32exception.h"
 
 #include <array>
 #include <cstdint>
 #include <utility>
 #include <windows.h>
 
-namespace devhost::host {
+namespace logreading {
 
 namespace {
 
 // The logger keeps at most this many rotated files.
 constexpr unsigned highestIndex = 100;
-constexpr wchar_t byteOrderMark = 0xFEFF;
 
-/// Damaged text must not end the reading.
-std::string toUtf8(std::wstring_view line)
+std::wstring systemText(DWORD code)
 {
-    const auto size =
-        WideCharToMultiByte(CP_UTF8, 0, line.data(), static_cast<int>(line.size()), nullptr, 0, nullptr, nullptr);
-    std::string text(static_cast<std::size_t>(size), '\0');
-    WideCharToMultiByte(CP_UTF8, 0, line.data(), static_cast<int>(line.size()), text.data(), size, nullptr, nullptr);
-    return text;
+    return vx::str::trim(vx::Win32ErrorCategory::emptyReason(code));
 }
 
 /// NAME.log for 0, NAME.1.log for 1.
@@ -67,7 +60,7 @@ public:
         const auto code = GetLastError();
         // A file that was deleted while somebody had it open keeps its name for a while.
         if (code != ERROR_FILE_NOT_FOUND && code != ERROR_PATH_NOT_FOUND && code != ERROR_DELETE_PENDING)
-            throw CommandError(ExitCode::Failed, "cannot read " + toText(path) + ": " + systemText(code));
+            VX_THROW_WIN32(code, L"cannot read " + path.native() + L": " + systemText(code));
         return nullptr;
     }
 
@@ -79,12 +72,12 @@ public:
     void seek(const Position& position) { m_offset = position.offset; }
     Position position() const { return {m_number, readHead(), m_offset}; }
 
-    /// What was appended since the last call; whole characters only. Empty at the end.
-    std::wstring_view readSome()
+    /// What was appended since the last call. Empty at the end, also at one that has come closer since.
+    std::string_view readSome()
     {
-        const auto got = readAt(m_offset, m_buffer.data(), sizeof(m_buffer));
-        m_offset += got - got % sizeof(wchar_t);
-        return {m_buffer.data(), got / sizeof(wchar_t)};
+        const auto got = readAt(m_offset, m_buffer.data(), static_cast<DWORD>(m_buffer.size()));
+        m_offset += got;
+        return {m_buffer.data(), got};
     }
 
 private:
@@ -116,7 +109,7 @@ private:
     vx::KernelHandle m_handle;
     std::array<DWORD, 3> m_number;
     std::uint64_t m_offset = 0;
-    std::array<wchar_t, 16384> m_buffer;
+    std::array<char, 65536> m_buffer;
 };
 
 LogReader::LogReader(std::filesystem::path file) : m_current(std::move(file)) {}
@@ -125,24 +118,23 @@ LogReader::~LogReader() = default;
 
 void LogReader::rewind()
 {
-    m_partial.clear();
+    m_splitter = {};
     m_position.reset();
     if (const auto oldest = openOldest())
         m_position = std::make_unique<Position>(oldest->position());
 }
 
-std::vector<std::string> LogReader::read()
+void LogReader::read(const LineSplitter::Sink& sink)
 {
-    m_file = m_position ? reopen() : File::open(m_current);
+    m_file = m_position ? reopen(sink) : File::open(m_current);
     if (m_file) {
-        drain();
-        while (advance())
-            drain();
+        drain(sink);
+        while (advance(sink))
+            drain(sink);
         m_position = std::make_unique<Position>(m_file->position());
         // Between the calls nothing is open: the logger could not replace a file that somebody holds.
         m_file.reset();
     }
-    return std::exchange(m_lines, {});
 }
 
 std::unique_ptr<LogReader::File> LogReader::openOldest() const
@@ -160,7 +152,7 @@ std::unique_ptr<LogReader::File> LogReader::openOldest() const
 
 /// The file in which reading stood. Files only move up, so one walk up cannot miss it. When it is gone, the
 /// oldest one that is left.
-std::unique_ptr<LogReader::File> LogReader::reopen()
+std::unique_ptr<LogReader::File> LogReader::reopen(const LineSplitter::Sink& sink)
 {
     for (unsigned index = 0; index <= highestIndex; ++index) {
         auto file = File::open(fileName(m_current, index));
@@ -169,14 +161,13 @@ std::unique_ptr<LogReader::File> LogReader::reopen()
             return file;
         }
     }
-    if (!m_partial.empty())
-        take(L"\n");
+    m_splitter.finish(sink);
     return openOldest();
 }
 
 /// Steps into the file that follows the present one. False when that is the current one, or when a
 /// rotation is just going on; the next call finds it finished.
-bool LogReader::advance()
+bool LogReader::advance(const LineSplitter::Sink& sink)
 {
     const auto isAt = [this](unsigned index) {
         const auto file = File::open(fileName(m_current, index));
@@ -193,9 +184,8 @@ bool LogReader::advance()
     if (!next || (index <= highestIndex && !isAt(index)))
         return false;
     // Only now is the present file certain to be complete.
-    drain();
-    if (!m_partial.empty())
-        take(L"\n");
+    drain(sink);
+    m_splitter.finish(sink);
     m_file = std::move(next);
     return true;
 }
@@ -216,24 +206,10 @@ std::unique_ptr<LogReader::File> LogReader::openSuccessor(unsigned index) const
     return nullptr;
 }
 
-void LogReader::drain()
+void LogReader::drain(const LineSplitter::Sink& sink)
 {
-    for (auto text = m_file->readSome(); !text.empty(); text = m_file->readSome())
-        take(text);
+    for (auto bytes = m_file->readSome(); !bytes.empty(); bytes = m_file->readSome())
+        m_splitter.take(bytes, sink);
 }
 
-void LogReader::take(std::wstring_view text)
-{
-    for (const wchar_t character : text) {
-        if (character == L'\n') {
-            if (m_partial.ends_with(L'\r'))
-                m_partial.pop_back();
-            m_lines.push_back(toUtf8(m_partial));
-            m_partial.clear();
-        } else if (character != byteOrderMark) {
-            m_partial += character;
-        }
-    }
-}
-
-} // namespace devhost::host
+} // namespace logreading

@@ -1,0 +1,190 @@
+#include "logreading/linesplitter.h"
+
+#include <algorithm>
+#include <cstddef>
+#include <utility>
+
+namespace logreading {
+
+namespace {
+
+constexpr char32_t replacement = 0xFFFD;
+constexpr char32_t byteOrderMark = 0xFEFF;
+// Far beyond the longest record: what goes on so long without an end is no log, and is not to fill the memory.
+constexpr std::size_t longestLine = 1'048'576;
+
+char32_t unitAt(std::string_view bytes, std::size_t position)
+{
+    return static_cast<unsigned char>(bytes[position]) | static_cast<unsigned char>(bytes[position + 1]) << 8;
+}
+
+void append(std::string& text, char32_t character)
+{
+    const auto tail = [&](int shift) { text += static_cast<char>(0x80 | (character >> shift & 0x3F)); };
+    if (character < 0x80) {
+        text += static_cast<char>(character);
+    } else if (character < 0x800) {
+        text += static_cast<char>(0xC0 | character >> 6);
+        tail(0);
+    } else if (character < 0x10000) {
+        text += static_cast<char>(0xE0 | character >> 12);
+        tail(6);
+        tail(0);
+    } else {
+        text += static_cast<char>(0xF0 | character >> 18);
+        tail(12);
+        tail(6);
+        tail(0);
+    }
+}
+
+bool isHighSurrogate(char32_t unit)
+{
+    return unit >= 0xD800 && unit < 0xDC00;
+}
+bool isLowSurrogate(char32_t unit)
+{
+    return unit >= 0xDC00 && unit < 0xE000;
+}
+
+void appendUtf16(std::string& text, std::string_view bytes)
+{
+    for (std::size_t position = 0; position + 1 < bytes.size(); position += 2) {
+        auto unit = unitAt(bytes, position);
+        if (isHighSurrogate(unit) && position + 3 < bytes.size() && isLowSurrogate(unitAt(bytes, position + 2))) {
+            position += 2;
+            unit = 0x10000 + ((unit - 0xD800) << 10) + (unitAt(bytes, position) - 0xDC00);
+        } else if (isHighSurrogate(unit) || isLowSurrogate(unit)) {
+            unit = replacement;
+        }
+        if (unit != byteOrderMark)
+            append(text, unit);
+    }
+}
+
+/// How many bytes the character at the front of `bytes` has; 0 when they are none in UTF-8.
+std::size_t utf8Length(std::string_view bytes)
+{
+    const auto byte = [&](std::size_t index) { return static_cast<unsigned char>(bytes[index]); };
+    const auto first = byte(0);
+    const std::size_t length = first < 0x80   ? 1
+                               : first < 0xC2 ? 0
+                               : first < 0xE0 ? 2
+                               : first < 0xF0 ? 3
+                               : first < 0xF5 ? 4
+                                              : 0;
+    if (length > bytes.size())
+        return 0;
+    for (std::size_t index = 1; index < length; ++index)
+        if ((byte(index) & 0xC0) != 0x80)
+            return 0;
+    // Overlong forms, surrogates and what lies beyond the last character.
+    const bool inRange = length < 3 || (first == 0xE0      ? byte(1) >= 0xA0
+                                           : first == 0xED ? byte(1) < 0xA0
+                                           : first == 0xF0 ? byte(1) >= 0x90
+                                           : first == 0xF4 ? byte(1) < 0x90
+                                                           : true);
+    return inRange ? length : 0;
+}
+
+void appendUtf8(std::string& text, std::string_view bytes)
+{
+    while (!bytes.empty()) {
+        const auto length = utf8Length(bytes);
+        if (length == 0)
+            append(text, replacement);
+        else
+            text += bytes.substr(0, length);
+        bytes.remove_prefix(std::max<std::size_t>(length, 1));
+    }
+}
+
+/// Where a record's header "2026-" begins at an odd place, behind one that was cut in the middle of a character.
+std::size_t findShiftedRecord(std::string_view bytes)
+{
+    constexpr std::size_t dateSize = 2 * 5;
+    for (std::size_t start = 1; start + dateSize <= bytes.size(); start += 2) {
+        const auto unit = [&](std::size_t index) { return unitAt(bytes, start + 2 * index); };
+        const auto isDigit = [&](std::size_t index) { return unit(index) >= '0' && unit(index) <= '9'; };
+        if (isDigit(0) && isDigit(1) && isDigit(2) && isDigit(3) && unit(4) == '-')
+            return start;
+    }
+    return std::string_view::npos;
+}
+
+/// The end of a line in UTF-16 whose bytes have slipped by one.
+bool isShiftedEnd(std::string_view bytes, std::size_t feed)
+{
+    return feed % 2 == 1 && feed >= 2 && bytes[feed - 1] == '\0' && bytes[feed - 2] == '\r';
+}
+
+} // namespace
+
+void LineSplitter::take(std::string_view bytes, const Sink& sink)
+{
+    if (!m_rest.empty()) {
+        // The line that was begun is completed alone, so that what follows is read where it lies.
+        m_rest += bytes;
+        const auto whole = std::exchange(m_rest, {});
+        return take(whole, sink);
+    }
+    while (const auto length = takeLine(bytes, sink))
+        bytes.remove_prefix(length);
+    m_rest = bytes;
+    if (m_rest.size() > longestLine)
+        finish(sink);
+}
+
+void LineSplitter::finish(const Sink& sink)
+{
+    auto rest = std::exchange(m_rest, {});
+    if (rest.ends_with('\n'))
+        rest.pop_back();
+    if (!rest.empty())
+        give(rest, sink);
+}
+
+/// How long the first line is with its end; 0 when it isn't complete.
+std::size_t LineSplitter::takeLine(std::string_view bytes, const Sink& sink)
+{
+    const auto zero = bytes.find('\0');
+    for (auto feed = bytes.find('\n'); feed != std::string_view::npos; feed = bytes.find('\n', feed + 1)) {
+        // Without a zero byte so far it may be one of UTF-8, or the first half of a character's.
+        if (feed + 1 == bytes.size())
+            return 0;
+        if (bytes[feed + 1] == '\0' && (feed % 2 == 0 || isShiftedEnd(bytes, feed))) {
+            give(bytes.substr(0, feed), sink);
+            return feed + 2;
+        }
+        if (zero > feed) {
+            give(bytes.substr(0, feed), sink);
+            return feed + 1;
+        }
+    }
+    return 0;
+}
+
+void LineSplitter::give(std::string_view bytes, const Sink& sink)
+{
+    if (bytes.find('\0') == std::string_view::npos) {
+        appendUtf8(m_line, bytes);
+        return giveLine(sink);
+    }
+    const auto shifted = bytes.size() % 2 == 1 ? findShiftedRecord(bytes) : std::string_view::npos;
+    appendUtf16(m_line, bytes.substr(0, shifted));
+    giveLine(sink);
+    if (shifted != std::string_view::npos) {
+        appendUtf16(m_line, bytes.substr(shifted));
+        giveLine(sink);
+    }
+}
+
+void LineSplitter::giveLine(const Sink& sink)
+{
+    if (m_line.ends_with('\r'))
+        m_line.pop_back();
+    sink(m_line);
+    m_line.clear();
+}
+
+} // namespace logreading

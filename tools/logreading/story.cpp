@@ -1,0 +1,186 @@
+#include "logreading/story.h"
+
+#include <array>
+#include <charconv>
+#include <utility>
+
+namespace logreading {
+
+namespace {
+
+// The plug-in's own lines. Those of an ask stand on one thread, right before "Scan start time: ".
+struct AskRow {
+    std::string_view text;
+    Cause cause;
+};
+constexpr std::array<AskRow, 7> askRows = {{
+    {"Deployment task was put to the queue. '", Cause::RemoteInstallation},
+    {"tarnag.exe start requested", Cause::StoreChange},
+    {"Tarnpatch maximum rescanning period is ", Cause::Period},
+    {"Start after reboot scan if expired", Cause::StartUp},
+    {"Trying to start scan after windows update if expired. ", Cause::WindowsUpdate},
+    {"Tarnpatch enabled status: wasEnabled = ", Cause::FeatureOn},
+    {"waitPostRebootDeployCompleted: Found that installation has been finished.", Cause::FinishedDeployment},
+}};
+constexpr std::string_view signalText = "Scan start time: ";
+constexpr std::string_view takenText = "tarnag.exe start event signaled.";
+constexpr std::string_view bannerText = "***  LOGGING STARTED";
+constexpr std::string_view closingText = "***  LOGGING ENDED";
+
+std::optional<std::int64_t> numberAt(std::string_view text)
+{
+    std::int64_t value = 0;
+    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
+    return error == std::errc() ? std::optional(value) : std::nullopt;
+}
+
+/// The text behind `front`; empty when the message does not begin with it.
+std::optional<std::string_view> behind(std::string_view message, std::string_view front)
+{
+    return message.starts_with(front) ? std::optional(message.substr(front.size())) : std::nullopt;
+}
+
+std::uint32_t threadOf(const Record& record)
+{
+    return std::uint32_t{record.process} << 16 | record.thread;
+}
+
+/// An exit code of the agent, and what the plug-in makes of it.
+Outcome outcomeOf(std::int64_t code)
+{
+    constexpr std::int64_t alreadyRunning = 8;
+    return code == 0 ? Outcome::Finished : code == alreadyRunning ? Outcome::Busy : Outcome::Failed;
+}
+
+Cause servedBy(std::int64_t reason)
+{
+    return reason == 1 ? Cause::RemoteScan : reason == 2 ? Cause::RemoteInstallation : Cause::Unknown;
+}
+
+/// Takes one line about a start; false when it is none of them.
+bool tell(AgentStart& start, const Record& record)
+{
+    const auto message = record.message;
+    if (const auto reason = behind(message, "Start reason is: ")) {
+        start.serves = servedBy(numberAt(*reason).value_or(0));
+    } else if (const auto process = behind(message, "Starting process ")) {
+        constexpr std::string_view mark = ". Arguments: ";
+        const auto place = process->rfind(mark);
+        start.arguments = place == std::string_view::npos ? "" : process->substr(place + mark.size());
+        start.started = record.time;
+        start.exitCode.reset();
+        ++start.tries;
+    } else if (const auto code = behind(message, "Process finished with return code: ")) {
+        start.exitCode = numberAt(*code);
+        start.outcome = outcomeOf(start.exitCode.value_or(1));
+    } else if (const auto scan = behind(message, "Update a scanning remote operation status: ")) {
+        start.acknowledged = numberAt(*scan);
+    } else if (const auto deployment = behind(message, "Update a deployment remote operation status: ")) {
+        start.acknowledged = numberAt(*deployment);
+    } else if (message.starts_with("Thread stop event detected while tarnag running.")) {
+        start.outcome = Outcome::Abandoned;
+    } else if (message.starts_with("Failed to start tarnpatch agent")) {
+        start.outcome = Outcome::Failed;
+    } else {
+        return message.starts_with("Scheduling next try to run tarnag.exe") ||
+               message.starts_with("There was no remote operation for tarnag");
+    }
+    return true;
+}
+
+} // namespace
+
+std::string_view nameOf(Cause cause)
+{
+    switch (cause) {
+    case Cause::Unknown: return "unknown";
+    case Cause::RemoteScan: return "remote scan request";
+    case Cause::RemoteInstallation: return "remote installation request";
+    case Cause::StoreChange: return "deployment queue or a changed rule";
+    case Cause::Period: return "longest time between two scans";
+    case Cause::StartUp: return "start-up of the machine";
+    case Cause::WindowsUpdate: return "installed Windows update";
+    case Cause::FeatureOn: return "feature switched on";
+    case Cause::FinishedDeployment: return "deployment finished after a reboot";
+    }
+    return {};
+}
+
+std::string_view nameOf(Outcome outcome)
+{
+    switch (outcome) {
+    case Outcome::Open: return "running";
+    case Outcome::Finished: return "finished";
+    case Outcome::Failed: return "failed";
+    case Outcome::Busy: return "another agent was busy";
+    case Outcome::Abandoned: return "left alone at a stop";
+    }
+    return {};
+}
+
+void Story::take(const Record& record)
+{
+    takeRun(record);
+    if (record.scope != Scope::None)
+        return;
+    const auto thread = threadOf(record);
+    takeAsk(record, thread);
+    takeStart(record, thread);
+}
+
+void Story::takeRun(const Record& record)
+{
+    auto known = m_runOfProcess.find(record.process);
+    if (known == m_runOfProcess.end() || record.message.starts_with(bannerText)) {
+        m_runOfProcess[record.process] = m_runs.size();
+        auto& run = m_runs.emplace_back();
+        run.process = record.process;
+        run.begin = run.last = record.time;
+        return;
+    }
+    auto& run = m_runs[known->second];
+    run.last = record.time;
+    if (record.message == "Run processing")
+        run.serving = record.time;
+    else if (record.message.starts_with(closingText))
+        run.end = record.time;
+}
+
+void Story::takeAsk(const Record& record, Thread thread)
+{
+    for (const auto& row : askRows) {
+        if (const auto rest = behind(record.message, row.text)) {
+            m_reasonOfThread[thread] = {record.time, row.cause, std::string(*rest)};
+            return;
+        }
+    }
+    if (!record.message.starts_with(signalText))
+        return;
+    Ask ask{record.time, Cause::Unknown, {}};
+    if (auto reason = m_reasonOfThread.extract(thread))
+        ask = {record.time, reason.mapped().cause, std::move(reason.mapped().detail)};
+    m_asks.push_back(std::move(ask));
+}
+
+void Story::takeStart(const Record& record, Thread thread)
+{
+    if (record.message == takenText) {
+        m_startOfThread[thread] = m_starts.size();
+        auto& start = m_starts.emplace_back();
+        start.process = record.process;
+        start.thread = record.thread;
+        start.begin = start.end = record.time;
+        start.asks = std::exchange(m_asks, {});
+        return;
+    }
+    const auto known = m_startOfThread.find(thread);
+    if (known == m_startOfThread.end())
+        return;
+    auto& start = m_starts[known->second];
+    if (tell(start, record))
+        start.end = record.time;
+    else if (record.message == "Waiting for event..." || record.message == "Tarnpatch action thread exited")
+        m_startOfThread.erase(known);
+}
+
+} // namespace logreading

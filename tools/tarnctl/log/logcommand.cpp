@@ -1,0 +1,158 @@
+#include "tarnctl/log/logcommand.h"
+
+#include "logreading/directorywatch.h"
+#include "logreading/logreader.h"
+#include "tarnctl/log/console.h"
+#include "tarnctl/log/filter.h"
+#include "tarnctl/log/pageoutput.h"
+#include "tarnctl/log/textoutput.h"
+#include "tarnctl/log/traceoutput.h"
+#include "vxtl/str.h"
+
+#include <charconv>
+#include <fstream>
+#include <memory>
+
+namespace tarnctl::log {
+
+using logreading::DirectoryWatch;
+using logreading::LogReader;
+
+namespace {
+
+// A notification may be missing on some file systems, and a rotation that was met half-way shows no further change
+// when it is finished.
+constexpr unsigned long recheckMs = 1000;
+
+struct Options {
+    bool follow = false;
+    std::string file;
+    std::string since;
+    std::string level;
+    std::string thread;
+    std::string pattern;
+    std::string page;
+    std::string trace;
+    std::string colours = "auto";
+};
+
+CommandError badUsage(const std::string& line)
+{
+    return {ExitCode::BadUsage, line};
+}
+
+/// "0384" or "0123.0384", as it stands in the log.
+std::uint16_t parseThread(const std::string& text)
+{
+    const auto digits = std::string_view(text).substr(text.find('.') + 1);
+    std::uint16_t thread = 0;
+    const auto [end, error] = std::from_chars(digits.data(), digits.data() + digits.size(), thread, 16);
+    if (error != std::errc() || end != digits.data() + digits.size())
+        throw badUsage("--thread takes a thread's id as it stands in the log, for example 0384");
+    return thread;
+}
+
+std::regex parsePattern(const std::string& text)
+{
+    try {
+        return std::regex(text, std::regex::ECMAScript | std::regex::optimize);
+    } catch (const std::regex_error& error) {
+        throw badUsage("--grep: " + std::string(error.what()));
+    }
+}
+
+Wanted wantedBy(const Options& options)
+{
+    Wanted wanted;
+    if (!options.since.empty() && !(wanted.since = parseSince(options.since, localNow())))
+        throw badUsage("--since takes a time as in the log, or 90s, 15m, 2h, 3d");
+    if (!options.level.empty())
+        wanted.level = logreading::levelOf(options.level);
+    if (!options.thread.empty())
+        wanted.thread = parseThread(options.thread);
+    if (!options.pattern.empty())
+        wanted.pattern = parsePattern(options.pattern);
+    return wanted;
+}
+
+/// The stream that the output writes to, when that is not the program's.
+std::unique_ptr<std::ofstream> openTarget(const Options& options)
+{
+    const auto& name = options.page.empty() ? options.trace : options.page;
+    if (name.empty())
+        return nullptr;
+    auto file = std::make_unique<std::ofstream>(std::filesystem::path(vx::str::fromUtf8(name)), std::ios::binary);
+    if (!*file)
+        throw CommandError(ExitCode::Unreadable, "cannot write " + name);
+    return file;
+}
+
+std::unique_ptr<Output> makeOutput(const Options& options, const Context& context, std::ostream& stream)
+{
+    if (!options.page.empty())
+        return std::make_unique<PageOutput>(stream);
+    if (!options.trace.empty())
+        return std::make_unique<TraceOutput>(stream);
+    if (context.json)
+        return std::make_unique<JsonOutput>(stream);
+    const bool coloured = options.colours == "always" || (options.colours == "auto" && isColourTerminal());
+    return std::make_unique<TextOutput>(stream, coloured ? TextOutput::Colours::ByLevel : TextOutput::Colours::None);
+}
+
+ExitCode showLog(const Context& context, const Options& options)
+{
+    const auto path =
+        options.file.empty() ? logreading::logLocation() : std::filesystem::absolute(vx::str::fromUtf8(options.file));
+    Filter filter(wantedBy(options));
+    if (!options.follow && !exists(path))
+        throw CommandError(ExitCode::Unreadable, "there is no log " + vx::str::toUtf8Lossy(path.native()));
+    const auto file = openTarget(options);
+    auto& stream = file ? *file : context.output;
+    const auto output = makeOutput(options, context, stream);
+    const auto sink = [&](std::string_view line) {
+        const auto record = logreading::parseRecord(line);
+        const auto* known = record ? &*record : nullptr;
+        if (filter.passes(line, known))
+            output->line(line, known);
+    };
+    // Watching begins before reading, so that nothing written in between goes unnoticed.
+    DirectoryWatch watch(path.parent_path());
+    LogReader reader(path);
+    reader.rewind();
+    reader.read(sink);
+    while (options.follow) {
+        stream.flush();
+        watch.wait(nullptr, recheckMs);
+        reader.read(sink);
+    }
+    reader.finish(sink);
+    output->end();
+    if (!stream.flush())
+        throw CommandError(ExitCode::Unreadable, "the output cannot be written");
+    return ExitCode::Healthy;
+}
+
+} // namespace
+
+void addLogCommand(CLI::App& app, const Choose& choose)
+{
+    auto* command = app.add_subcommand("log", "print the plug-in's log, all its files in order");
+    const auto options = std::make_shared<Options>();
+    auto* follow = command->add_flag("-f,--follow", options->follow, "go on with new lines until Ctrl-C");
+    command->add_option("--since", options->since, "from this time on: 2026-11-22 04:55, or 90s, 15m, 2h, 3d ago");
+    command->add_option("--level", options->level, "this level and all that are more severe")
+        ->check(CLI::IsMember({"fatal", "error", "warning", "info", "debug", "verbose"}));
+    command->add_option("--thread", options->thread, "of this thread, by its id in the log");
+    command->add_option("--grep", options->pattern, "lines that match this regular expression");
+    auto* page = command->add_option("--html", options->page, "write a page with findings, time line and lines");
+    auto* trace = command->add_option("--trace", options->trace, "write Trace Event JSON for trace viewers");
+    command->add_option("--file", options->file, "another log; its rotated files are found beside it");
+    command->add_option("--colour", options->colours, "colours by level")
+        ->check(CLI::IsMember({"auto", "always", "never"}))
+        ->capture_default_str();
+    page->excludes(trace)->excludes(follow);
+    trace->excludes(follow);
+    command->callback([=] { choose([options](const Context& context) { return showLog(context, *options); }); });
+}
+
+} // namespace tarnctl::log
