@@ -22,6 +22,12 @@ constexpr std::array<AskRow, 7> askRows = {{
     {"Tarnpatch enabled status: wasEnabled = ", Cause::FeatureOn},
     {"waitPostRebootDeployCompleted: Found that installation has been finished.", Cause::FinishedDeployment},
 }};
+// Found by their beginnings.
+constexpr std::array<std::string_view, 9> rebootTexts = {"WUS stopper trigger key found as: 1",
+    "Now time to reboot: ", "Performing system to reboot", "ExitWindowsEx for reboot successfully completed.",
+    "Failed to acquire shutdown privileges", "Error initiating shutdown.",
+    "Reboot command line: ", "Set reboot variable has been successfully performed at session ",
+    "Failed to perform reboot for session: "};
 constexpr std::string_view signalText = "Scan start time: ";
 constexpr std::string_view takenText = "tarnag.exe start event signaled.";
 constexpr std::string_view bannerText = "***  LOGGING STARTED";
@@ -126,6 +132,7 @@ void Story::take(const Record& record)
     const auto thread = threadOf(record);
     takeAsk(record, thread);
     takeStart(record, thread);
+    takeReboot(record);
 }
 
 void Story::takeRun(const Record& record)
@@ -181,6 +188,13 @@ void Story::takeStart(const Record& record, Thread thread)
         start.end = record.time;
     else if (record.message == "Waiting for event..." || record.message == "Tarnpatch action thread exited")
         m_startOfThread.erase(known);
+}
+
+void Story::takeReboot(const Record& record)
+{
+    for (const auto text : rebootTexts)
+        if (record.message.starts_with(text))
+            m_rebootSteps.push_back({record.time, std::string(record.message)});
 }
 
 } // namespace logreading

@@ -68,6 +68,12 @@ struct PluginRun {
     std::optional<Moment> end;     ///< the closing banner
 };
 
+/// A step on the way to a reboot of the machine.
+struct RebootStep {
+    Moment time = 0;
+    std::string text; ///< the log's
+};
+
 /// Reads records in their order and understands what the plug-in did. Grows with the number of starts, not of lines.
 /// One thread.
 class Story {
@@ -76,6 +82,7 @@ public:
 
     const std::vector<PluginRun>& runs() const { return m_runs; }
     const std::vector<AgentStart>& starts() const { return m_starts; }
+    const std::vector<RebootStep>& rebootSteps() const { return m_rebootSteps; }
 
 private:
     using Thread = std::uint32_t;
@@ -83,9 +90,11 @@ private:
     void takeRun(const Record& record);
     void takeAsk(const Record& record, Thread thread);
     void takeStart(const Record& record, Thread thread);
+    void takeReboot(const Record& record);
 
     std::vector<PluginRun> m_runs;
     std::vector<AgentStart> m_starts;
+    std::vector<RebootStep> m_rebootSteps;
     std::map<std::uint16_t, std::size_t> m_runOfProcess;
     std::map<Thread, std::size_t> m_startOfThread;
     std::map<Thread, Ask> m_reasonOfThread; ///< what a thread has said that leads to a signal

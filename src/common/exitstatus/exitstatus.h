@@ -80,6 +80,18 @@ inline constexpr ExitStatus packageCreatedWithUnresolvedPatches{
 // Deployer.
 inline constexpr ExitStatus failedToDeploy{1025, L"Deployer error; Failed to deploy."};
 
+/// All of them, for people who meet a number.
+inline constexpr ExitStatus all[] = {success, unknownStatus, badArgument, failedToParse, failedToCreateAction,
+    failedToDownload, emptyUrl, resourceNotFound, resourceAlreadyExists, failedToRunIpcServer,
+    failedToSendToDataPipeline, resourceNotReady, failedToRunProcess, failedToConnectToMeridia, rebootNeeded,
+    applicationCrashed, failedToCreateSynchronizer, failedToGetSynchronizerComponents, failedToGetLocalFileSyncInfo,
+    failedToSyncComponent, failedToCheckComponentSignature, failedToBackupDatabaseComponent,
+    failedToUpdateDatabaseComponent, failedToClearBackup, failedToCreateScanner, failedToInitializeScanner,
+    failedToScanForUpdates, failedToCreateMetadataExporter, failedToInitializeMetadataExporter, failedToAddCertificates,
+    failedToCreatePackager, failedToInitializePackager, failedToCreatePackage, failedToGetUnresolvedPatches,
+    failedToGetAvailablePatches, failedToGetDownloadInformation, failedToCallVerificationFunction,
+    packageCreatedWithUnresolvedPatches, failedToDeploy};
+
 } // namespace exitstatus
 
 } // namespace vx::tarn::common
