@@ -1,0 +1,109 @@
+#include "tarnctl/health/storefacts.h"
+
+#include "common/internetproxy/proxyinfo.h"
+#include "common/patches/patchrecords.h"
+#include "common/settings/hostsettings.h"
+#include "common/settings/tarnpatchsettings.h"
+#include "common/settings/tarnpatchstatus.h"
+#include "vxtl/exception.h"
+#include "vxtl/str.h"
+
+#include <nlohmann/json.hpp>
+
+namespace tarnctl::health {
+
+using namespace vx::tarn;
+using common::ProxyInfo;
+
+namespace {
+
+std::string textOf(const std::exception& exception)
+{
+    const auto* own = dynamic_cast<const vx::BaseException*>(&exception);
+    return own ? vx::str::toUtf8Lossy(own->wideWhat()) : exception.what();
+}
+
+template <typename T, typename Read>
+void gather(Fact<T>& fact, Read read)
+{
+    try {
+        fact.value = read();
+    } catch (const std::exception& exception) {
+        fact.trouble = textOf(exception);
+    }
+}
+
+/// How many records the list has; throws, with its place, for one that is none.
+template <typename Record>
+std::size_t countRecords(const nlohmann::json& list)
+{
+    if (!list.is_array())
+        throw std::runtime_error(std::string("the list is no array but a ") + list.type_name());
+    for (std::size_t index = 0; index < list.size(); ++index) {
+        try {
+            common::fromJson<Record>(list[index]);
+        } catch (const std::exception& exception) {
+            throw std::runtime_error("element " + std::to_string(index) + ": " + exception.what());
+        }
+    }
+    return list.size();
+}
+
+std::string proxyOf(const CommunicationSettings& communication, const HostSettings& host)
+{
+    const auto use = communication.useHttpProxy();
+    if (use == UseHttpProxyItem::No)
+        return {};
+    const auto text = use == UseHttpProxyItem::UserDefined ? communication.userDefinedProxy() : host.currentProxy();
+    if (text.empty())
+        return {};
+    const auto proxy = ProxyInfo::parse(text);
+    if (proxy.host.empty())
+        throw std::runtime_error("the proxy's text names no host, or its port is no number");
+    return vx::str::toUtf8(proxy.toString(ProxyInfo::Passwords::Hidden));
+}
+
+} // namespace
+
+void gatherFromStore(const std::shared_ptr<vx::settings::Settings>& store, Facts& facts)
+{
+    const TarnpatchSettings settings(store);
+    const TarnpatchStatus status(store);
+    const HostSettings host(store);
+    const auto& scan = settings.remoteOperations.scanForUpdates;
+    const auto& install = settings.remoteOperations.installUpdates;
+    const auto& completion = settings.installation.completion;
+    gather(facts.profileTime, [&] { return host.lastSuccessfulUpdateTimestamp(); });
+    gather(facts.enabledWanted, [&] { return settings.enabled(); });
+    gather(facts.enabledOn, [&] { return status.enabled(); });
+    gather(facts.scan, [&] { return Request{scan.start(), scan.ack()}; });
+    gather(facts.installation, [&] { return Request{install.start(), install.ack()}; });
+    gather(facts.queued, [&] { return countRecords<common::DeploymentItem>(settings.installation.deploymentQueue()); });
+    gather(facts.completion,
+        [&] { return CompletionWait{completion.wait(), completion.timestamp(), completion.timeout().count()}; });
+    gather(facts.deploymentInProgress, [&] { return settings.installation.inProgress(); });
+    gather(facts.lastScan, [&] { return status.scanning.lastScanning.timestamp(); });
+    gather(facts.scanPeriodHours,
+        [&] { return std::int64_t{settings.scanning.automatic.maximumRescanningPeriod().count()}; });
+    gather(facts.missingUpdates,
+        [&] { return countRecords<common::MissingUpdate>(status.scanning.lastScanning.missingUpdates()); });
+    gather(facts.installationLog,
+        [&] { return countRecords<common::InstallationLogEntry>(status.installation.log.entries()); });
+    gather(facts.publishedPatches, [&] { return store->getJsonValue(settings.currentStatus.patchesToInstall.key()).size(); });
+    gather(facts.proxy, [&] { return proxyOf(settings.communication, host); });
+}
+
+void noteStoreTrouble(const std::string& trouble, Facts& facts)
+{
+    for (auto* fact : {&facts.profileTime, &facts.lastScan, &facts.scanPeriodHours})
+        fact->trouble = trouble;
+    for (auto* fact : {&facts.enabledWanted, &facts.enabledOn, &facts.deploymentInProgress})
+        fact->trouble = trouble;
+    for (auto* fact : {&facts.scan, &facts.installation})
+        fact->trouble = trouble;
+    for (auto* fact : {&facts.queued, &facts.missingUpdates, &facts.installationLog, &facts.publishedPatches})
+        fact->trouble = trouble;
+    facts.completion.trouble = facts.proxy.trouble = trouble;
+}
+
+} // namespace tarnctl::health

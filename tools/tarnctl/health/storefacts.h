@@ -1,0 +1,15 @@
+#pragma once
+
+#include "settings-api/settings.h"
+#include "tarnctl/health/facts.h"
+
+#include <memory>
+
+namespace tarnctl::health {
+
+/// Reads what the store tells. Reads only; a value that can't be read is trouble of its own fact.
+void gatherFromStore(const std::shared_ptr<vx::settings::Settings>& store, Facts& facts);
+/// Says the same of all of them: the store can't be reached.
+void noteStoreTrouble(const std::string& trouble, Facts& facts);
+
+} // namespace tarnctl::health
