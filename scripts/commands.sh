@@ -88,8 +88,9 @@ command_test() {
     for flavour in fuzz asan tsan product; do
         [[ " ${selected[*]} " == *" $flavour "* ]] || continue
         if [ "$flavour" = product ]; then
+            trap 'servers_stop; wine_stop' EXIT
+            servers_start
             wine_start
-            trap wine_stop EXIT
         fi
         test_flavour "$flavour" "${arguments[@]}" || failed+=("$flavour")
     done

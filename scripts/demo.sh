@@ -101,8 +101,9 @@ demo_play() {
 
 command_demo() {
     build_flavour product tarnhost tarnhd tarnag vx_qrl_meridia_32 systemobjects
+    trap 'servers_stop; wine_stop' EXIT
+    servers_start
     wine_start
-    trap wine_stop EXIT
     export TARNHD_INSTANCE=demo
     demo_prepare
     demo_host forget-boot >/dev/null
