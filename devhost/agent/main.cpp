@@ -89,7 +89,7 @@ int runScript(const RunJournal& journal, const devhost::agent::AgentRun& run, Ta
 
 int start(const CommandLine& commandLine, const std::vector<std::string>& arguments)
 {
-    const RunJournal journal(ownFolder() / "tarnag.runs.jsonl");
+    const RunJournal journal(devhost::journal::Journal(ownFolder() / devhost::journal::agentJournal));
     const auto task = commandLine.task();
     const auto number = journal.appendStart(arguments, listOf(task));
     std::printf("tarnag: start %u, command \"%s\", severity \"%s\"\n", static_cast<unsigned>(number + 1),
