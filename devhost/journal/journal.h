@@ -9,6 +9,8 @@ namespace devhost::journal {
 
 /// The journal of the stand-in agent, in the agent's folder.
 inline constexpr auto agentJournal = L"tarnag.runs.jsonl";
+/// The journal of the stand-in restart program, in that program's folder.
+inline constexpr auto restartJournal = L"restartprompt.runs.jsonl";
 
 /// A list of what processes did, one JSON object per line unless somebody has edited it. Several processes append to
 /// one file at once: each append is done under a lock on the file, which keeps no reader out.
