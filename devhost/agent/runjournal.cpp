@@ -13,6 +13,11 @@ std::size_t RunJournal::appendStart(const std::vector<std::string>& arguments, s
     }));
 }
 
+void RunJournal::appendStep(const std::string& step, const nlohmann::json& result) const
+{
+    m_journal.append({{"event", "step"}, {"step", step}, {"result", result}});
+}
+
 void RunJournal::appendEnd(int exitCode) const
 {
     m_journal.append({{"event", "end"}, {"exit_code", exitCode}});
