@@ -1,8 +1,10 @@
 #include "agent/agentrunner.h"
 
 #include "agent/deployer.h"
+#include "agent/runjournal.h"
 #include "agent/say.h"
 #include "agent/suspendeddeployment.h"
+#include "agent/systemsteps.h"
 #include "common/deploymentqueue/ideploymentqueue.h"
 #include "common/factory/commonfactory.h"
 #include "settings-api/settings.h"
@@ -49,8 +51,7 @@ void AgentRunner::perform(const AgentRun& run, Task task)
         performTask(task);
     if (!run.values.empty())
         write(run.values);
-    if (run.deploy)
-        deploy(*run.deploy);
+    takeSteps(run);
 }
 
 std::shared_ptr<vx::settings::Settings> AgentRunner::settings()
@@ -78,6 +79,21 @@ void AgentRunner::write(const std::vector<ScriptedValue>& values)
     for (const auto& value : values) {
         say("writing " + value.key);
         writeValue(*settings(), value);
+    }
+}
+
+void AgentRunner::takeSteps(const AgentRun& run)
+{
+    if (run.steps.empty())
+        return;
+    SystemSteps system(m_factory);
+    for (const SystemStep step : run.steps) {
+        if (step == SystemStep::Deploy)
+            deploy(*run.deploy);
+        const auto result = system.perform(step);
+        if (!result.is_null())
+            say(vx::toText(step) + ": " + result.dump());
+        m_journal.appendStep(vx::toText(step), result);
     }
 }
 

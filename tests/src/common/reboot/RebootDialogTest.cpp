@@ -36,13 +36,10 @@ struct FakeSessions : UserSessions, users::AccountDriver {
     const std::map<unsigned long, std::wstring> names{
         {3, L"admin"}, {4, L"user"}, {5, L"CORP\\admin"}, {6, L"CORP\\user"}, {7, L"unknown"}};
     std::map<void*, unsigned long> sessions; ///< by token
-    std::vector<unsigned long> list{1, 2, 3, 4, 5, 6, 7};
+    std::optional<std::vector<unsigned long>> list{{1, 2, 3, 4, 5, 6, 7}};
     int accountsAsked = 0;
 
-    std::vector<unsigned long> getUserSessions() override
-    {
-        return list.empty() ? throw std::runtime_error("no list") : list;
-    }
+    std::vector<unsigned long> getUserSessions() override { return list ? *list : throw std::runtime_error("no list"); }
     SharedHandle getToken(unsigned long session) override
     {
         if (session == 1)
@@ -143,11 +140,13 @@ TEST_F(RebootDialogTest, tellsEachSessionThatThePolicyMeans)
 TEST_F(RebootDialogTest, goesOnBehindASessionThatCannotBeToldAndFailsWithoutAList)
 {
     starts = false;
-    sessions->list = {3, 4};
+    sessions->list = {{3, 4}};
     EXPECT_TRUE(restart.RebootDialog::showRebootDialog());
     EXPECT_EQ(told, sessions->list);
     EXPECT_TRUE(log.has(3, "Failed to perform reboot for session: 3")) << log.text();
-    sessions->list.clear();
+    sessions->list->clear();
+    EXPECT_TRUE(restart.RebootDialog::showRebootDialog()) << "nobody is logged on";
+    sessions->list.reset();
     EXPECT_FALSE(restart.RebootDialog::showRebootDialog());
     EXPECT_TRUE(log.has(2, "Failed to trigger reboot through LUMO: no list")) << log.text();
 }

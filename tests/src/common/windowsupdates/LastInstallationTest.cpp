@@ -1,6 +1,8 @@
 #include "common/windowsupdates/lastinstallation.h"
 #include "common/windowsupdates/automaticupdatesdriver.h"
 #include "common/windowsupdates/comobject.h"
+#include "common/windowsupdates/grouppolicy.h"
+#include "common/windowsupdates/grouppolicydriver.h"
 #include "support/logcapture.h"
 #include "support/machine.h"
 #include "support/thrown.h"
@@ -97,6 +99,17 @@ TEST_F(LastInstallationTest, countsWholeMillisecondsFromTheUnixEpoch)
         driver.fileTime = unixEpochAsFileTime + sinceEpoch;
         EXPECT_EQ(lastInstallationDate(driver), date);
     }
+}
+
+TEST(WithoutAnApartment, theClassesOfWindowsCannotBeMade)
+{
+    const support::LogCapture log;
+    AutomaticUpdatesDriver updates;
+    EXPECT_EQ(lastInstallationDate(updates), neverInstalled);
+    EXPECT_TRUE(log.has(2, "Can't create windows automatic updates instance. HRESULT = -2147221008")) << log.text();
+    GroupPolicy policy(std::make_shared<GroupPolicyDriver>());
+    EXPECT_EQ(policy.save(PolicySection::Machine, PolicyChange::Add, registryExtension, policySnapIn), E_FAIL);
+    EXPECT_TRUE(log.has(2, "Can't create group policy updates instance. HRESULT = -2147221008")) << log.text();
 }
 
 TEST_F(LastInstallationTest, throwsWithTheErrorObjectOfTheCallAndNoneOfAnEarlierOne)

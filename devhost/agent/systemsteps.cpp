@@ -1,0 +1,34 @@
+#include "agent/systemsteps.h"
+
+#include "common/factory/commonfactory.h"
+#include "common/reboot/rebootdialog.h"
+#include "common/windowsupdates/iwindowsupdates.h"
+
+#include <nlohmann/json.hpp>
+
+namespace devhost::agent {
+
+using vx::tarn::common::RebootDialog;
+
+nlohmann::json SystemSteps::perform(SystemStep step)
+{
+    switch (step) {
+    case SystemStep::PauseUpdates: return windowsUpdates().pause().code();
+    case SystemStep::ResumeUpdates: return windowsUpdates().resume().code();
+    case SystemStep::RestoreUpdates: return windowsUpdates().restore().code();
+    case SystemStep::Prompt: return m_factory.createRestart()->showRebootDialog();
+    // By name: the object's own operation asks in one session only.
+    case SystemStep::PromptSessions: return m_factory.createRestart()->RebootDialog::showRebootDialog();
+    case SystemStep::Deploy: break;
+    }
+    return nullptr;
+}
+
+vx::tarn::common::IWindowsUpdates& SystemSteps::windowsUpdates()
+{
+    if (!m_windowsUpdates)
+        m_windowsUpdates = m_factory.createWindowsUpdates();
+    return *m_windowsUpdates;
+}
+
+} // namespace devhost::agent
