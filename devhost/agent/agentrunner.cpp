@@ -42,13 +42,13 @@ void writeValue(const vx::settings::Settings& settings, const ScriptedValue& scr
 
 } // namespace
 
-void AgentRunner::perform(const AgentRun& run, Task task)
+void AgentRunner::perform(const AgentRun& run, Task task, const std::string& severity)
 {
     if (!run.output.empty())
         say(run.output);
     linger(run);
     if (!run.idle)
-        performTask(task);
+        performTask(task, severity);
     if (!run.values.empty())
         write(run.values);
     takeSteps(run);
@@ -62,16 +62,25 @@ std::shared_ptr<vx::settings::Settings> AgentRunner::settings()
     return m_settings;
 }
 
-void AgentRunner::performTask(Task task)
+void AgentRunner::performTask(Task task, const std::string& severity)
 {
     if (task == Task::Ordinary)
         return;
+    if (task == Task::Queue)
+        return queue(severity);
     const SuspendedDeployment suspended(m_factory.createPatchStorage());
     if (task == Task::Continue)
         say(suspended.finish() ? "the deployment is finished" : "no deployment waits for a boot");
     else
         say(suspended.complete([this] { return settings(); }) ? "the deployment is complete"
                                                               : "no deployment is to be completed");
+}
+
+/// The plug-in sees the queue change, and starts an agent that works on it.
+void AgentRunner::queue(const std::string& severity)
+{
+    say("queuing " + severity);
+    m_factory.createDeploymentQueue()->pushBack(vx::str::fromUtf8(severity));
 }
 
 void AgentRunner::write(const std::vector<ScriptedValue>& values)

@@ -26,13 +26,15 @@ public:
 
     /// Everything up to the end: output, events, waiting, the task, results, steps. Throws what the settings, the
     /// storage and the system throw.
-    void perform(const AgentRun& run, Task task);
+    /// `severity` is what the task Queue puts into the queue.
+    void perform(const AgentRun& run, Task task, const std::string& severity);
     /// Ends as the run says: gives its exit code, blocks for ever, or does not survive.
     static int end(const AgentRun& run);
 
 private:
     std::shared_ptr<vx::settings::Settings> settings();
-    void performTask(Task task);
+    void performTask(Task task, const std::string& severity);
+    void queue(const std::string& severity);
     void write(const std::vector<ScriptedValue>& values);
     void takeSteps(const AgentRun& run);
     void deploy(const DeployScript& script);

@@ -181,6 +181,7 @@ std::string_view listOf(Task task)
     switch (task) {
     case Task::Continue: return "continue";
     case Task::Complete: return "complete";
+    case Task::Queue: return "queue";
     case Task::Ordinary: break;
     }
     return "runs";
@@ -194,7 +195,7 @@ AgentScript AgentScript::parse(std::string_view text)
     if (!script.is_object() || !script.contains("runs") || !script["runs"].is_array() || script["runs"].empty())
         throw ScriptError("the script must be an object with a list \"runs\" of at least one run");
     Runs runs;
-    for (const auto task : {Task::Ordinary, Task::Continue, Task::Complete}) {
+    for (const auto task : {Task::Ordinary, Task::Continue, Task::Complete, Task::Queue}) {
         const std::string list(listOf(task));
         runs[task] = script.contains(list) ? readRuns({list, script[list]}) : std::vector<AgentRun>(1);
     }

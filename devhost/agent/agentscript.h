@@ -36,6 +36,7 @@ enum class Task {
     Ordinary, ///< no command, or any other
     Continue, ///< "continue", at the first boot after a deployment that waits for one
     Complete, ///< "complete", when the plug-in has seen that deployment finished
+    Queue,    ///< "queue", when the scheduled task's hour has come
 };
 
 /// The name of a task's list of runs in a script.
