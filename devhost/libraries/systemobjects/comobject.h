@@ -22,6 +22,9 @@ public:
         if (!object)
             return E_POINTER;
         *object = nullptr;
+        // What OleRun asks for: servers like these have nothing to be set running.
+        if (iid == __uuidof(IRunnableObject))
+            return answer("IRunnableObject::QueryInterface", [] { return E_NOINTERFACE; });
         const bool isOwn = iid == __uuidof(Interface);
         if (!isOwn && iid != __uuidof(IUnknown) && !((iid == __uuidof(Bases)) || ...))
             return E_NOINTERFACE;
