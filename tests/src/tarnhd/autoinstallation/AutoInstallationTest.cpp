@@ -11,6 +11,9 @@
 #include "vxtl/registry.h"
 
 #include <future>
+#include <windows.h>
+
+#include <objbase.h>
 
 namespace vx::tarn {
 namespace {
@@ -148,6 +151,15 @@ TEST_F(AutoInstallationTest, saysWhatFailedAndBeginsAnewAtTheNextUpdate)
     }
     EXPECT_EQ(log.count("Scheduler not initialized."), 2u) << log.text();
     EXPECT_EQ(log.count("Failed to set triggers."), 1u) << log.text();
+}
+
+TEST_F(AutoInstallationTest, saysThatTheThreadIsInNoApartment)
+{
+    CoUninitialize();
+    EXPECT_FALSE(installation.update());
+    EXPECT_EQ(CoInitializeEx(nullptr, COINIT_MULTITHREADED), S_OK);
+    EXPECT_TRUE(log.has(2, "Failed to find the Task Scheduler. HRESULT = -2147221008")) << log.text();
+    EXPECT_TRUE(installation.update());
 }
 
 TEST_F(AutoInstallationTest, leavesWhatTheLastChangeSaysWhenUpdatesMeet)
