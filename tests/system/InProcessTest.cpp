@@ -2,6 +2,7 @@
 
 #include "host/pluginsession.h"
 #include "support/footprint.h"
+#include "support/machine.h"
 
 #include <array>
 #include <cstring>
@@ -115,6 +116,7 @@ TEST_F(InProcessTest, leavesNeitherHandlesNorThreadSlotsBehind)
     const Footprint left = footprint() - before;
     EXPECT_LT(left.handles, lives / 2);
     EXPECT_EQ(left.threadSlots, 0);
+    EXPECT_TRUE(Machine::isUnused());
 }
 
 TEST_F(InProcessTest, worksBehindTheEndOfATimeOf32Bits)

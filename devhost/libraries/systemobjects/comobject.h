@@ -7,13 +7,16 @@
 
 namespace devhost::systemobjects {
 
+/// Objects of all kinds that somebody in this process still has a reference to.
+inline std::atomic<long> livingObjects{0};
+
 /// An object of one interface, which also answers for the interfaces that this one extends. Made with one reference;
 /// the references and their end may be on any thread, the rest is for one thread at a time.
 template <typename Interface, typename... Bases>
 class ComObject : public Interface {
 public:
-    ComObject() = default;
-    virtual ~ComObject() = default;
+    ComObject() { ++livingObjects; }
+    virtual ~ComObject() { --livingObjects; }
     ComObject(const ComObject&) = delete;
     ComObject& operator=(const ComObject&) = delete;
 
