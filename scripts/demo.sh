@@ -116,6 +116,8 @@ demo_scan_after_windows_update() {
 }
 
 demo_forced_reboot() {
+    local boots
+    boots=$(demo_host log | grep -c "It's a first run after reboot.")
     demo_step "the Windows Update service runs" service start &&
         demo_step "somebody asks for its stop" wus-trigger &&
         demo_wait_until stopped service &&
@@ -126,7 +128,7 @@ demo_forced_reboot() {
         demo_step "no user is asked" set windows.tarnpatch.installation.reboot.ask_user false &&
         demo_step "and no time left" set windows.tarnpatch.installation.reboot.force_in_seconds 0 || return
     printf '\nThe next round asks Windows for a reboot; the host catches that and plays one.\n'
-    demo_wait_for_count 2 "It's a first run after reboot." log &&
+    demo_wait_for_count $((boots + 1)) "It's a first run after reboot." log &&
         demo_step "the plug-in is back" status
 }
 

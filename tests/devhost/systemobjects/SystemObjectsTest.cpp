@@ -110,6 +110,7 @@ TEST_F(TaskSchedulerTest, refusesToRegisterInTheWrongWay)
     EXPECT_EQ(add(L"T?"), HRESULT_FROM_WIN32(ERROR_INVALID_NAME));
     EXPECT_EQ(add(L"T", TASK_UPDATE), HRESULT_FROM_WIN32(ERROR_FILE_NOT_FOUND));
     EXPECT_EQ(add(L"T", 0), E_INVALIDARG);
+    EXPECT_EQ(add(L"T", TASK_CREATE | 0x40), E_INVALIDARG);
     EXPECT_EQ(add(L"T", TASK_CREATE, TASK_LOGON_PASSWORD), E_INVALIDARG) << "no account";
     EXPECT_EQ(add(L"T", TASK_VALIDATE_ONLY), S_OK);
     EXPECT_TRUE(Machine::state().tasks.empty());

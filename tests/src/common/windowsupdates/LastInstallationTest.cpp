@@ -75,6 +75,7 @@ TEST_F(LastInstallationTest, isNoneAfterAnyFailureAndSaysWhich)
             "Could't assign IAutomaticUpdatesPtr to IAutomaticUpdates2Ptr"},
         {"IAutomaticUpdates2::get_Results", S_OK, "", 2, "Could't get the automatic update results"},
         {"", S_OK, "", 4, "Windows updates has never been installed on this computer"},
+        {"", S_OK, "no date", 2, "Failed to convert last successfull windows update installation to system time."},
         {"", S_OK, "0099-12-31T00:00:00", 2,
             "Failed to convert last successfull windows update installation to system time."},
         {"", S_OK, "1600-12-31T00:00:00", 2, "Failed to convert SYSTEMTIME to FILETIME. Last error code: 87"},
@@ -91,9 +92,11 @@ TEST_F(LastInstallationTest, isNoneAfterAnyFailureAndSaysWhich)
 
 TEST_F(LastInstallationTest, countsWholeMillisecondsFromTheUnixEpoch)
 {
+    machine.plan("IRunnableObject::QueryInterface", {E_NOINTERFACE});
     installed("2024-02-09T01:02:03");
     EXPECT_EQ(lastInstallationDate(driver), 1'707'440'523 * ticksPerSecond);
     EXPECT_TRUE(log.has(4, "Last successfull windows update was: 2024-02-09 01:02:03")) << log.text();
+    EXPECT_TRUE(machine.state().plannedFailures.empty()) << "the server was told to run";
     const std::pair<std::int64_t, Ticks> rows[] = {{12'345'678, 12'340'000}, {-1, -10'000}};
     for (const auto& [sinceEpoch, date] : rows) {
         driver.fileTime = unixEpochAsFileTime + sinceEpoch;
