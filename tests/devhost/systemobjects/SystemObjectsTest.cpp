@@ -144,6 +144,10 @@ TEST_F(SystemObjectsTest, keepSavesOfThePolicy)
     GUID extension = automaticUpdates, snapIn = groupPolicyObject;
     EXPECT_EQ(policy->Save(TRUE, FALSE, &extension, &snapIn), E_INVALIDARG) << "not opened";
     EXPECT_EQ(policy->OpenLocalMachineGPO(8), E_INVALIDARG);
+    for (const DWORD flags : {0, GPO_OPEN_LOAD_REGISTRY | GPO_OPEN_READ_ONLY}) {
+        EXPECT_EQ(policy->OpenLocalMachineGPO(flags), S_OK);
+        EXPECT_EQ(policy->Save(TRUE, FALSE, &extension, &snapIn), E_ACCESSDENIED);
+    }
     EXPECT_EQ(policy->OpenLocalMachineGPO(GPO_OPEN_LOAD_REGISTRY), S_OK);
     EXPECT_EQ(policy->Save(TRUE, FALSE, &extension, &snapIn), S_OK);
     EXPECT_THAT(Machine::state().policySaves,

@@ -1,4 +1,5 @@
 #include "common/process/process.h"
+#include "common/reboot/flyeraudience.h"
 #include "common/reboot/vxrestart.h"
 #include "common/usersessions/usersessions.h"
 #include "support/fakeclock.h"
@@ -128,6 +129,7 @@ TEST_F(RebootDialogTest, tellsEachSessionThatThePolicyMeans)
         EXPECT_EQ(told, row.told);
         EXPECT_EQ(sessions->accountsAsked, row.accountsAsked);
     }
+    EXPECT_TRUE(isSessionTold(static_cast<ShowFlyerPolicyItem>(3), {})) << "a number of no policy";
     const std::string noToken = "Failed to get token for the session ";
     EXPECT_TRUE(log.has(3, noToken + "1. Token is null. GetLastError() = 1008")) << log.text();
     EXPECT_TRUE(log.has(3, noToken + "2. Token is null. GetLastError() = 5"));

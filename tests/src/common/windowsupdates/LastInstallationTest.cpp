@@ -71,6 +71,8 @@ TEST_F(LastInstallationTest, isNoneAfterAnyFailureAndSaysWhich)
     } rows[] = {
         {"AutomaticUpdates::CreateInstance", -5, "", 2,
             "Can't create windows automatic updates instance. HRESULT = -5"},
+        {"AutomaticUpdates::CreateInstance", S_OK, "", 2,
+            "Could't assign IAutomaticUpdatesPtr to IAutomaticUpdates2Ptr"},
         {"IAutomaticUpdates2::QueryInterface", S_OK, "", 2,
             "Could't assign IAutomaticUpdatesPtr to IAutomaticUpdates2Ptr"},
         {"IAutomaticUpdates2::get_Results", S_OK, "", 2, "Could't get the automatic update results"},

@@ -72,6 +72,7 @@ TEST(WindowsUpdates, goBackToWhatTheAdministratorHadSet)
     } rows[] = {
         {"pause twice", set, none, "pp", off, set, 1},
         {"pause of what is off", {{1, 4, 3, 12}}, none, "p", {{1, 4, 3, 12}}, {{1, 4, 3, 12}}, 0},
+        {"pause over an incomplete state", set, {{9, 9, 9}}, "p", off, set, 1},
         {"pause and resume", set, none, "pr", set, zeros, 2},
         {"pause after a crashed one, and resume", off, set, "pr", set, zeros, 1},
         {"second round goes back to zeros", set, none, "prpr", zeros, zeros, 4},
