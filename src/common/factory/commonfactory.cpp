@@ -25,6 +25,8 @@
 #include "common/windowsupdates/grouppolicy.h"
 #include "common/windowsupdates/grouppolicydriver.h"
 #include "common/windowsupdates/windowsupdates.h"
+#include "common/winhttpproxy/winhttpdefaultproxychanger.h"
+#include "common/winhttpproxy/winhttpproxychangerimpl.h"
 #include "common/wininet/wininetdriver.h"
 #include "meridia-settings/meridiasettingsapi.h"
 #include "settings-api/cachedsettings.h"
@@ -77,6 +79,13 @@ std::shared_ptr<settings::Settings> CommonFactory::createSettings(const RetryCal
 std::shared_ptr<InternetProxy> CommonFactory::createProxy()
 {
     return common::createProxy(m_settings, std::make_shared<SessionDriver>(), std::make_shared<AutoProxyDriver>());
+}
+
+std::shared_ptr<WinHTTPDefaultProxyChanger> CommonFactory::createProxyChanger(
+    const std::wstring& proxy, const std::wstring& bypass)
+{
+    return std::make_shared<WinHTTPDefaultProxyChanger>(
+        ProxyConfiguration{proxy, bypass}, std::make_shared<WinHTTPProxyChangerImpl>());
 }
 
 std::shared_ptr<IWinInetDriver> CommonFactory::createWinInetDriver()

@@ -41,6 +41,7 @@ class IWindowsUpdates;
 class IWinInetDriver;
 class InternetProxy;
 class RebootDialog;
+class WinHTTPDefaultProxyChanger;
 
 /// Makes what the plug-in shares with the agent; each call makes a new object. Two stages: before
 /// setSettings only operations that need no settings may be called. setStopEvent and setSettings come once, before
@@ -67,6 +68,9 @@ public:
     virtual std::shared_ptr<settings::Settings> createSettings(const RetryCallback& retry);
     /// By the settings as they are now.
     virtual std::shared_ptr<InternetProxy> createProxy();
+    /// Changes the machine's default proxy for as long as the object lives.
+    virtual std::shared_ptr<WinHTTPDefaultProxyChanger> createProxyChanger(
+        const std::wstring& proxy, const std::wstring& bypass);
     virtual std::shared_ptr<IWinInetDriver> createWinInetDriver();
     virtual std::shared_ptr<ISyncFolders> createSyncFolders();
     virtual std::shared_ptr<ISystemRestorePoint> createSystemRestorePoint();
