@@ -45,10 +45,14 @@ PlainUrl decode(std::wstring_view url)
     return result;
 }
 
+/// Behind a scheme, or where the value of a parameter begins, which may be a URL without one.
 std::size_t nextAuthority(std::wstring_view url, std::size_t from)
 {
-    const auto separator = url.find(schemeEnd, from);
-    return separator == npos ? npos : separator + schemeEnd.size();
+    const auto scheme = url.find(schemeEnd, from);
+    const auto value = url.find(L'=', from);
+    if (scheme == value)
+        return npos;
+    return scheme < value ? scheme + schemeEnd.size() : value + 1;
 }
 
 /// What has no scheme begins with its authority, whatever stands further on.
@@ -58,11 +62,11 @@ std::size_t firstAuthority(std::wstring_view url)
     return separator != npos && url.find_first_of(L":@/?#") == separator ? separator + schemeEnd.size() : 0;
 }
 
-/// First character of the password and the one behind it; the same twice where there is none.
+/// First character of the password and the one behind it; the authority's place twice where there is none.
 std::pair<std::size_t, std::size_t> findPassword(std::wstring_view url, std::size_t authority)
 {
     const auto end = std::min(url.find_first_of(L"/?#", authority), url.size());
-    const std::pair none{end, end};
+    const std::pair none{authority, authority};
     const auto colon = url.find(L':', authority);
     if (colon >= end)
         return none;

@@ -19,6 +19,8 @@ TEST(Credentials, noPasswordOfAnAddressIsLeft)
         {L"http://hq:8/?uri=http%3A%2F%2Fuser%3apw%40host%2Fa",
             L"http://hq:8/?uri=http%3A%2F%2Fuser%3a<password>%40host%2Fa"},
         {L"http://a:b@c/?u=ftp://d:e@f", L"http://a:<password>@c/?u=ftp://d:<password>@f"},
+        {L"http://hq/?uri=user%3Apw%40host", L"http://hq/?uri=user%3A<password>%40host"},
+        {L"a=b&c=d", L"a=b&c=d"},
         {L"%", L"%"},
         {L"", L""},
     };
