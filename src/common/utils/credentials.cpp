@@ -71,9 +71,10 @@ std::pair<std::size_t, std::size_t> findPassword(std::wstring_view url, std::siz
     if (colon >= end)
         return none;
     auto at = url.rfind(L'@', end);
+    const auto host = at == npos || at < authority ? authority : at + 1;
     // Behind the host's colon there is a port. Anything else may be a password with a slash in it.
-    const bool port = url.find_first_not_of(L"0123456789", colon + 1) >= end;
-    if ((at == npos || at < colon) && !port)
+    const auto portColon = url.find(L':', host);
+    if (portColon < end && url.find_first_not_of(L"0123456789", portColon + 1) < end)
         at = url.rfind(L'@');
     return at == npos || at < colon ? none : std::pair{colon + 1, at};
 }
