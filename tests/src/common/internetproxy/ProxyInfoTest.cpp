@@ -44,7 +44,8 @@ TEST(ProxyInfo, isWrittenWithItsPasswordOnlyWhenThatIsWanted)
 // By parsing, these are no passwords or only half of them; by whoever wrote the setting, they are.
 TEST(ProxyInfo, showsNoPieceOfAPasswordThatHoldsSeparators)
 {
-    for (const wchar_t* text : {L"user:a@secret@host:1", L"user:secret://a@host:1", L"user:a@b:secret@host"}) {
+    for (const wchar_t* text :
+        {L"user:a@secret@host:1", L"user:a@b@secret@host:1", L"user:secret://a@host:1", L"user:a@b:secret@host"}) {
         const support::LogCapture log;
         EXPECT_EQ(ProxyInfo::parse(text).toString(Hidden).find(L"secret"), std::wstring::npos)
             << testing::PrintToString(text);
