@@ -5,6 +5,10 @@
 #include "common/deploymentqueue/deploymentqueue.h"
 #include "common/event/event.h"
 #include "common/globalatom/globalatom.h"
+#include "common/internetproxy/autoproxydriver.h"
+#include "common/internetproxy/createproxy.h"
+#include "common/internetproxy/downloadurl.h"
+#include "common/internetproxy/sessiondriver.h"
 #include "common/patchstorage/patchregistrystorage.h"
 #include "common/process/process.h"
 #include "common/reboot/computerrebooter.h"
@@ -21,6 +25,9 @@
 #include "common/windowsupdates/grouppolicy.h"
 #include "common/windowsupdates/grouppolicydriver.h"
 #include "common/windowsupdates/windowsupdates.h"
+#include "common/winhttpproxy/winhttpdefaultproxychanger.h"
+#include "common/winhttpproxy/winhttpproxychangerimpl.h"
+#include "common/wininet/wininetdriver.h"
 #include "meridia-settings/meridiasettingsapi.h"
 #include "settings-api/cachedsettings.h"
 #include "vxtl/globalmutex.h"
@@ -67,6 +74,23 @@ std::shared_ptr<settings::Settings> CommonFactory::createSettings(const RetryCal
 {
     VX_LOG_SCOPE();
     return common::createSettings(openStore, retry);
+}
+
+std::shared_ptr<InternetProxy> CommonFactory::createProxy()
+{
+    return common::createProxy(m_settings, std::make_shared<SessionDriver>(), std::make_shared<AutoProxyDriver>());
+}
+
+std::shared_ptr<WinHTTPDefaultProxyChanger> CommonFactory::createProxyChanger(
+    const std::wstring& proxy, const std::wstring& bypass)
+{
+    return std::make_shared<WinHTTPDefaultProxyChanger>(
+        ProxyConfiguration{proxy, bypass}, std::make_shared<WinHTTPProxyChangerImpl>());
+}
+
+std::shared_ptr<IWinInetDriver> CommonFactory::createWinInetDriver()
+{
+    return std::make_shared<WinInetDriver>();
 }
 
 std::shared_ptr<ISyncFolders> CommonFactory::createSyncFolders()
@@ -139,6 +163,11 @@ std::shared_ptr<IProcess> CommonFactory::createProcess()
 std::shared_ptr<ITimeout> CommonFactory::createTimeoutGenerator(std::uint64_t initialDelay)
 {
     return std::make_shared<ExpBackoffTimeout>(initialDelay);
+}
+
+CommonFactory::DownloadUrlBuilder CommonFactory::buildDownloadUrl()
+{
+    return common::buildDownloadUrl;
 }
 
 std::shared_ptr<IPatchStorage> CommonFactory::createPatchStorage()

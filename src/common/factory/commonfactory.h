@@ -38,7 +38,10 @@ class ITimeout;
 class IUpdaterLauncher;
 class IUserSessions;
 class IWindowsUpdates;
+class IWinInetDriver;
+class InternetProxy;
 class RebootDialog;
+class WinHTTPDefaultProxyChanger;
 
 /// Makes what the plug-in shares with the agent; each call makes a new object. Two stages: before
 /// setSettings only operations that need no settings may be called. setStopEvent and setSettings come once, before
@@ -47,6 +50,8 @@ class CommonFactory {
 public:
     /// Answers whether the store is to be tried again after this error.
     using RetryCallback = std::function<bool(meridia::QrlMeridiaError_enum)>;
+    /// Makes of a URL and the management server's the URL that a download takes.
+    using DownloadUrlBuilder = std::function<std::wstring(const std::wstring& url, const std::wstring& hqUrl)>;
 
     CommonFactory();
     virtual ~CommonFactory();
@@ -61,6 +66,12 @@ public:
     virtual std::shared_ptr<settings::Settings> createSettings();
     /// Blocks for as long as `retry` answers true. The exception at the end always carries code 3.
     virtual std::shared_ptr<settings::Settings> createSettings(const RetryCallback& retry);
+    /// By the settings as they are now.
+    virtual std::shared_ptr<InternetProxy> createProxy();
+    /// Changes the machine's default proxy for as long as the object lives.
+    virtual std::shared_ptr<WinHTTPDefaultProxyChanger> createProxyChanger(
+        const std::wstring& proxy, const std::wstring& bypass);
+    virtual std::shared_ptr<IWinInetDriver> createWinInetDriver();
     virtual std::shared_ptr<ISyncFolders> createSyncFolders();
     virtual std::shared_ptr<ISystemRestorePoint> createSystemRestorePoint();
     virtual std::shared_ptr<registry::Registry> createRegistry();
@@ -79,6 +90,7 @@ public:
     virtual std::shared_ptr<IProcess> createProcess();
     /// `initialDelay` in milliseconds.
     virtual std::shared_ptr<ITimeout> createTimeoutGenerator(std::uint64_t initialDelay);
+    virtual DownloadUrlBuilder buildDownloadUrl();
     virtual std::shared_ptr<IPatchStorage> createPatchStorage();
     virtual std::shared_ptr<IUserSessions> createUserSessions();
     /// With a store access of its own; one attempt.
