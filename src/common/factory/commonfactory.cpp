@@ -21,6 +21,7 @@
 #include "common/windowsupdates/grouppolicy.h"
 #include "common/windowsupdates/grouppolicydriver.h"
 #include "common/windowsupdates/windowsupdates.h"
+#include "common/wininet/wininetdriver.h"
 #include "meridia-settings/meridiasettingsapi.h"
 #include "settings-api/cachedsettings.h"
 #include "vxtl/globalmutex.h"
@@ -67,6 +68,11 @@ std::shared_ptr<settings::Settings> CommonFactory::createSettings(const RetryCal
 {
     VX_LOG_SCOPE();
     return common::createSettings(openStore, retry);
+}
+
+std::shared_ptr<IWinInetDriver> CommonFactory::createWinInetDriver()
+{
+    return std::make_shared<WinInetDriver>();
 }
 
 std::shared_ptr<ISyncFolders> CommonFactory::createSyncFolders()

@@ -38,6 +38,7 @@ class ITimeout;
 class IUpdaterLauncher;
 class IUserSessions;
 class IWindowsUpdates;
+class IWinInetDriver;
 class RebootDialog;
 
 /// Makes what the plug-in shares with the agent; each call makes a new object. Two stages: before
@@ -61,6 +62,7 @@ public:
     virtual std::shared_ptr<settings::Settings> createSettings();
     /// Blocks for as long as `retry` answers true. The exception at the end always carries code 3.
     virtual std::shared_ptr<settings::Settings> createSettings(const RetryCallback& retry);
+    virtual std::shared_ptr<IWinInetDriver> createWinInetDriver();
     virtual std::shared_ptr<ISyncFolders> createSyncFolders();
     virtual std::shared_ptr<ISystemRestorePoint> createSystemRestorePoint();
     virtual std::shared_ptr<registry::Registry> createRegistry();
