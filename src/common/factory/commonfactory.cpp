@@ -5,6 +5,10 @@
 #include "common/deploymentqueue/deploymentqueue.h"
 #include "common/event/event.h"
 #include "common/globalatom/globalatom.h"
+#include "common/internetproxy/autoproxydriver.h"
+#include "common/internetproxy/createproxy.h"
+#include "common/internetproxy/downloadurl.h"
+#include "common/internetproxy/sessiondriver.h"
 #include "common/patchstorage/patchregistrystorage.h"
 #include "common/process/process.h"
 #include "common/reboot/computerrebooter.h"
@@ -68,6 +72,11 @@ std::shared_ptr<settings::Settings> CommonFactory::createSettings(const RetryCal
 {
     VX_LOG_SCOPE();
     return common::createSettings(openStore, retry);
+}
+
+std::shared_ptr<InternetProxy> CommonFactory::createProxy()
+{
+    return common::createProxy(m_settings, std::make_shared<SessionDriver>(), std::make_shared<AutoProxyDriver>());
 }
 
 std::shared_ptr<IWinInetDriver> CommonFactory::createWinInetDriver()
@@ -145,6 +154,11 @@ std::shared_ptr<IProcess> CommonFactory::createProcess()
 std::shared_ptr<ITimeout> CommonFactory::createTimeoutGenerator(std::uint64_t initialDelay)
 {
     return std::make_shared<ExpBackoffTimeout>(initialDelay);
+}
+
+CommonFactory::DownloadUrlBuilder CommonFactory::buildDownloadUrl()
+{
+    return common::buildDownloadUrl;
 }
 
 std::shared_ptr<IPatchStorage> CommonFactory::createPatchStorage()

@@ -39,6 +39,7 @@ class IUpdaterLauncher;
 class IUserSessions;
 class IWindowsUpdates;
 class IWinInetDriver;
+class InternetProxy;
 class RebootDialog;
 
 /// Makes what the plug-in shares with the agent; each call makes a new object. Two stages: before
@@ -48,6 +49,8 @@ class CommonFactory {
 public:
     /// Answers whether the store is to be tried again after this error.
     using RetryCallback = std::function<bool(meridia::QrlMeridiaError_enum)>;
+    /// Makes of a URL and the management server's the URL that a download takes.
+    using DownloadUrlBuilder = std::function<std::wstring(const std::wstring& url, const std::wstring& hqUrl)>;
 
     CommonFactory();
     virtual ~CommonFactory();
@@ -62,6 +65,8 @@ public:
     virtual std::shared_ptr<settings::Settings> createSettings();
     /// Blocks for as long as `retry` answers true. The exception at the end always carries code 3.
     virtual std::shared_ptr<settings::Settings> createSettings(const RetryCallback& retry);
+    /// By the settings as they are now.
+    virtual std::shared_ptr<InternetProxy> createProxy();
     virtual std::shared_ptr<IWinInetDriver> createWinInetDriver();
     virtual std::shared_ptr<ISyncFolders> createSyncFolders();
     virtual std::shared_ptr<ISystemRestorePoint> createSystemRestorePoint();
@@ -81,6 +86,7 @@ public:
     virtual std::shared_ptr<IProcess> createProcess();
     /// `initialDelay` in milliseconds.
     virtual std::shared_ptr<ITimeout> createTimeoutGenerator(std::uint64_t initialDelay);
+    virtual DownloadUrlBuilder buildDownloadUrl();
     virtual std::shared_ptr<IPatchStorage> createPatchStorage();
     virtual std::shared_ptr<IUserSessions> createUserSessions();
     /// With a store access of its own; one attempt.
