@@ -26,6 +26,7 @@ namespace vx::tarn::common {
 class Event;
 class IComputerRebooter;
 class IDeploymentQueue;
+class IDownloader;
 class IGlobalAtom;
 class IGroupPolicy;
 class IPatchStorage;
@@ -68,6 +69,8 @@ public:
     /// By the settings as they are now.
     virtual std::shared_ptr<InternetProxy> createProxy();
     virtual std::shared_ptr<IWinInetDriver> createWinInetDriver();
+    /// Throws what createProxy throws.
+    virtual std::shared_ptr<IDownloader> createDownloader();
     virtual std::shared_ptr<ISyncFolders> createSyncFolders();
     virtual std::shared_ptr<ISystemRestorePoint> createSystemRestorePoint();
     virtual std::shared_ptr<registry::Registry> createRegistry();
