@@ -114,16 +114,17 @@ TEST_F(RealDownload, endsAsTheServerWantsIt)
     } cases[] = {
         {"a body", {good}, exitstatus::success, false, "body", 1},
         {"a part", {answer("206 Partial Content", "body")}, exitstatus::success, false, "body", 1},
-        {"not ready", {answer("202 Accepted", "wait")}, exitstatus::resourceNotReady, false, "old", 1},
-        {"unchanged", {answer("304 Not Modified")}, exitstatus::success, false, "old", 1},
-        {"gone", {answer("404 Not Found", "gone")}, exitstatus::failedToDownload, false, "old", 3},
-        {"broken", {answer("500 Oops", "stack")}, exitstatus::failedToDownload, false, "old", 3},
+        {"not ready", {answer("202 Accepted", "wait")}, exitstatus::resourceNotReady, false, "what was before", 1},
+        {"unchanged", {answer("304 Not Modified")}, exitstatus::success, false, "what was before", 1},
+        {"gone", {answer("404 Not Found", "gone")}, exitstatus::failedToDownload, false, "what was before", 3},
+        {"broken", {answer("500 Oops", "stack")}, exitstatus::failedToDownload, false, "what was before", 3},
         {"elsewhere", {answer("302 Found", "", "Location: /other\r\nContent-Length: 0\r\n"), good}, exitstatus::success,
             false, "body", 2},
         {"no answer, then one", {{""}, good}, exitstatus::success, false, "body", 2},
-        {"lost before the headers", {{"", "", Reset}}, exitstatus::failedToDownload, true, "old", 3},
+        {"lost before the headers", {{"", "", Reset}}, exitstatus::failedToDownload, true, "what was before", 3},
         {"lost in the body", {then(Reset, longer)}, exitstatus::failedToDownload, true, "", 3},
-        {"stalls before the headers", {{"", "", Hold}}, exitstatus::failedToDownload, true, "old", 1, Patience::Moment},
+        {"stalls before the headers", {{"", "", Hold}}, exitstatus::failedToDownload, true, "what was before", 1,
+            Patience::Moment},
         {"stalls in the body", {then(Hold, longer)}, exitstatus::failedToDownload, true, "", 1, Patience::Moment},
         // The system says nothing of the rest that never came.
         {"promises more", {longer}, exitstatus::success, false, "body", 1},
@@ -133,7 +134,7 @@ TEST_F(RealDownload, endsAsTheServerWantsIt)
     };
     for (const auto& row : cases) {
         SCOPED_TRACE(row.label);
-        std::ofstream(folder / "file") << "old";
+        std::ofstream(folder / "file") << "what was before";
         const ScriptedServer server(row.answers);
         const auto downloader = makeDownloader([] {}, row.patience);
         downloader->setAttempts(row.patience == Patience::Moment ? 1 : 3);
@@ -169,6 +170,9 @@ TEST_F(RealDownload, goesOnBesideAnother)
     const auto second = makeDownloader();
     const auto first = makeDownloader([&] {
         EXPECT_EQ(second->download(server.url(), file + L"2", {}), exitstatus::success);
+        const KernelHandle other(CreateFileW(file.c_str(), GENERIC_READ | GENERIC_WRITE,
+            FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr, OPEN_EXISTING, 0, nullptr));
+        EXPECT_TRUE(other.isValid());
         server.release();
     });
     EXPECT_EQ(first->download(server.url(), file, {}), exitstatus::success);
