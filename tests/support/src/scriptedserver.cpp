@@ -3,6 +3,7 @@
 #include <winsock2.h>
 
 #include <algorithm>
+#include <utility>
 
 namespace support {
 
@@ -21,11 +22,9 @@ std::string receiveHead(SOCKET client)
 {
     std::string head;
     char buffer[4096];
-    while (head.find("\r\n\r\n") == std::string::npos) {
-        const int count = recv(client, buffer, sizeof buffer, 0);
-        if (count <= 0)
-            break;
-        head.append(buffer, static_cast<std::size_t>(count));
+    for (int count = 1; count > 0 && head.find("\r\n\r\n") == std::string::npos;) {
+        count = recv(client, buffer, sizeof buffer, 0);
+        head.append(buffer, static_cast<std::size_t>(std::max(count, 0)));
     }
     return head;
 }
@@ -33,13 +32,19 @@ std::string receiveHead(SOCKET client)
 /// False when the other side has gone.
 bool sendAll(SOCKET client, const std::string& bytes)
 {
-    for (std::size_t sent = 0; sent < bytes.size();) {
-        const int count = send(client, bytes.data() + sent, static_cast<int>(bytes.size() - sent), 0);
-        if (count <= 0)
-            return false;
-        sent += static_cast<std::size_t>(count);
-    }
-    return true;
+    int count = 1;
+    for (std::size_t sent = 0; count > 0 && sent < bytes.size(); sent += static_cast<std::size_t>(count))
+        count = send(client, bytes.data() + sent, static_cast<int>(bytes.size() - sent), 0);
+    return count > 0;
+}
+
+void play(SOCKET client, const Answer& answer)
+{
+    bool there = sendAll(client, answer.head);
+    for (std::size_t i = 0; there && i < answer.times; ++i)
+        there = sendAll(client, answer.body);
+    const linger now = {answer.then == Answer::Then::Reset, 0};
+    setsockopt(client, SOL_SOCKET, SO_LINGER, reinterpret_cast<const char*>(&now), sizeof now);
 }
 
 } // namespace
@@ -60,23 +65,17 @@ ScriptedServer::ScriptedServer(std::vector<Answer> answers) : m_answers(std::mov
 
 ScriptedServer::~ScriptedServer()
 {
-    release();
     {
         const std::lock_guard lock(m_mutex);
         m_stopping = true;
     }
     const SOCKET last = socket(AF_INET, SOCK_STREAM, 0);
-    sockaddr_in address = loopback(m_port);
-    connect(last, reinterpret_cast<sockaddr*>(&address), sizeof address);
+    const sockaddr_in address = loopback(m_port);
+    connect(last, reinterpret_cast<const sockaddr*>(&address), sizeof address);
     closesocket(last);
     m_thread.join();
     closesocket(m_listener);
     WSACleanup();
-}
-
-std::wstring ScriptedServer::url(const std::wstring& path) const
-{
-    return L"http://127.0.0.1:" + std::to_wstring(m_port) + L"/" + path;
 }
 
 std::vector<std::string> ScriptedServer::requests() const
@@ -85,44 +84,27 @@ std::vector<std::string> ScriptedServer::requests() const
     return m_requests;
 }
 
-void ScriptedServer::release()
+const Answer* ScriptedServer::answerTo(const std::string& request)
 {
     const std::lock_guard lock(m_mutex);
-    for (const auto& [client, rest] : m_held) {
-        sendAll(client, rest);
-        closesocket(client);
-    }
-    m_held.clear();
+    m_requests.push_back(request);
+    return m_stopping ? nullptr : &m_answers[std::min(m_requests.size(), m_answers.size()) - 1];
 }
 
 void ScriptedServer::serve()
 {
-    while (take(accept(m_listener, nullptr, nullptr))) {
+    static const Answer nothing;
+    SOCKET before = INVALID_SOCKET;
+    for (const Answer *given = &nothing, *held = &nothing; given; held = given) {
+        const SOCKET client = accept(m_listener, nullptr, nullptr);
+        given = answerTo(receiveHead(client));
+        play(client, given ? *given : nothing);
+        sendAll(before, held->rest);
+        closesocket(before);
+        before = client;
+        if (!given || given->then != Answer::Then::Hold)
+            closesocket(std::exchange(before, INVALID_SOCKET));
     }
-}
-
-bool ScriptedServer::take(std::size_t client)
-{
-    const std::string head = receiveHead(client);
-    const std::lock_guard lock(m_mutex);
-    if (m_stopping)
-        return closesocket(client), false;
-    const Answer& answer = m_answers[std::min(m_requests.size(), m_answers.size() - 1)];
-    m_requests.push_back(head);
-    play(client, answer);
-    return true;
-}
-
-void ScriptedServer::play(std::size_t client, const Answer& answer)
-{
-    bool there = sendAll(client, answer.head);
-    for (std::size_t i = 0; there && i < answer.times; ++i)
-        there = sendAll(client, answer.body);
-    if (answer.then == Answer::Then::Hold)
-        return m_held.emplace_back(client, answer.rest), void();
-    const linger now = {answer.then == Answer::Then::Reset, 0};
-    setsockopt(client, SOL_SOCKET, SO_LINGER, reinterpret_cast<const char*>(&now), sizeof now);
-    closesocket(client);
 }
 
 } // namespace support
