@@ -1,9 +1,11 @@
 #include "common/downloader/downloaddriver.h"
 #include "common/downloader/downloader.h"
+#include "common/factory/commonfactory.h"
 #include "common/internetproxy/nointernetproxy.h"
 #include "common/internetproxy/sessiondriver.h"
 #include "common/wininet/wininetdriver.h"
 #include "support/childtest.h"
+#include "support/fakesettings.h"
 #include "support/scriptedserver.h"
 #include "vxtl/handle.h"
 #include "vxtl/registry.h"
@@ -145,6 +147,12 @@ TEST_F(RealDownload, failsWhereTheFileCanNotBeWritten)
     const KernelHandle reader(
         CreateFileW(file.c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr, CREATE_NEW, 0, nullptr));
     EXPECT_EQ(errorAt(file), ERROR_SHARING_VIOLATION);
+    EXPECT_FALSE(DownloadDriver().writeFile(reader.get(), "body", 4));
+}
+
+TEST(DownloadDriver, doesNotPauseForNoTime)
+{
+    DownloadDriver().pause(std::chrono::seconds(-1));
 }
 
 TEST_F(RealDownload, goesOnBesideAnotherAndOthersMayUseTheFile)
@@ -196,6 +204,16 @@ TEST_F(RealDownload, tellsTheServerWhoAsksAndWhatTheCallerAdds)
     EXPECT_THAT(requests.at(0), HasSubstr("User-Agent: Wget/1.11.4 VantorixTarnpatch (consumer, 1.2)\r\n"));
     EXPECT_THAT(requests.at(0), HasSubstr("If-None-Match: a: b\r\n"));
     EXPECT_THAT(requests.at(1), HasSubstr("User-Agent: Wget/1.11.4 VantorixTarnpatch\r\n"));
+}
+
+TEST_F(RealDownload, comesFromTheFactory)
+{
+    const ScriptedServer server({answer("200 OK", "body")});
+    CommonFactory factory;
+    factory.setSettings(support::FakeSettings::handle(std::make_shared<support::FakeSettings>()));
+    const auto made = factory.createDownloader();
+    made->setAttempts(1);
+    EXPECT_EQ(made->download(server.url(), file, {}), exitstatus::success);
 }
 
 int main(int argc, char** argv)
