@@ -3,6 +3,8 @@
 #include "common/factory/createsettings.h"
 
 #include "common/deploymentqueue/deploymentqueue.h"
+#include "common/downloader/downloaddriver.h"
+#include "common/downloader/downloader.h"
 #include "common/event/event.h"
 #include "common/globalatom/globalatom.h"
 #include "common/internetproxy/autoproxydriver.h"
@@ -91,6 +93,12 @@ std::shared_ptr<WinHTTPDefaultProxyChanger> CommonFactory::createProxyChanger(
 std::shared_ptr<IWinInetDriver> CommonFactory::createWinInetDriver()
 {
     return std::make_shared<WinInetDriver>();
+}
+
+std::shared_ptr<IDownloader> CommonFactory::createDownloader()
+{
+    return std::make_shared<Downloader>(
+        createProxy(), createWinInetDriver(), createRegistry(), std::make_shared<DownloadDriver>());
 }
 
 std::shared_ptr<ISyncFolders> CommonFactory::createSyncFolders()

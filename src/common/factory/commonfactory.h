@@ -26,6 +26,7 @@ namespace vx::tarn::common {
 class Event;
 class IComputerRebooter;
 class IDeploymentQueue;
+class IDownloader;
 class IGlobalAtom;
 class IGroupPolicy;
 class IPatchStorage;
@@ -72,6 +73,8 @@ public:
     virtual std::shared_ptr<WinHTTPDefaultProxyChanger> createProxyChanger(
         const std::wstring& proxy, const std::wstring& bypass);
     virtual std::shared_ptr<IWinInetDriver> createWinInetDriver();
+    /// Throws what createProxy throws.
+    virtual std::shared_ptr<IDownloader> createDownloader();
     virtual std::shared_ptr<ISyncFolders> createSyncFolders();
     virtual std::shared_ptr<ISystemRestorePoint> createSystemRestorePoint();
     virtual std::shared_ptr<registry::Registry> createRegistry();
