@@ -3,12 +3,29 @@
 #include "common/factory/commonfactory.h"
 #include "common/reboot/rebootdialog.h"
 #include "common/windowsupdates/iwindowsupdates.h"
+#include "vxtl/comexception.h"
 
 #include <nlohmann/json.hpp>
+#include <windows.h>
+
+#include <objbase.h>
 
 namespace devhost::agent {
 
 using vx::tarn::common::RebootDialog;
+
+SystemSteps::Apartment::Apartment()
+{
+    if (const auto result = CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED); FAILED(result))
+        VX_THROW_COM(result, L"CoInitializeEx failed");
+}
+
+SystemSteps::Apartment::~Apartment()
+{
+    CoUninitialize();
+}
+
+SystemSteps::SystemSteps(vx::tarn::common::CommonFactory& factory) : m_factory(factory) {}
 
 nlohmann::json SystemSteps::perform(SystemStep step)
 {
