@@ -98,7 +98,7 @@ command_test() {
 
 command_host() {
     [ "${1:-}" = -- ] && shift
-    build_flavour product tarnhost tarnhd tarnag systemobjects >&2
+    build_flavour product tarnhost tarnhd tarnag host-libraries systemobjects >&2
     wine_start
     wine_command wine "$project/build/product/bin/tarnhost.exe" "$@"
 }
