@@ -99,7 +99,7 @@ command_test() {
 
 command_host() {
     [ "${1:-}" = -- ] && shift
-    build_flavour product tarnhost tarnhd tarnag wuservice restartprompt systemobjects >&2
+    build_flavour product tarnhost tarnhd tarnag wuservice restartprompt host-libraries systemobjects >&2
     wine_start
     wine_command wine "$project/build/product/bin/tarnhost.exe" "$@"
 }

@@ -2,6 +2,9 @@
 
 #include "common/factory/createsettings.h"
 
+#include "alert-api/vxalertapi.h"
+#include "common/certificates/wincertstorage.h"
+#include "common/certificates/wincertstoragedriver.h"
 #include "common/deploymentqueue/deploymentqueue.h"
 #include "common/downloader/downloaddriver.h"
 #include "common/downloader/downloader.h"
@@ -30,6 +33,9 @@
 #include "common/winhttpproxy/winhttpdefaultproxychanger.h"
 #include "common/winhttpproxy/winhttpproxychangerimpl.h"
 #include "common/wininet/wininetdriver.h"
+#include "flyer-api/vxflyerapi.h"
+#include "ipc-api/ipcclient.h"
+#include "ipc-api/ipcserver.h"
 #include "meridia-settings/meridiasettingsapi.h"
 #include "settings-api/cachedsettings.h"
 #include "vxtl/globalmutex.h"
@@ -111,6 +117,16 @@ std::shared_ptr<ISystemRestorePoint> CommonFactory::createSystemRestorePoint()
     return std::make_shared<SystemRestorePoint>(std::make_unique<SystemRestoreDriver>());
 }
 
+std::shared_ptr<flyers::FlyerApiImpl> CommonFactory::createFlyerApi()
+{
+    return std::make_shared<flyers::VxFlyerApi>();
+}
+
+std::shared_ptr<alerts::AlertApiImpl> CommonFactory::createAlertApi()
+{
+    return std::make_shared<alerts::VxAlertApi>();
+}
+
 std::shared_ptr<registry::Registry> CommonFactory::createRegistry()
 {
     return registry::createWin32Registry();
@@ -168,6 +184,16 @@ std::shared_ptr<IProcess> CommonFactory::createProcess()
     return std::make_shared<Process>();
 }
 
+std::shared_ptr<IPCServer> CommonFactory::createIpcServer(const std::string& channelName, std::uint32_t access)
+{
+    return std::make_shared<IPCServer>(channelName, access);
+}
+
+std::shared_ptr<IPCClient> CommonFactory::createIpcClient(const std::string& channelName, std::uint32_t owner)
+{
+    return std::make_shared<IPCClient>(channelName, owner);
+}
+
 std::shared_ptr<ITimeout> CommonFactory::createTimeoutGenerator(std::uint64_t initialDelay)
 {
     return std::make_shared<ExpBackoffTimeout>(initialDelay);
@@ -181,6 +207,16 @@ CommonFactory::DownloadUrlBuilder CommonFactory::buildDownloadUrl()
 std::shared_ptr<IPatchStorage> CommonFactory::createPatchStorage()
 {
     return std::make_shared<PatchRegistryStorage>(L"finished", L"patches", L"statuses", createRegistry());
+}
+
+std::shared_ptr<WinCertStorage> CommonFactory::createWinCertStorage()
+{
+    return std::make_shared<WinCertStorage>(createWinCertStorageDriver(), createSettings());
+}
+
+std::shared_ptr<IWinCertStorageDriver> CommonFactory::createWinCertStorageDriver()
+{
+    return std::make_shared<WinCertStorageDriver>();
 }
 
 std::shared_ptr<IUserSessions> CommonFactory::createUserSessions()

@@ -11,6 +11,12 @@ class IWaitable;
 namespace vx::settings {
 class Settings;
 }
+namespace vx::alerts {
+class AlertApiImpl;
+}
+namespace vx::flyers {
+class FlyerApiImpl;
+}
 namespace vx::registry {
 class Registry;
 }
@@ -29,6 +35,8 @@ class IDeploymentQueue;
 class IDownloader;
 class IGlobalAtom;
 class IGroupPolicy;
+class IPCClient;
+class IPCServer;
 class IPatchStorage;
 class IProcess;
 class IRegistryKeyNotifier;
@@ -38,10 +46,12 @@ class ISystemRestorePoint;
 class ITimeout;
 class IUpdaterLauncher;
 class IUserSessions;
+class IWinCertStorageDriver;
 class IWindowsUpdates;
 class IWinInetDriver;
 class InternetProxy;
 class RebootDialog;
+class WinCertStorage;
 class WinHTTPDefaultProxyChanger;
 
 /// Makes what the plug-in shares with the agent; each call makes a new object. Two stages: before
@@ -77,6 +87,9 @@ public:
     virtual std::shared_ptr<IDownloader> createDownloader();
     virtual std::shared_ptr<ISyncFolders> createSyncFolders();
     virtual std::shared_ptr<ISystemRestorePoint> createSystemRestorePoint();
+    /// Finds the host's flyer library; throws BaseException without it. The alert library likewise.
+    virtual std::shared_ptr<flyers::FlyerApiImpl> createFlyerApi();
+    virtual std::shared_ptr<alerts::AlertApiImpl> createAlertApi();
     virtual std::shared_ptr<registry::Registry> createRegistry();
     virtual std::shared_ptr<IGroupPolicy> createGroupPolicy();
     virtual std::shared_ptr<IService> createServiceProxy(const std::wstring& name);
@@ -91,10 +104,16 @@ public:
         bool manualReset, bool initialState, const std::wstring& name, bool inheritHandle, void* securityDescriptor);
     virtual std::shared_ptr<Event> openEvent(unsigned long access, const std::wstring& name, bool inheritHandle);
     virtual std::shared_ptr<IProcess> createProcess();
+    /// Both need the host's IPC library at their first use only. `access` and `owner` are the library's.
+    virtual std::shared_ptr<IPCServer> createIpcServer(const std::string& channelName, std::uint32_t access);
+    virtual std::shared_ptr<IPCClient> createIpcClient(const std::string& channelName, std::uint32_t owner);
     /// `initialDelay` in milliseconds.
     virtual std::shared_ptr<ITimeout> createTimeoutGenerator(std::uint64_t initialDelay);
     virtual DownloadUrlBuilder buildDownloadUrl();
     virtual std::shared_ptr<IPatchStorage> createPatchStorage();
+    /// With a store access of its own; one attempt.
+    virtual std::shared_ptr<WinCertStorage> createWinCertStorage();
+    virtual std::shared_ptr<IWinCertStorageDriver> createWinCertStorageDriver();
     virtual std::shared_ptr<IUserSessions> createUserSessions();
     /// With a store access of its own; one attempt.
     virtual std::shared_ptr<RebootDialog> createRestart();
