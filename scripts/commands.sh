@@ -88,8 +88,9 @@ command_test() {
     for flavour in fuzz asan tsan product; do
         [[ " ${selected[*]} " == *" $flavour "* ]] || continue
         if [ "$flavour" = product ]; then
+            trap 'servers_stop; wine_stop' EXIT
+            servers_start
             wine_start
-            trap wine_stop EXIT
         fi
         test_flavour "$flavour" "${arguments[@]}" || failed+=("$flavour")
     done
@@ -98,7 +99,7 @@ command_test() {
 
 command_host() {
     [ "${1:-}" = -- ] && shift
-    build_flavour product tarnhost tarnhd tarnag systemobjects >&2
+    build_flavour product tarnhost tarnhd tarnag wuservice restartprompt host-libraries systemobjects >&2
     wine_start
     wine_command wine "$project/build/product/bin/tarnhost.exe" "$@"
 }

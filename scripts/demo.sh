@@ -1,5 +1,5 @@
-# Sourced by ./run demo: shows a remote scan request and installation requests on their whole way, with real processes
-# under Wine.
+# Sourced by ./run demo: shows a remote scan request, installation requests and what the plug-in does with Windows on
+# their whole way, with real processes under Wine.
 
 demo_folder=$project/build/demo
 
@@ -26,6 +26,11 @@ demo_prepare() {
     rm -rf "$demo_folder" "$wine_prefix/drive_c/ProgramData/Vantorix/Log/tarn"
     mkdir -p "$demo_folder/agent"
     cp "$project"/build/product/bin/{tarnag.exe,vx_qrl_meridia_32.dll} "$demo_folder/agent/"
+    # Ten minutes between two looks at what is due would be long for a demo.
+    cat >"$demo_folder/store.json" <<'END'
+{"format": "tarnhd store", "version": 1, "revision": 1, "values": {
+    "windows.tarnpatch.scanning.automatic.polling_interval": {"revision": 1, "type": "int32", "value": 1}}}
+END
     # What the stand-in agent does at each start: an ordinary scan when the plug-in comes up, a scan that finds three
     # updates, and then another agent is busy four times before it gets its turn. From then on it installs what the
     # queue asks for.
@@ -50,19 +55,20 @@ demo_let_deployments_need_a_reboot() {
     sed -i 's/"deploy": {"stepMs": 300}/"deploy": {"stepMs": 300, "reboot": true}/' "$demo_folder/agent/tarnag.script.json"
 }
 
-# Runs a host's command again and again until it succeeds and prints the text.
-demo_wait_until() {
-    local text=$1 i
-    shift
-    for i in {1..200}; do
-        demo_host "$@" 2>/dev/null | grep -q "$text" && return
+# Runs a host's command again and again, for at most two minutes, until it prints the text that many times.
+demo_wait_for_count() {
+    local count=$1 text=$2 end=$((SECONDS + 120))
+    shift 2
+    while [ "$(demo_host "$@" 2>/dev/null | grep -c "$text")" -lt "$count" ]; do
+        [ $SECONDS -lt $end ] || return 1
     done
-    return 1
 }
+
+demo_wait_until() { demo_wait_for_count 1 "$@"; }
 
 demo_scan_road() {
     printf '\nA host is started; it serves the store, loads tarnhd.dll and runs it.\n'
-    demo_host run --store "$demo_folder/store.json" --agent-dir "$demo_folder/agent" >"$demo_folder/host.txt" 2>&1 &
+    demo_host run --store "$demo_folder/store.json" --agent-dir "$demo_folder/agent" --reboots play >"$demo_folder/host.txt" 2>&1 &
     demo_step "wait until the host is up" status --wait 30 &&
         # The plug-in writes its status once it has subscribed to its keys; what is requested before is not seen.
         demo_wait_until true get status.windows.tarnpatch.enabled &&
@@ -86,11 +92,53 @@ demo_deployments() {
         demo_step "the agent has completed it, and nothing is left" patches
 }
 
+demo_scheduled_task() {
+    local automatic=windows.tarnpatch.installation.automatic
+    demo_step "let critical and important updates be installed by themselves" \
+        set $automatic.mode install_critical_and_important &&
+        demo_step "on Sundays" set $automatic.frequency every_sunday &&
+        demo_wait_until important tasks &&
+        demo_step "the scheduled task" tasks &&
+        demo_step "its hour has come: what it starts puts its word into the queue" \
+            tasks run "Vantorix Tarnpatch Automatic Installation" --wait 30 &&
+        demo_wait_until 'queue is empty' queue &&
+        demo_step "the agent has worked on that" queue
+}
+
+demo_scan_after_windows_update() {
+    local starts
+    starts=$(demo_host log | grep -c 'start event signaled')
+    demo_step "Windows installs updates" windows-update || return
+    printf '\nThe plug-in asks Windows each minute here, ten by default.\n'
+    demo_wait_for_count $((starts + 1)) 'start event signaled' log &&
+        demo_wait_until 'Waiting for event' log --lines 1 &&
+        demo_step "it has found the new date, and the agent scans" log --lines 12
+}
+
+demo_forced_reboot() {
+    local boots
+    boots=$(demo_host log | grep -c "It's a first run after reboot.")
+    demo_step "the Windows Update service runs" service start &&
+        demo_step "somebody asks for its stop" wus-trigger &&
+        demo_wait_until stopped service &&
+        demo_step "it is stopped" service &&
+        demo_step "somebody starts it again" service start &&
+        demo_wait_until stopped service &&
+        demo_step "it is stopped again, in the next round after at most 20 seconds" service &&
+        demo_step "no user is asked" set windows.tarnpatch.installation.reboot.ask_user false &&
+        demo_step "and no time left" set windows.tarnpatch.installation.reboot.force_in_seconds 0 || return
+    printf '\nThe next round asks Windows for a reboot; the host catches that and plays one.\n'
+    demo_wait_for_count $((boots + 1)) "It's a first run after reboot." log &&
+        demo_step "the plug-in is back" status
+}
+
 demo_play() {
     local result
-    demo_scan_road && demo_deployments && demo_step "an overview" status
+    demo_scan_road && demo_deployments && demo_scheduled_task && demo_scan_after_windows_update && demo_forced_reboot &&
+        demo_step "an overview" status
     result=$?
     demo_step "stop the host" stop || result=1
+    demo_host service restore >/dev/null
     wait
     printf '\n--- what the host showed\n'
     sed 's/^/    /' "$demo_folder/host.txt"
@@ -100,12 +148,15 @@ demo_play() {
 }
 
 command_demo() {
-    build_flavour product tarnhost tarnhd tarnag vx_qrl_meridia_32 systemobjects
+    build_flavour product tarnhost tarnhd tarnag wuservice vx_qrl_meridia_32 systemobjects
+    trap 'servers_stop; wine_stop' EXIT
+    servers_start
     wine_start
-    trap wine_stop EXIT
     export TARNHD_INSTANCE=demo
     demo_prepare
     demo_host forget-boot >/dev/null
+    demo_host service stop >/dev/null
+    demo_host wus-trigger none >/dev/null
     demo_play || die "the demo did not go as it should; see above"
     say "the requests went the whole way: see 'Update a scanning remote operation status', 'Update a deployment remote" \
         "operation status' and '-c complete' in the log above"

@@ -1,21 +1,22 @@
 #include "idle.h"
 
-#include "logreading/directorywatch.h"
-#include "logreading/logreader.h"
+#include "bench/stoprequest.h"
 #include "host/pluginsession.h"
 #include "keys/keycatalogue.h"
+#include "logreading/directorywatch.h"
+#include "logreading/logreader.h"
 #include "reading.h"
 #include "store/client/client.h"
 #include "store/server/server.h"
 #include "threadswitches.h"
 
-#include <cstdio>
+#include <algorithm>
 #include <cstdlib>
 #include <ctime>
 #include <optional>
+#include <set>
 #include <stdexcept>
 #include <thread>
-#include <utility>
 #include <windows.h>
 
 namespace {
@@ -34,6 +35,9 @@ void prepareStore(const std::wstring& instance)
     client.set(
         host::keyOf(host::keys::host.lastSuccessfulUpdateTimestamp), store::Value::fromInt64(std::time(nullptr)));
     client.set(host::keyOf(host::keys::settings.enabled), store::Value::fromBool(true));
+    // It would come while the service stopper polls.
+    client.set(host::keyOf(host::keys::settings.scanning.automatic.scanningOnSystemStartup.enabled),
+        store::Value::fromBool(false));
 }
 
 void waitForProcessing()
@@ -78,37 +82,90 @@ private:
     std::thread m_thread;
 };
 
-/// Switches of all threads per second while nothing happens, and the threads; nothing where the system does not tell.
-std::optional<std::pair<double, std::size_t>> measureSwitches()
+/// What happened between two readings.
+struct Wakes {
+    unsigned long long switches = 0; ///< of all threads
+    std::set<unsigned long> threads; ///< that went to sleep or were put aside
+};
+
+Wakes between(const ThreadSwitches& before, const ThreadSwitches& after)
 {
-    const auto before = readThreadSwitches();
-    Sleep(idleMilliseconds);
-    const auto after = readThreadSwitches();
-    if (!before || !after)
-        return std::nullopt;
-    return std::pair(static_cast<double>(after->count - before->count) * 1000 / idleMilliseconds, after->threads);
+    Wakes wakes;
+    for (const auto& [thread, count] : after) {
+        const auto found = before.find(thread);
+        const auto more = count - (found == before.end() ? 0 : found->second);
+        wakes.switches += more;
+        if (more != 0)
+            wakes.threads.insert(thread);
+    }
+    return wakes;
 }
 
-bool measure(double floor)
+/// Nothing where the system does not tell.
+std::optional<Wakes> wakesIn(DWORD milliseconds)
+{
+    const auto before = readThreadSwitches();
+    Sleep(milliseconds);
+    const auto after = readThreadSwitches();
+    return before && after ? std::optional(between(*before, *after)) : std::nullopt;
+}
+
+double perSecond(const Wakes& wakes)
+{
+    return static_cast<double>(wakes.switches) * 1000 / idleMilliseconds;
+}
+
+/// In how many seconds a thread wakes that is none of `known`. Seconds in a row count once: what a round does may lie
+/// across two.
+int countRounds(const std::set<unsigned long>& known, int seconds)
+{
+    int rounds = 0;
+    bool wasAwake = false;
+    for (int i = 0; i < seconds; ++i) {
+        const auto wakes = wakesIn(1000);
+        const bool isAwake = wakes && !std::ranges::includes(known, wakes->threads);
+        rounds += isAwake && !wasAwake;
+        wasAwake = isAwake;
+    }
+    return rounds;
+}
+
+/// The service stopper's rounds. Each wakes its thread and, as it reads settings, those that serve the store here.
+bool measurePolling(const std::set<unsigned long>& idleThreads)
+{
+    // Two of its periods, and time for the second one's round.
+    constexpr int seconds = 44;
+    constexpr int named = seconds / 20;
+    const bench::StopRequest request;
+    Sleep(settleMilliseconds);
+    const int rounds = countRounds(idleThreads, seconds);
+    return printReading("service stopper, wake-ups in " + std::to_string(seconds) + " s", std::to_string(named),
+        std::to_string(rounds), "-", "no other", rounds == named);
+}
+
+bool measure(const std::optional<Wakes>& floor)
 {
     constexpr double reach = 1.1;
     const double computedBefore = processMilliseconds();
-    const auto measured = measureSwitches();
+    const auto ours = wakesIn(idleMilliseconds);
     const double computed = processMilliseconds() - computedBefore;
     printReading("idle, processor time in 10 s", "-", reading(computed, " ms"), "-", "", true);
-    if (!measured)
+    if (!floor || !ours)
         return printReading("idle, wake-ups (not told by this system)", "0", "unknown", "-", "0", false);
-    const auto [switches, threads] = *measured;
-    return printReading("idle, switches of " + std::to_string(threads) + " threads per second", reading(floor, ""),
-        reading(switches, ""), reading(switches / floor, "x"), "<= 1.10x", switches <= reach * floor);
+    const double ratio = perSecond(*ours) / perSecond(*floor);
+    const bool switchesHold = printReading("idle, thread switches per second", reading(perSecond(*floor), ""),
+        reading(perSecond(*ours), ""), reading(ratio, "x"), "<= 1.10x", ratio <= reach);
+    const auto floorThreads = floor->threads.size();
+    const bool threadsHold = printReading("idle, threads that wake up", std::to_string(floorThreads),
+        std::to_string(ours->threads.size()), "-", "no other", ours->threads.size() <= floorThreads);
+    return measurePolling(ours->threads) && switchesHold && threadsHold;
 }
 
-double measureFloor()
+std::optional<Wakes> measureFloor()
 {
     const BarePoll poll;
     Sleep(settleMilliseconds);
-    const auto measured = measureSwitches();
-    return measured ? measured->first : 0;
+    return wakesIn(idleMilliseconds);
 }
 
 } // namespace
@@ -121,7 +178,7 @@ bool measureIdle(const std::filesystem::path& plugin, const std::filesystem::pat
     store::Server server((root / "store.json").wstring(), instance);
     server.start();
     prepareStore(instance);
-    const double floor = measureFloor();
+    const auto floor = measureFloor();
     host::PluginSession session(plugin, "tarnhd", 36, {[](const std::string&, std::uint32_t) {}, [](std::uint32_t) {}});
     session.start();
     waitForProcessing();

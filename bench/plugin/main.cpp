@@ -1,8 +1,8 @@
 #include "bench/comparison.h"
+#include "bench/sandbox.h"
 #include "idle.h"
 #include "logging-backend/processlogger.h"
 #include "reading.h"
-#include "sandbox.h"
 #include "startlatency.h"
 
 #include <cstdio>
@@ -44,7 +44,7 @@ bench::Measure loading(const fs::path& library)
 
 bool run()
 {
-    const Sandbox sandbox;
+    const bench::Sandbox sandbox;
     const fs::path folder = programFolder();
     const fs::path floor = folder / "stripped" / "bench-empty-dll.dll";
     const fs::path ours = folder / "stripped" / "tarnhd.dll";

@@ -62,12 +62,10 @@ std::optional<ThreadSwitches> readThreadSwitches()
     std::error_code error;
     for (fs::directory_iterator thread(own / "task", error); !error && thread != fs::directory_iterator();
          thread.increment(error)) {
-        if (thread->path().filename() == own.filename())
-            continue;
-        ++result.threads;
-        result.count += switches(thread->path());
+        if (thread->path().filename() != own.filename())
+            result[std::stoul(thread->path().filename().string())] = switches(thread->path());
     }
-    return result.count ? std::optional(result) : std::nullopt;
+    return result.empty() ? std::nullopt : std::optional(result);
 }
 
 double processMilliseconds()

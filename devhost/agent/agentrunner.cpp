@@ -1,8 +1,10 @@
 #include "agent/agentrunner.h"
 
 #include "agent/deployer.h"
+#include "agent/runjournal.h"
 #include "agent/say.h"
 #include "agent/suspendeddeployment.h"
+#include "agent/systemsteps.h"
 #include "common/deploymentqueue/ideploymentqueue.h"
 #include "common/factory/commonfactory.h"
 #include "settings-api/settings.h"
@@ -40,17 +42,16 @@ void writeValue(const vx::settings::Settings& settings, const ScriptedValue& scr
 
 } // namespace
 
-void AgentRunner::perform(const AgentRun& run, Task task)
+void AgentRunner::perform(const AgentRun& run, Task task, const std::string& severity)
 {
     if (!run.output.empty())
         say(run.output);
     linger(run);
     if (!run.idle)
-        performTask(task);
+        performTask(task, severity);
     if (!run.values.empty())
         write(run.values);
-    if (run.deploy)
-        deploy(*run.deploy);
+    takeSteps(run);
 }
 
 std::shared_ptr<vx::settings::Settings> AgentRunner::settings()
@@ -61,10 +62,12 @@ std::shared_ptr<vx::settings::Settings> AgentRunner::settings()
     return m_settings;
 }
 
-void AgentRunner::performTask(Task task)
+void AgentRunner::performTask(Task task, const std::string& severity)
 {
     if (task == Task::Ordinary)
         return;
+    if (task == Task::Queue)
+        return queue(severity);
     const SuspendedDeployment suspended(m_factory.createPatchStorage());
     if (task == Task::Continue)
         say(suspended.finish() ? "the deployment is finished" : "no deployment waits for a boot");
@@ -73,11 +76,33 @@ void AgentRunner::performTask(Task task)
                                                               : "no deployment is to be completed");
 }
 
+/// The plug-in sees the queue change, and starts an agent that works on it.
+void AgentRunner::queue(const std::string& severity)
+{
+    say("queuing " + severity);
+    m_factory.createDeploymentQueue()->pushBack(vx::str::fromUtf8(severity));
+}
+
 void AgentRunner::write(const std::vector<ScriptedValue>& values)
 {
     for (const auto& value : values) {
         say("writing " + value.key);
         writeValue(*settings(), value);
+    }
+}
+
+void AgentRunner::takeSteps(const AgentRun& run)
+{
+    if (run.steps.empty())
+        return;
+    SystemSteps system(m_factory);
+    for (const SystemStep step : run.steps) {
+        if (step == SystemStep::Deploy)
+            deploy(*run.deploy);
+        const auto result = system.perform(step);
+        if (!result.is_null())
+            say(vx::toText(step) + ": " + result.dump());
+        m_journal.appendStep(vx::toText(step), result);
     }
 }
 

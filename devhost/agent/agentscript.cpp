@@ -4,6 +4,7 @@
 #include "agent/scriptmember.h"
 #include "common/patches/updateid.h"
 #include "keys/keycatalogue.h"
+#include "machine/system.h"
 #include "store/protocol/errorcode.h"
 #include "vxtl/parsejson.h"
 #include "vxtl/str.h"
@@ -85,6 +86,13 @@ ScriptedValue readValue(const Member& member)
     return makeValue(member.place, *type, value["value"]);
 }
 
+std::vector<SystemStep> readSteps(const Member& list)
+{
+    std::vector<SystemStep> steps;
+    readElements(list, [&](const Member& step) { steps.push_back(readWord<SystemStep>(step, "a step")); });
+    return steps;
+}
+
 void readMember(AgentRun& run, const std::string& name, const Member& member)
 {
     if (name == "durationMs")
@@ -108,6 +116,10 @@ void readMember(AgentRun& run, const std::string& name, const Member& member)
         });
     else if (name == "deploy")
         run.deploy = readDeploy(member);
+    else if (name == "steps")
+        run.steps = readSteps(member);
+    else if (name == "testMachine")
+        run.isTestMachine = readBool(member);
     else if (name == "idle")
         run.idle = readBool(member);
     else if (name == "hang")
@@ -118,12 +130,24 @@ void readMember(AgentRun& run, const std::string& name, const Member& member)
         member.isUnknown();
 }
 
+void checkSteps(AgentRun& run, const Member& entry)
+{
+    if (!run.steps.empty() && !run.isTestMachine && machine::thisSystem() == machine::System::Windows)
+        throw ScriptError(entry.place + ".steps: this is a real Windows, say testMachine if that is there for tests");
+    const bool placed = std::ranges::find(run.steps, SystemStep::Deploy) != run.steps.end();
+    if (placed && !run.deploy)
+        throw ScriptError(entry.place + ".steps has a place for deploy, which is missing");
+    if (run.deploy && !placed)
+        run.steps.push_back(SystemStep::Deploy);
+}
+
 std::vector<AgentRun> readRuns(const Member& list)
 {
     std::vector<AgentRun> runs;
     readElements(list, [&](const Member& entry) {
         auto& run = runs.emplace_back();
         readMembers(entry, [&](const std::string& name, const Member& member) { readMember(run, name, member); });
+        checkSteps(run, entry);
     });
     return runs;
 }
@@ -157,6 +181,7 @@ std::string_view listOf(Task task)
     switch (task) {
     case Task::Continue: return "continue";
     case Task::Complete: return "complete";
+    case Task::Queue: return "queue";
     case Task::Ordinary: break;
     }
     return "runs";
@@ -170,7 +195,7 @@ AgentScript AgentScript::parse(std::string_view text)
     if (!script.is_object() || !script.contains("runs") || !script["runs"].is_array() || script["runs"].empty())
         throw ScriptError("the script must be an object with a list \"runs\" of at least one run");
     Runs runs;
-    for (const auto task : {Task::Ordinary, Task::Continue, Task::Complete}) {
+    for (const auto task : {Task::Ordinary, Task::Continue, Task::Complete, Task::Queue}) {
         const std::string list(listOf(task));
         runs[task] = script.contains(list) ? readRuns({list, script[list]}) : std::vector<AgentRun>(1);
     }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "agent/deployscript.h"
+#include "agent/systemstep.h"
 #include "store/protocol/value.h"
 
 #include <chrono>
@@ -35,20 +36,23 @@ enum class Task {
     Ordinary, ///< no command, or any other
     Continue, ///< "continue", at the first boot after a deployment that waits for one
     Complete, ///< "complete", when the plug-in has seen that deployment finished
+    Queue,    ///< "queue", when the scheduled task's hour has come
 };
 
 /// The name of a task's list of runs in a script.
 std::string_view listOf(Task task);
 
 /// What one start of the agent does, in this order: say `output`, pass `gate` and wait, do what its command asks for,
-/// write `values`, deploy, end.
+/// write `values`, take `steps`, end.
 struct AgentRun {
     std::chrono::milliseconds duration{0}; ///< when the gate waits for nothing
     Gate gate;
-    std::string output; ///< text for standard output
-    bool idle = false;  ///< the command is left undone
+    std::string output;         ///< text for standard output
+    bool idle = false;          ///< the command is left undone
+    bool isTestMachine = false; ///< whose Windows may be changed
     std::vector<ScriptedValue> values;
-    std::optional<DeployScript> deploy;
+    std::vector<SystemStep> steps;      ///< the deployment among them when there is one
+    std::optional<DeployScript> deploy; ///< always there when a step says so
     Ending ending = Ending::Exit;
     int exitCode = 0;
 };

@@ -13,14 +13,6 @@ namespace {
 
 using vx::tarn::ValueItem;
 
-template <typename Enumeration>
-Enumeration readWord(const Member& member, const char* kind)
-{
-    if (const auto value = vx::findText<Enumeration>(readText(member)))
-        return *value;
-    member.mustBe(kind);
-}
-
 ValueItem readState(const Member& member)
 {
     return readWord<ValueItem>(member, "the state of a patch");

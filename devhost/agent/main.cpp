@@ -25,15 +25,19 @@ constexpr int noStore = 21;
 constexpr auto description =
     R"(tarnag: a scripted stand-in for the agent.
 
-The n-th start carries out the n-th entry of the script's list "runs"; the last one repeats. Starts with -c continue
-and -c complete have lists of their own, "continue" and "complete". Members of an entry, all optional: stdout (text),
+The n-th start carries out the n-th entry of the script's list "runs"; the last one repeats. Starts with -c continue,
+-c complete and -c queue have lists of their own, "continue", "complete" and "queue". Members of an entry, all optional: stdout (text),
 startedEvent (named event to set), waitForEvent (named event to wait for) or durationMs, idle (true: the command is
-left undone), missingUpdates (array), set (object of key and value; {"type": T, "value": V} gives a type), deploy,
-then hang or crash (true), or exitCode. Without a script a scan finds two updates, and the queue is deployed.
+left undone), missingUpdates (array), set (object of key and value; {"type": T, "value": V} gives a type), steps,
+deploy, then hang or crash (true), or exitCode. Without a script a scan finds two updates, and the queue is deployed.
 
 deploy is true or an object with any of: items (how many of the queue's; all), states (each update's, in order),
 result (of the last state's log entries), code (of all states), stepMs (length of a state; 100), pauses (list of
-{"at": STATE, "startedEvent": E, "waitForEvent": E}), reboot (true: the updates and the plug-in wait for a reboot).)";
+{"at": STATE, "startedEvent": E, "waitForEvent": E}), reboot (true: the updates and the plug-in wait for a reboot).
+
+steps is a list of what is done in Windows itself, for real: pause_updates, resume_updates, restore_updates, prompt (for
+a reboot, in the agent's own session), prompt_sessions (in each session that the settings mean), and deploy for the
+place of the deployment, which comes last otherwise. A real Windows needs testMachine (true) for them.)";
 
 struct CommandLine {
     std::string command;
@@ -42,9 +46,10 @@ struct CommandLine {
 
     Task task() const
     {
-        return command == listOf(Task::Continue)   ? Task::Continue
-               : command == listOf(Task::Complete) ? Task::Complete
-                                                   : Task::Ordinary;
+        for (const auto task : {Task::Continue, Task::Complete, Task::Queue})
+            if (command == listOf(task))
+                return task;
+        return Task::Ordinary;
     }
 };
 
@@ -68,13 +73,13 @@ struct Log {
     ~Log() { VxQrlLogging::close(); }
 };
 
-int runScript(const RunJournal& journal, const devhost::agent::AgentRun& run, Task task)
+int runScript(const RunJournal& journal, const devhost::agent::AgentRun& run, const CommandLine& commandLine)
 {
     const Log log;
     int code = noStore;
     try {
         vx::tarn::common::CommonFactory factory;
-        AgentRunner(factory).perform(run, task);
+        AgentRunner(factory, journal).perform(run, commandLine.task(), commandLine.severity);
         // Noted before the end, which a hang or a crash does not come back from.
         if (run.ending == devhost::agent::Ending::Exit)
             journal.appendEnd(run.exitCode);
@@ -89,19 +94,21 @@ int runScript(const RunJournal& journal, const devhost::agent::AgentRun& run, Ta
 
 int start(const CommandLine& commandLine, const std::vector<std::string>& arguments)
 {
-    const RunJournal journal(ownFolder() / "tarnag.runs.jsonl");
+    const RunJournal journal(devhost::journal::Journal(ownFolder() / devhost::journal::agentJournal));
     const auto task = commandLine.task();
     const auto number = journal.appendStart(arguments, listOf(task));
     std::printf("tarnag: start %u, command \"%s\", severity \"%s\"\n", static_cast<unsigned>(number + 1),
         commandLine.command.c_str(), commandLine.severity.c_str());
     std::optional<AgentScript> script;
     try {
+        if (task == Task::Queue && commandLine.severity.empty())
+            throw std::invalid_argument("queue takes a severity");
         script = findScript(commandLine.script);
     } catch (const std::exception& exception) {
         journal.appendEnd(badArgument);
         return failed(badArgument, exception);
     }
-    return runScript(journal, script->runOf(number, task), task);
+    return runScript(journal, script->runOf(number, task), commandLine);
 }
 
 } // namespace
@@ -113,13 +120,14 @@ int wmain(int count, wchar_t** texts)
     CommandLine commandLine;
     app.add_option("-c,--command", commandLine.command,
         "what to do, as the plug-in or a scheduled task asks:\n"
-        "continue finishes a deployment at the boot that it waited for, complete closes it after that");
+        "continue finishes a deployment at the boot that it waited for, complete closes it after that,\n"
+        "queue puts the severity into the deployment queue");
     // The scheduled task's command line may end in "--severity=".
     app.add_option("--severity", commandLine.severity, "lowest severity to install")->expected(0, 1);
     app.add_option("--script", commandLine.script, "script file; tarnag.script.json beside the program without it")
         ->envname("TARNHD_AGENT_SCRIPT");
     app.footer(
-        "Starts and ends are listed in tarnag.runs.jsonl beside the program.\n"
+        "Starts, steps with their results and ends are listed in tarnag.runs.jsonl beside the program.\n"
         "Exit codes: the script's; 2 bad command line or script, 21 the store, or what it holds, cannot be used.");
     try {
         app.parse(std::vector<std::string>(arguments.rbegin(), arguments.rend()));

@@ -1,28 +1,29 @@
 #pragma once
 
+#include "journal/journal.h"
+
 #include <cstddef>
-#include <filesystem>
 #include <string>
 #include <string_view>
 #include <vector>
 
 namespace devhost::agent {
 
-/// The list of all starts of the agent, one JSON line for each start and each end. Several processes
-/// append to one file at once: each append and count is done under a lock on the file. Operations throw
-/// std::runtime_error when the file cannot be used.
+/// The list of all starts of the agent, one JSON line for each start, step and end. Throws as Journal does.
 class RunJournal {
 public:
-    explicit RunJournal(std::filesystem::path file) : m_file(std::move(file)) {}
+    explicit RunJournal(journal::Journal journal) : m_journal(std::move(journal)) {}
 
-    /// Appends {"event": "start", "time", "pid", "list", "arguments"} and gives how many starts of the same list of
-    /// runs stood there before.
+    /// Appends {"event": "start", "list", "arguments"} and gives how many starts of the same list of runs stood there
+    /// before.
     std::size_t appendStart(const std::vector<std::string>& arguments, std::string_view list = "runs") const;
-    /// Appends {"event": "end", "time", "pid", "exit_code"}.
+    /// Appends {"event": "step", "step", "result"}.
+    void appendStep(const std::string& step, const nlohmann::json& result) const;
+    /// Appends {"event": "end", "exit_code"}.
     void appendEnd(int exitCode) const;
 
 private:
-    std::filesystem::path m_file;
+    journal::Journal m_journal;
 };
 
 } // namespace devhost::agent

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "vxtl/enumtext.h"
+
 #include <chrono>
 #include <functional>
 #include <nlohmann/json_fwd.hpp>
@@ -19,6 +21,15 @@ struct Member {
 bool readBool(const Member& member);
 std::string readText(const Member& member);
 std::chrono::milliseconds readDuration(const Member& member);
+/// One of the enumeration's texts; `kind` says what they are.
+template <typename Enumeration>
+Enumeration readWord(const Member& member, const char* kind)
+{
+    const auto value = vx::findText<Enumeration>(readText(member));
+    if (!value)
+        member.mustBe(kind);
+    return *value;
+}
 
 /// Passes the members of an object on by name, each with its own place: "runs[0]" has "runs[0].exitCode".
 void readMembers(const Member& member, const std::function<void(const std::string& name, const Member&)>& read);

@@ -3,12 +3,11 @@
 #include "common/utils/folders.h"
 #include "host/exitcode.h"
 #include "host/systemtext.h"
-#include "vxtl/parsejson.h"
+#include "journal/journal.h"
 #include "vxtl/registry.h"
 #include "vxtl/win32exception.h"
 
 #include <algorithm>
-#include <fstream>
 #include <nlohmann/json.hpp>
 
 namespace devhost::host {
@@ -23,13 +22,15 @@ std::string join(const nlohmann::json& arguments)
     return text;
 }
 
-void takeLine(std::vector<AgentStart>& starts, const nlohmann::json& entry)
+void takeEntry(std::vector<AgentStart>& starts, const nlohmann::json& entry)
 {
     const auto pid = entry.at("pid").get<unsigned long>();
     if (entry.at("event") == "start") {
         starts.push_back({entry.at("time"), pid, join(entry.at("arguments")), {}});
         return;
     }
+    if (entry.at("event") != "end")
+        return;
     // Process ids come back: the end belongs to the latest start with that id.
     const auto start = std::ranges::find(starts.rbegin(), starts.rend(), pid, &AgentStart::pid);
     if (start != starts.rend())
@@ -59,12 +60,11 @@ void writeAgentDirectory(const std::filesystem::path& folder)
 std::vector<AgentStart> readAgentStarts(const std::filesystem::path& folder)
 {
     std::vector<AgentStart> starts;
-    std::ifstream file(folder / L"tarnag.runs.jsonl");
-    for (std::string line; std::getline(file, line);) {
+    for (const auto& entry : journal::Journal(folder / journal::agentJournal).read()) {
         try {
-            takeLine(starts, vx::parseJson(line));
+            takeEntry(starts, entry);
         } catch (const nlohmann::json::exception&) {
-            // A line that is just being written, or that somebody edited.
+            // One that somebody edited.
         }
     }
     return starts;

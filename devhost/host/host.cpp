@@ -5,6 +5,7 @@
 #include "host/bootatom.h"
 #include "host/control.h"
 #include "host/printer.h"
+#include "host/recordmonitor.h"
 #include "host/stopsignal.h"
 #include "host/storemonitor.h"
 #include "host/systemtext.h"
@@ -52,6 +53,7 @@ ExitCode Host::run()
     }
     StoreMonitor monitor(m_context.instance, m_context.printer,
         m_options.provideProfile ? StoreMonitor::Profile::Provide : StoreMonitor::Profile::LeaveAlone);
+    const RecordMonitor records(m_context.instance, m_context.printer);
     m_rebootCatch.emplace([this](const RebootRequest& request) { return onRebootRequest(request); });
     startPlugin();
     auto control = serveControl(m_context.instance, [this](const json& request) { return handle(request); });

@@ -108,9 +108,13 @@ void machineCommands(Commands& commands)
         commands.add("policy-saves", "print what was committed to the group policy's stand-in", showPolicySaves);
     addTestMachine(policy, policyOptions);
 
-    const auto [fault, options] =
-        commands.add("system-fault", "let the next calls of the stand-ins for classes of Windows fail", planFailure);
-    fault->add_option("CALL", options.call, "INTERFACE::METHOD or CLASS::CreateInstance; clear forgets all plans")
+    const auto [fault, options] = commands.add(
+        "system-fault", "let the next calls of the stand-ins for libraries and classes of Windows fail", planFailure);
+    fault
+        ->add_option("CALL", options.call,
+            "INTERFACE::METHOD, CLASS::CreateInstance, or QRLIPC::Send, VxFlyer::ShowFlyer, VxAlertApi::SendAlert and "
+            "their "
+            "like; clear forgets all plans")
         ->required();
     fault->add_option("RESULT", options.result, "what the calls give instead of doing anything, like 0x80070005");
     fault->add_option("--count", options.count, "how many calls")->check(CLI::PositiveNumber)->capture_default_str();

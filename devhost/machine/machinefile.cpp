@@ -26,7 +26,7 @@ class MachineLock {
 public:
     MachineLock() : m_mutex(CreateMutexW(nullptr, FALSE, mutexName))
     {
-        if (WaitForSingleObject(m_mutex.get(), INFINITE) == WAIT_FAILED)
+        if (!m_mutex.isValid() || WaitForSingleObject(m_mutex.get(), INFINITE) == WAIT_FAILED)
             VX_THROW_WIN32(GetLastError(), L"the lock of the machine's file");
     }
     ~MachineLock() { ReleaseMutex(m_mutex.get()); }

@@ -24,6 +24,7 @@ struct ScheduledTask {
     nlohmann::json definition;
     std::string user;
     int logonType = 0;
+    int registrationFlags = 0; ///< the interface's own
     std::string securityDescriptor;
     TaskRun lastRun;
 
@@ -64,7 +65,7 @@ struct MachineState {
 
 NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE_WITH_DEFAULT(TaskRun, processId, started)
 NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE_WITH_DEFAULT(
-    ScheduledTask, path, definition, user, logonType, securityDescriptor, lastRun)
+    ScheduledTask, path, definition, user, logonType, registrationFlags, securityDescriptor, lastRun)
 NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE_WITH_DEFAULT(TaskFolder, path, securityDescriptor)
 NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE_WITH_DEFAULT(PolicySave, machine, add, extension, snapIn)
 NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE_WITH_DEFAULT(PlannedFailure, call, result, count)

@@ -6,12 +6,12 @@
 
 namespace devhost::machine {
 
-/// Uses up one failure that is planned for "INTERFACE::METHOD" and gives its result; nothing when none is. Throws as
-/// changeState does.
+/// Uses up one failure that is planned for "INTERFACE::METHOD" or "LIBRARY::FUNCTION" and gives its result; nothing
+/// when none is. Throws as changeState does.
 std::optional<std::int32_t> takePlannedFailure(std::string_view call);
 
-/// Whether something of that name can be planned for: an interface or class that the stand-ins have, two colons and a
-/// name.
+/// Whether something of that name can be planned for: an interface, class or library that the stand-ins have, two
+/// colons and a name.
 bool isCall(std::string_view call);
 
 } // namespace devhost::machine

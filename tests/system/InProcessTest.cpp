@@ -2,6 +2,7 @@
 
 #include "host/pluginsession.h"
 #include "support/footprint.h"
+#include "support/machine.h"
 
 #include <array>
 #include <cstring>
@@ -101,14 +102,21 @@ protected:
 TEST_F(InProcessTest, leavesNeitherHandlesNorThreadSlotsBehind)
 {
     constexpr int lives = 10;
+    std::size_t changes = 0;
+    const auto changeTask = [&] {
+        put(settings.installation.automatic.hour, ++changes);
+        waitForLog("The task has been created successfully.", 2 * changes);
+    };
+    put(settings.installation.automatic.mode, "install_all");
     for (int i = 0; i < 2; ++i)
-        run();
+        run(changeTask);
     const Footprint before = footprint();
     for (int i = 0; i < lives; ++i)
-        run();
+        run(changeTask);
     const Footprint left = footprint() - before;
     EXPECT_LT(left.handles, lives / 2);
     EXPECT_EQ(left.threadSlots, 0);
+    EXPECT_TRUE(Machine::isUnused());
 }
 
 TEST_F(InProcessTest, worksBehindTheEndOfATimeOf32Bits)

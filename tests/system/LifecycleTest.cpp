@@ -1,6 +1,5 @@
 #include "rig.h"
 
-#include "support/machine.h"
 #include "tarnhd/wusstopper/triggerkey.h"
 #include "vxtl/globalmutex.h"
 #include "vxtl/registry.h"
@@ -63,25 +62,6 @@ TEST_F(LifecycleTest, onlyTheFirstRunAfterABootScansOnStartUp)
         EXPECT_EQ(logCount("Start after reboot scan if expired"), boots);
         EXPECT_EQ(logCount("It's a first run after reboot."), boots);
     }
-}
-
-TEST_F(LifecycleTest, keepsTheScheduledTaskInStepWithTheSettings)
-{
-    const Machine machine;
-    startHost(Wait::ForProcessing);
-    const auto& automatic = settings.installation.automatic;
-    // One after the other: the handler of one change sees what a later one has brought.
-    put(automatic.mode, "install_critical_and_important");
-    waitForLog("The task has been created successfully.");
-    put(automatic.frequency, "every_sunday");
-    waitForLog("The task has been created successfully.", 2);
-    put(automatic.hour, 3);
-    waitForLog("The task has been created successfully.", 3);
-    const json task = machine.definition();
-    EXPECT_EQ(task.at("Actions").at(0).at("Arguments"), "--command=queue --severity=important");
-    EXPECT_EQ(task.at("Triggers").at(0).at("DaysOfWeek"), 1);
-    put(settings.enabled, false);
-    waitFor(machine.file.parent_path(), "the end of the task", [&] { return machine.state().tasks.empty(); });
 }
 
 TEST_F(LifecycleTest, rebootsWhenTheTimeSinceTheRequestIsOver)

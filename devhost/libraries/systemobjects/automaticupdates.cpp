@@ -15,11 +15,14 @@ DATE toDate(machine::Moment moment)
     return duration<DATE, days::period>(moment - epoch).count();
 }
 
+/// A text that is no moment gives a value that is none, which callers may meet as well.
 HRESULT putDate(const std::string& text, VARIANT* date)
 {
     const auto moment = machine::parseBoundary(text);
-    if (!moment)
-        return text.empty() ? S_OK : E_UNEXPECTED;
+    if (!moment) {
+        V_VT(date) = text.empty() ? VT_EMPTY : VT_NULL;
+        return S_OK;
+    }
     V_VT(date) = VT_DATE;
     V_DATE(date) = toDate(*moment);
     return S_OK;

@@ -7,13 +7,16 @@
 
 namespace devhost::systemobjects {
 
+/// Objects of all kinds that somebody in this process still has a reference to.
+inline std::atomic<long> livingObjects{0};
+
 /// An object of one interface, which also answers for the interfaces that this one extends. Made with one reference;
 /// the references and their end may be on any thread, the rest is for one thread at a time.
 template <typename Interface, typename... Bases>
 class ComObject : public Interface {
 public:
-    ComObject() = default;
-    virtual ~ComObject() = default;
+    ComObject() { ++livingObjects; }
+    virtual ~ComObject() { --livingObjects; }
     ComObject(const ComObject&) = delete;
     ComObject& operator=(const ComObject&) = delete;
 
@@ -22,6 +25,9 @@ public:
         if (!object)
             return E_POINTER;
         *object = nullptr;
+        // What OleRun asks for: servers like these have nothing to be set running.
+        if (iid == __uuidof(IRunnableObject))
+            return answer("IRunnableObject::QueryInterface", [] { return E_NOINTERFACE; });
         const bool isOwn = iid == __uuidof(Interface);
         if (!isOwn && iid != __uuidof(IUnknown) && !((iid == __uuidof(Bases)) || ...))
             return E_NOINTERFACE;

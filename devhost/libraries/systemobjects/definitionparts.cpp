@@ -85,13 +85,16 @@ DefinitionParts::DefinitionParts() : DefinitionParts(json{{"Settings", usualSett
 DefinitionParts::DefinitionParts(const json& definition)
     : registrationInfo(partOf(definition, "RegistrationInfo")), principal(partOf(definition, "Principal")),
       settings(partOf(definition, "Settings")), triggers(listOf(definition, "Triggers")),
-      actions(listOf(definition, "Actions")), data(std::make_shared<json>(json{{"Data", definition.value("Data", "")}}))
-{}
+      actions(listOf(definition, "Actions")), data(std::make_shared<json>(json::object()))
+{
+    if (definition.contains("Data"))
+        (*data)["Data"] = definition.at("Data");
+}
 
 json DefinitionParts::whole() const
 {
     return {{"RegistrationInfo", *registrationInfo}, {"Principal", *principal}, {"Settings", *settings},
-        {"Triggers", jsonOf(triggers)}, {"Actions", jsonOf(actions)}, {"Data", data->at("Data")}};
+        {"Triggers", jsonOf(triggers)}, {"Actions", jsonOf(actions)}, {"Data", data->value("Data", "")}};
 }
 
 HRESULT checkDefinition(const json& definition)

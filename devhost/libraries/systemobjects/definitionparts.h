@@ -18,7 +18,7 @@ struct DefinitionParts {
 
     Values registrationInfo, principal, settings;
     ValuesList triggers, actions;
-    Values data; ///< one text, "Data"
+    Values data; ///< at most one text, "Data"
 };
 
 /// What the scheduler says to a definition that is to be registered: S_OK, or which kind of fault it has.

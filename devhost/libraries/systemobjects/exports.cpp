@@ -1,6 +1,7 @@
 // The functions by which the system finds the library's classes, and regsvr32 makes it known.
 
 #include "libraries/systemobjects/classes.h"
+#include "libraries/systemobjects/comobject.h"
 #include "machine/system.h"
 
 #include <exception>
@@ -15,10 +16,11 @@ HRESULT __stdcall DllGetClassObject(REFCLSID id, REFIID iid, void** object)
     return systemobjects::getClassObject(id, iid, object);
 }
 
-/// Never: an unload leaves handles of the compiler's run-time behind.
+/// Whether every object was given back. The library stays all the same: an unload leaves handles of the compiler's
+/// run-time behind.
 HRESULT __stdcall DllCanUnloadNow()
 {
-    return S_FALSE;
+    return systemobjects::livingObjects == 0 ? S_OK : S_FALSE;
 }
 
 /// The classes take the place of the system's own, which a real Windows needs.

@@ -25,7 +25,7 @@ HRESULT GroupPolicyObject::OpenLocalMachineGPO(DWORD flags)
     return answer("IGroupPolicyObject::OpenLocalMachineGPO", [&] {
         if (flags & ~static_cast<DWORD>(GPO_OPEN_LOAD_REGISTRY | GPO_OPEN_READ_ONLY))
             return E_INVALIDARG;
-        m_opened = true;
+        m_openedWith = flags;
         return S_OK;
     });
 }
@@ -33,8 +33,11 @@ HRESULT GroupPolicyObject::OpenLocalMachineGPO(DWORD flags)
 HRESULT GroupPolicyObject::Save(WINBOOL machine, WINBOOL add, GUID* extension, GUID* snapIn)
 {
     return answer("IGroupPolicyObject::Save", [&] {
-        if (!m_opened || !extension || !snapIn)
+        if (!m_openedWith || !extension || !snapIn)
             return E_INVALIDARG;
+        // Windows calls the save of settings that were not loaded a success, and nobody would find out.
+        if (*m_openedWith != GPO_OPEN_LOAD_REGISTRY)
+            return E_ACCESSDENIED;
         const auto text = [](const GUID& guid) { return vx::str::toUtf8(guidText(guid)); };
         machine::changeState([&](machine::MachineState& state) {
             keep(state, {machine != FALSE, add != FALSE, text(*extension), text(*snapIn)});

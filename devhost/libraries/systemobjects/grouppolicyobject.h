@@ -2,6 +2,8 @@
 
 #include "libraries/systemobjects/comobject.h"
 
+#include <optional>
+
 namespace devhost::systemobjects {
 
 /// The local machine's group policy object: a save is kept, and has no other effect.
@@ -11,7 +13,8 @@ public:
     STDMETHODIMP OpenDSGPO(LPOLESTR, DWORD) override { return E_NOTIMPL; }
     STDMETHODIMP OpenLocalMachineGPO(DWORD flags) override;
     STDMETHODIMP OpenRemoteMachineGPO(LPOLESTR, DWORD) override { return E_NOTIMPL; }
-    /// E_INVALIDARG before it is opened.
+    /// E_INVALIDARG before it is opened; E_ACCESSDENIED when it was opened without the registry's settings, or to be
+    /// read only.
     STDMETHODIMP Save(WINBOOL machine, WINBOOL add, GUID* extension, GUID* snapIn) override;
     STDMETHODIMP Delete() override { return E_NOTIMPL; }
     STDMETHODIMP GetName(LPOLESTR, int) override { return E_NOTIMPL; }
@@ -28,7 +31,7 @@ public:
     STDMETHODIMP GetPropertySheetPages(HPROPSHEETPAGE**, UINT*) override { return E_NOTIMPL; }
 
 private:
-    bool m_opened = false;
+    std::optional<DWORD> m_openedWith; ///< flags
 };
 
 } // namespace devhost::systemobjects

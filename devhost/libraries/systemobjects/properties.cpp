@@ -5,7 +5,8 @@ namespace devhost::systemobjects {
 HRESULT Properties::getText(const char* name, BSTR* text) const
 {
     return answer(call("::get_", name), text, [&] {
-        *text = toBstr(m_values->value(name, ""));
+        if (m_values->contains(name))
+            *text = toBstr(m_values->at(name));
         return S_OK;
     });
 }

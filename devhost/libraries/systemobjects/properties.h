@@ -11,7 +11,7 @@ namespace devhost::systemobjects {
 using Values = std::shared_ptr<nlohmann::json>;
 
 /// What stands behind the functions get_NAME and put_NAME of an interface: members of the same name. A member that is
-/// missing is empty, 0 or false.
+/// missing is 0, false, or no text at all, which is a success too.
 class Properties {
 public:
     struct Range {

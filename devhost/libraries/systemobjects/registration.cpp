@@ -50,6 +50,9 @@ HRESULT checkAccount(const Registration& registration)
     return needsBoth && (user->empty() || password->empty()) ? E_INVALIDARG : S_OK;
 }
 
+constexpr LONG knownFlags = TASK_VALIDATE_ONLY | TASK_CREATE_OR_UPDATE | TASK_DISABLE | TASK_DONT_ADD_PRINCIPAL_ACE |
+                            TASK_IGNORE_REGISTRATION_TRIGGERS;
+
 HRESULT checkPlace(MachineState& state, const Registration& registration)
 {
     if (!isValidName(machine::nameOf(registration.path)))
@@ -67,6 +70,8 @@ HRESULT checkPlace(MachineState& state, const Registration& registration)
 
 HRESULT check(MachineState& state, const Registration& registration)
 {
+    if (registration.flags & ~knownFlags)
+        return E_INVALIDARG;
     if (const auto account = checkAccount(registration); FAILED(account))
         return account;
     const auto place = checkPlace(state, registration);
@@ -107,6 +112,7 @@ HRESULT registerTask(MachineState& state, const Registration& registration)
         task->definition["Settings"]["Enabled"] = false;
     task->user = *textOf(registration.user);
     task->logonType = registration.logonType;
+    task->registrationFlags = registration.flags;
     task->securityDescriptor = *textOf(registration.securityDescriptor);
     return S_OK;
 }

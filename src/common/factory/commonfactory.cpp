@@ -2,9 +2,18 @@
 
 #include "common/factory/createsettings.h"
 
+#include "alert-api/vxalertapi.h"
+#include "common/certificates/wincertstorage.h"
+#include "common/certificates/wincertstoragedriver.h"
 #include "common/deploymentqueue/deploymentqueue.h"
+#include "common/downloader/downloaddriver.h"
+#include "common/downloader/downloader.h"
 #include "common/event/event.h"
 #include "common/globalatom/globalatom.h"
+#include "common/internetproxy/autoproxydriver.h"
+#include "common/internetproxy/createproxy.h"
+#include "common/internetproxy/downloadurl.h"
+#include "common/internetproxy/sessiondriver.h"
 #include "common/patchstorage/patchregistrystorage.h"
 #include "common/process/process.h"
 #include "common/reboot/computerrebooter.h"
@@ -21,6 +30,12 @@
 #include "common/windowsupdates/grouppolicy.h"
 #include "common/windowsupdates/grouppolicydriver.h"
 #include "common/windowsupdates/windowsupdates.h"
+#include "common/winhttpproxy/winhttpdefaultproxychanger.h"
+#include "common/winhttpproxy/winhttpproxychangerimpl.h"
+#include "common/wininet/wininetdriver.h"
+#include "flyer-api/vxflyerapi.h"
+#include "ipc-api/ipcclient.h"
+#include "ipc-api/ipcserver.h"
 #include "meridia-settings/meridiasettingsapi.h"
 #include "settings-api/cachedsettings.h"
 #include "vxtl/globalmutex.h"
@@ -69,6 +84,29 @@ std::shared_ptr<settings::Settings> CommonFactory::createSettings(const RetryCal
     return common::createSettings(openStore, retry);
 }
 
+std::shared_ptr<InternetProxy> CommonFactory::createProxy()
+{
+    return common::createProxy(m_settings, std::make_shared<SessionDriver>(), std::make_shared<AutoProxyDriver>());
+}
+
+std::shared_ptr<WinHTTPDefaultProxyChanger> CommonFactory::createProxyChanger(
+    const std::wstring& proxy, const std::wstring& bypass)
+{
+    return std::make_shared<WinHTTPDefaultProxyChanger>(
+        ProxyConfiguration{proxy, bypass}, std::make_shared<WinHTTPProxyChangerImpl>());
+}
+
+std::shared_ptr<IWinInetDriver> CommonFactory::createWinInetDriver()
+{
+    return std::make_shared<WinInetDriver>();
+}
+
+std::shared_ptr<IDownloader> CommonFactory::createDownloader()
+{
+    return std::make_shared<Downloader>(
+        createProxy(), createWinInetDriver(), createRegistry(), std::make_shared<DownloadDriver>());
+}
+
 std::shared_ptr<ISyncFolders> CommonFactory::createSyncFolders()
 {
     return std::make_shared<SyncFolders>();
@@ -77,6 +115,16 @@ std::shared_ptr<ISyncFolders> CommonFactory::createSyncFolders()
 std::shared_ptr<ISystemRestorePoint> CommonFactory::createSystemRestorePoint()
 {
     return std::make_shared<SystemRestorePoint>(std::make_unique<SystemRestoreDriver>());
+}
+
+std::shared_ptr<flyers::FlyerApiImpl> CommonFactory::createFlyerApi()
+{
+    return std::make_shared<flyers::VxFlyerApi>();
+}
+
+std::shared_ptr<alerts::AlertApiImpl> CommonFactory::createAlertApi()
+{
+    return std::make_shared<alerts::VxAlertApi>();
 }
 
 std::shared_ptr<registry::Registry> CommonFactory::createRegistry()
@@ -136,14 +184,39 @@ std::shared_ptr<IProcess> CommonFactory::createProcess()
     return std::make_shared<Process>();
 }
 
+std::shared_ptr<IPCServer> CommonFactory::createIpcServer(const std::string& channelName, std::uint32_t access)
+{
+    return std::make_shared<IPCServer>(channelName, access);
+}
+
+std::shared_ptr<IPCClient> CommonFactory::createIpcClient(const std::string& channelName, std::uint32_t owner)
+{
+    return std::make_shared<IPCClient>(channelName, owner);
+}
+
 std::shared_ptr<ITimeout> CommonFactory::createTimeoutGenerator(std::uint64_t initialDelay)
 {
     return std::make_shared<ExpBackoffTimeout>(initialDelay);
 }
 
+CommonFactory::DownloadUrlBuilder CommonFactory::buildDownloadUrl()
+{
+    return common::buildDownloadUrl;
+}
+
 std::shared_ptr<IPatchStorage> CommonFactory::createPatchStorage()
 {
     return std::make_shared<PatchRegistryStorage>(L"finished", L"patches", L"statuses", createRegistry());
+}
+
+std::shared_ptr<WinCertStorage> CommonFactory::createWinCertStorage()
+{
+    return std::make_shared<WinCertStorage>(createWinCertStorageDriver(), createSettings());
+}
+
+std::shared_ptr<IWinCertStorageDriver> CommonFactory::createWinCertStorageDriver()
+{
+    return std::make_shared<WinCertStorageDriver>();
 }
 
 std::shared_ptr<IUserSessions> CommonFactory::createUserSessions()

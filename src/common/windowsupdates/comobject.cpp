@@ -25,8 +25,10 @@ HRESULT details::createComObject(REFCLSID classId, REFIID interfaceId, void** ob
     com::ComPtr<IUnknown> created;
     HRESULT result =
         CoCreateInstance(classId, nullptr, anyServer, __uuidof(IUnknown), reinterpret_cast<void**>(created.put()));
-    if (SUCCEEDED(result))
-        result = OleRun(created.get());
+    // Given no object, OleRun ends the process.
+    if (FAILED(result) || !created)
+        return result;
+    result = OleRun(created.get());
     if (SUCCEEDED(result))
         result = created->QueryInterface(interfaceId, object);
     if (FAILED(result))

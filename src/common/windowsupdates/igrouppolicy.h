@@ -18,7 +18,8 @@ inline constexpr utils::Guid registryExtension{
 /// The snap-in that changes are made as. Not the editor's own class, which headers of the system give the same name.
 inline constexpr utils::Guid policySnapIn{0x0F6B957E, 0x509E, 0x11D1, {0xA7, 0xCC, 0x00, 0x00, 0xF8, 0x75, 0x71, 0xE3}};
 
-/// The group policy of this computer. One thread at a time, which is in the multithreaded apartment.
+/// The group policy of this computer. One thread at a time, which is in a single-threaded apartment: Windows has its
+/// policy object there alone, and no way to it from the multithreaded one.
 class IGroupPolicy {
 public:
     virtual ~IGroupPolicy() = default;

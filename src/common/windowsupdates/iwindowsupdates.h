@@ -10,8 +10,8 @@ namespace vx::tarn::common {
 /// In place of a date where there has been no installation.
 inline constexpr Ticks neverInstalled = std::numeric_limits<Ticks>::min();
 
-/// The automatic updates of Windows. One thread at a time, which is in the multithreaded apartment. What fails in the
-/// first three is in the log alone; their result is success.
+/// The automatic updates of Windows. One thread at a time, which is in an apartment; for the first three that is to be
+/// a single-threaded one, see IGroupPolicy. What fails in these is in the log alone; their result is success.
 class IWindowsUpdates {
 public:
     virtual ~IWindowsUpdates() = default;

@@ -18,6 +18,7 @@
 
 #include <functional>
 #include <map>
+#include <mutex>
 #include <nlohmann/json.hpp>
 
 namespace vx::tarn {
@@ -81,6 +82,8 @@ void TarnHandler::setupActionScheduler()
 void TarnHandler::updateEnabledStatus()
 {
     VX_LOG_SCOPE();
+    // run at its start and a change that comes meanwhile: whoever has read first must not write last.
+    const std::lock_guard lock(m_switchMutex);
     const bool wasEnabled = m_tarnpatchStatus->enabled();
     const bool enable = m_tarnpatchSettings->enabled();
     LogStream(Level::Info) << "Tarnpatch enabled status: wasEnabled = " << wasEnabled << ", enable = " << enable;

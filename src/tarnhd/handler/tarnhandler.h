@@ -97,7 +97,8 @@ private:
     std::shared_ptr<common::Event> m_stopEvent;          ///< manual-reset; ends all waits
     std::shared_ptr<common::Event> m_statusChangedEvent; ///< manual-reset; wakes run to publish
     std::atomic<bool> m_initialized{false};
-    sync::Mutex m_stopMutex; ///< held by stop, and by run for the stop that came too early
+    sync::Mutex m_switchMutex; ///< held while the product is switched on or off
+    sync::Mutex m_stopMutex;   ///< held by stop, and by run for the stop that came too early
 };
 
 } // namespace vx::tarn

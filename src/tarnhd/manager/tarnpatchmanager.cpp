@@ -46,6 +46,8 @@ std::shared_ptr<common::Event> TarnpatchManager::createStopEvent() const
 bool TarnpatchManager::update()
 {
     VX_LOG_SCOPE();
+    // Without it one that has read "on" could start behind the stop of one that has read "off".
+    const std::lock_guard lock(m_updateMutex);
     if (m_status.enabled() && !m_settings.installation.completion.wait()) {
         LogStream(Level::Debug) << "Tarnpatch manager start requested";
         return start();

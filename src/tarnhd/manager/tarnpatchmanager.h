@@ -22,8 +22,9 @@ class AgentRunner;
 class PinnedThread;
 
 /// Owns the thread that starts the agent when the shared start event is set. That event exists from construction
-/// on, so the manager comes before all launchers. Any thread may call; start and stop exclude each other. After a
-/// stop that ran out of time the thread may outlive this object, see AgentRunner; the module stays loaded for it.
+/// on, so the manager comes before all launchers. Any thread may call; start and stop exclude each other, and so do
+/// updates, so the last one sees the last change. After a stop that ran out of time the thread may outlive this object,
+/// see AgentRunner; the module stays loaded for it.
 class TarnpatchManager {
 public:
     /// `retryPause` lies between two starts while another agent runs, `stopTimeout` is how long stop waits for the
@@ -65,6 +66,7 @@ private:
     std::shared_ptr<common::Event> m_stopEvent; ///< guarded by m_threadMutex
     const std::shared_ptr<AgentRunner> m_runner;
     std::atomic<bool> m_running = false;
+    sync::Mutex m_updateMutex; ///< held over update; before m_threadMutex
     sync::Mutex m_threadMutex;
     std::shared_ptr<PinnedThread> m_actionThread; ///< empty when there is none; guarded by m_threadMutex
     const std::chrono::milliseconds m_stopTimeout;

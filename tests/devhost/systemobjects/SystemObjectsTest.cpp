@@ -110,6 +110,7 @@ TEST_F(TaskSchedulerTest, refusesToRegisterInTheWrongWay)
     EXPECT_EQ(add(L"T?"), HRESULT_FROM_WIN32(ERROR_INVALID_NAME));
     EXPECT_EQ(add(L"T", TASK_UPDATE), HRESULT_FROM_WIN32(ERROR_FILE_NOT_FOUND));
     EXPECT_EQ(add(L"T", 0), E_INVALIDARG);
+    EXPECT_EQ(add(L"T", TASK_CREATE | 0x40), E_INVALIDARG);
     EXPECT_EQ(add(L"T", TASK_CREATE, TASK_LOGON_PASSWORD), E_INVALIDARG) << "no account";
     EXPECT_EQ(add(L"T", TASK_VALIDATE_ONLY), S_OK);
     EXPECT_TRUE(Machine::state().tasks.empty());
@@ -143,6 +144,10 @@ TEST_F(SystemObjectsTest, keepSavesOfThePolicy)
     GUID extension = automaticUpdates, snapIn = groupPolicyObject;
     EXPECT_EQ(policy->Save(TRUE, FALSE, &extension, &snapIn), E_INVALIDARG) << "not opened";
     EXPECT_EQ(policy->OpenLocalMachineGPO(8), E_INVALIDARG);
+    for (const DWORD flags : {0, GPO_OPEN_LOAD_REGISTRY | GPO_OPEN_READ_ONLY}) {
+        EXPECT_EQ(policy->OpenLocalMachineGPO(flags), S_OK);
+        EXPECT_EQ(policy->Save(TRUE, FALSE, &extension, &snapIn), E_ACCESSDENIED);
+    }
     EXPECT_EQ(policy->OpenLocalMachineGPO(GPO_OPEN_LOAD_REGISTRY), S_OK);
     EXPECT_EQ(policy->Save(TRUE, FALSE, &extension, &snapIn), S_OK);
     EXPECT_THAT(Machine::state().policySaves,

@@ -11,11 +11,17 @@ namespace vx::str {
 
 namespace {
 
-/// Paths are where the library converts strictly and whatever the locale.
+constexpr unsigned long noUnicodeTranslation = 1113;
+
+constexpr bool isNoCharacter(char32_t c)
+{
+    return c > 0x10FFFF || (c >= 0xD800 && c <= 0xDFFF);
+}
+
+/// Paths are where the library converts strictly, halves of pairs aside, and whatever the locale.
 template <typename Conversion>
 auto guarded(Conversion convert)
 {
-    constexpr unsigned long noUnicodeTranslation = 1113;
     try {
         return convert();
     } catch (const std::filesystem::filesystem_error&) {
@@ -27,6 +33,8 @@ auto guarded(Conversion convert)
 
 std::string toUtf8(std::wstring_view text)
 {
+    if (std::any_of(text.begin(), text.end(), isNoCharacter))
+        VX_THROW_WIN32(noUnicodeTranslation);
     return guarded([&] { return std::filesystem::path(std::u32string(text.begin(), text.end())).string(); });
 }
 
@@ -39,8 +47,7 @@ std::wstring fromUtf8(std::string_view text)
 std::string toUtf8Lossy(std::wstring_view text)
 {
     std::wstring valid(text);
-    std::replace_if(
-        valid.begin(), valid.end(), [](char32_t c) { return c > 0x10FFFF || (c >= 0xD800 && c <= 0xDFFF); }, L'\xFFFD');
+    std::replace_if(valid.begin(), valid.end(), isNoCharacter, L'\xFFFD');
     return toUtf8(valid);
 }
 

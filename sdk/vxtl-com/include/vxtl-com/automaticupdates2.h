@@ -6,6 +6,10 @@
 
 namespace vx::com {
 
+// A virtual destructor would take slots of an interface's table.
+#pragma GCC diagnostic push
+#pragma GCC diagnostic ignored "-Wnon-virtual-dtor"
+
 /// When updates were last looked for and installed with success: VT_DATE in UTC, VT_EMPTY for never.
 struct IAutomaticUpdatesResults : IDispatch {
     virtual HRESULT STDMETHODCALLTYPE get_LastSearchSuccessDate(VARIANT* date) = 0;
@@ -15,6 +19,8 @@ struct IAutomaticUpdatesResults : IDispatch {
 struct IAutomaticUpdates2 : IAutomaticUpdates {
     virtual HRESULT STDMETHODCALLTYPE get_Results(IAutomaticUpdatesResults** results) = 0;
 };
+
+#pragma GCC diagnostic pop
 
 } // namespace vx::com
 

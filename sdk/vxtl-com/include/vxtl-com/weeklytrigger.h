@@ -6,6 +6,10 @@
 
 namespace vx::com {
 
+// A virtual destructor would take slots of an interface's table.
+#pragma GCC diagnostic push
+#pragma GCC diagnostic ignored "-Wnon-virtual-dtor"
+
 /// A trigger of TASK_TRIGGER_WEEKLY. Bit 0 of the days of week is Sunday.
 struct IWeeklyTrigger : ITrigger {
     virtual HRESULT STDMETHODCALLTYPE get_DaysOfWeek(short* days) = 0;
@@ -15,6 +19,8 @@ struct IWeeklyTrigger : ITrigger {
     virtual HRESULT STDMETHODCALLTYPE get_RandomDelay(BSTR* randomDelay) = 0;
     virtual HRESULT STDMETHODCALLTYPE put_RandomDelay(BSTR randomDelay) = 0;
 };
+
+#pragma GCC diagnostic pop
 
 } // namespace vx::com
 

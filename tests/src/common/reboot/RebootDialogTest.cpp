@@ -1,4 +1,5 @@
 #include "common/process/process.h"
+#include "common/reboot/flyeraudience.h"
 #include "common/reboot/vxrestart.h"
 #include "common/usersessions/usersessions.h"
 #include "support/fakeclock.h"
@@ -36,13 +37,10 @@ struct FakeSessions : UserSessions, users::AccountDriver {
     const std::map<unsigned long, std::wstring> names{
         {3, L"admin"}, {4, L"user"}, {5, L"CORP\\admin"}, {6, L"CORP\\user"}, {7, L"unknown"}};
     std::map<void*, unsigned long> sessions; ///< by token
-    std::vector<unsigned long> list{1, 2, 3, 4, 5, 6, 7};
+    std::optional<std::vector<unsigned long>> list{{1, 2, 3, 4, 5, 6, 7}};
     int accountsAsked = 0;
 
-    std::vector<unsigned long> getUserSessions() override
-    {
-        return list.empty() ? throw std::runtime_error("no list") : list;
-    }
+    std::vector<unsigned long> getUserSessions() override { return list ? *list : throw std::runtime_error("no list"); }
     SharedHandle getToken(unsigned long session) override
     {
         if (session == 1)
@@ -131,6 +129,7 @@ TEST_F(RebootDialogTest, tellsEachSessionThatThePolicyMeans)
         EXPECT_EQ(told, row.told);
         EXPECT_EQ(sessions->accountsAsked, row.accountsAsked);
     }
+    EXPECT_TRUE(isSessionTold(static_cast<ShowFlyerPolicyItem>(3), {})) << "a number of no policy";
     const std::string noToken = "Failed to get token for the session ";
     EXPECT_TRUE(log.has(3, noToken + "1. Token is null. GetLastError() = 1008")) << log.text();
     EXPECT_TRUE(log.has(3, noToken + "2. Token is null. GetLastError() = 5"));
@@ -143,11 +142,13 @@ TEST_F(RebootDialogTest, tellsEachSessionThatThePolicyMeans)
 TEST_F(RebootDialogTest, goesOnBehindASessionThatCannotBeToldAndFailsWithoutAList)
 {
     starts = false;
-    sessions->list = {3, 4};
+    sessions->list = {{3, 4}};
     EXPECT_TRUE(restart.RebootDialog::showRebootDialog());
     EXPECT_EQ(told, sessions->list);
     EXPECT_TRUE(log.has(3, "Failed to perform reboot for session: 3")) << log.text();
-    sessions->list.clear();
+    sessions->list->clear();
+    EXPECT_TRUE(restart.RebootDialog::showRebootDialog()) << "nobody is logged on";
+    sessions->list.reset();
     EXPECT_FALSE(restart.RebootDialog::showRebootDialog());
     EXPECT_TRUE(log.has(2, "Failed to trigger reboot through LUMO: no list")) << log.text();
 }

@@ -16,6 +16,8 @@ TEST(GroupPolicy, savesWhatItIsToldOrSaysWhichCallFailed)
         const char* error;
     } rows[] = {
         {"GroupPolicyObject::CreateInstance", -5, E_FAIL, "Can't create group policy updates instance. HRESULT = -5"},
+        {"GroupPolicyObject::CreateInstance", S_OK, E_FAIL,
+            "Can't create group policy updates instance. HRESULT = -2147467262"},
         {"IGroupPolicyObject::QueryInterface", S_OK, E_FAIL,
             "Can't create group policy updates instance. HRESULT = -2147467262"},
         {"IGroupPolicyObject::OpenLocalMachineGPO", -6, E_FAIL, "Can't open local machine GPO. HRESULT = -6"},

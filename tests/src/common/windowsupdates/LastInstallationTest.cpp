@@ -1,6 +1,8 @@
 #include "common/windowsupdates/lastinstallation.h"
 #include "common/windowsupdates/automaticupdatesdriver.h"
 #include "common/windowsupdates/comobject.h"
+#include "common/windowsupdates/grouppolicy.h"
+#include "common/windowsupdates/grouppolicydriver.h"
 #include "support/logcapture.h"
 #include "support/machine.h"
 #include "support/thrown.h"
@@ -69,10 +71,13 @@ TEST_F(LastInstallationTest, isNoneAfterAnyFailureAndSaysWhich)
     } rows[] = {
         {"AutomaticUpdates::CreateInstance", -5, "", 2,
             "Can't create windows automatic updates instance. HRESULT = -5"},
+        {"AutomaticUpdates::CreateInstance", S_OK, "", 2,
+            "Could't assign IAutomaticUpdatesPtr to IAutomaticUpdates2Ptr"},
         {"IAutomaticUpdates2::QueryInterface", S_OK, "", 2,
             "Could't assign IAutomaticUpdatesPtr to IAutomaticUpdates2Ptr"},
         {"IAutomaticUpdates2::get_Results", S_OK, "", 2, "Could't get the automatic update results"},
         {"", S_OK, "", 4, "Windows updates has never been installed on this computer"},
+        {"", S_OK, "no date", 2, "Failed to convert last successfull windows update installation to system time."},
         {"", S_OK, "0099-12-31T00:00:00", 2,
             "Failed to convert last successfull windows update installation to system time."},
         {"", S_OK, "1600-12-31T00:00:00", 2, "Failed to convert SYSTEMTIME to FILETIME. Last error code: 87"},
@@ -89,14 +94,27 @@ TEST_F(LastInstallationTest, isNoneAfterAnyFailureAndSaysWhich)
 
 TEST_F(LastInstallationTest, countsWholeMillisecondsFromTheUnixEpoch)
 {
+    machine.plan("IRunnableObject::QueryInterface", {E_NOINTERFACE});
     installed("2024-02-09T01:02:03");
     EXPECT_EQ(lastInstallationDate(driver), 1'707'440'523 * ticksPerSecond);
     EXPECT_TRUE(log.has(4, "Last successfull windows update was: 2024-02-09 01:02:03")) << log.text();
+    EXPECT_TRUE(machine.state().plannedFailures.empty()) << "the server was told to run";
     const std::pair<std::int64_t, Ticks> rows[] = {{12'345'678, 12'340'000}, {-1, -10'000}};
     for (const auto& [sinceEpoch, date] : rows) {
         driver.fileTime = unixEpochAsFileTime + sinceEpoch;
         EXPECT_EQ(lastInstallationDate(driver), date);
     }
+}
+
+TEST(WithoutAnApartment, theClassesOfWindowsCannotBeMade)
+{
+    const support::LogCapture log;
+    AutomaticUpdatesDriver updates;
+    EXPECT_EQ(lastInstallationDate(updates), neverInstalled);
+    EXPECT_TRUE(log.has(2, "Can't create windows automatic updates instance. HRESULT = -2147221008")) << log.text();
+    GroupPolicy policy(std::make_shared<GroupPolicyDriver>());
+    EXPECT_EQ(policy.save(PolicySection::Machine, PolicyChange::Add, registryExtension, policySnapIn), E_FAIL);
+    EXPECT_TRUE(log.has(2, "Can't create group policy updates instance. HRESULT = -2147221008")) << log.text();
 }
 
 TEST_F(LastInstallationTest, throwsWithTheErrorObjectOfTheCallAndNoneOfAnEarlierOne)

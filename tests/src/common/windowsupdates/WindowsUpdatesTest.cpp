@@ -1,27 +1,14 @@
 #include "common/windowsupdates/windowsupdates.h"
 #include "common/windowsupdates/igrouppolicy.h"
 #include "support/logcapture.h"
-#include "vxtl/registry.h"
+#include "support/updatepolicy.h"
 #include "win32registry.h"
-
-#include <array>
 
 using namespace vx;
 using namespace vx::tarn::common;
+using namespace support;
 
 namespace {
-
-/// The first values of a key, in the order of their reading; none: there is no key.
-using Numbers = std::optional<std::vector<std::int32_t>>;
-
-struct Place {
-    const wchar_t* key;
-    std::array<const wchar_t*, 4> names;
-};
-constexpr Place policyPlace = {L"HKEY_LOCAL_MACHINE\\Software\\Policies\\Microsoft\\Windows\\WindowsUpdate\\AU",
-    {L"NoAutoUpdate", L"AUOptions", L"ScheduledInstallDay", L"ScheduledInstallTime"}};
-constexpr Place savedPlace = {L"HKEY_LOCAL_MACHINE\\SOFTWARE\\Vantorix\\tarn",
-    {L"WUState", L"WUOptions", L"WUScheduledInstallDay", L"WUScheduledInstallTime"}};
 
 /// The system's, which keeps a key from being opened a second time, as to write.
 struct GuardedRegistry : registry::details::Win32Registry {
@@ -39,41 +26,20 @@ struct GuardedRegistry : registry::details::Win32Registry {
 struct Computer : IGroupPolicy {
     Computer(const Numbers& policy, const Numbers& saved)
     {
-        put(policyPlace, policy);
-        put(savedPlace, saved);
+        putNumbers(policyPlace, policy);
+        putNumbers(savedPlace, saved);
     }
     ~Computer() override
     {
-        put(policyPlace, {});
-        put(savedPlace, {});
-    }
-    void put(const Place& place, const Numbers& numbers)
-    {
-        if (registry->doesKeyExist(place.key, {}))
-            registry->deleteTree(place.key);
-        if (!numbers)
-            return;
-        const auto key = registry->createKey(place.key, registry::allAccess, 0, {});
-        for (std::size_t i = 0; i < numbers->size(); ++i)
-            key->setInt32Value(place.names[i], (*numbers)[i]);
-    }
-    Numbers numbers(const Place& place) const
-    {
-        if (!registry->doesKeyExist(place.key, {}))
-            return {};
-        const auto key = registry::createWin32Registry()->openKey(place.key);
-        std::vector<std::int32_t> result;
-        for (const wchar_t* name : place.names)
-            if (key->doesValueExist(name))
-                result.push_back(key->getInt32Value(name));
-        return result;
+        putNumbers(policyPlace, {});
+        putNumbers(savedPlace, {});
     }
     std::int32_t save(
         PolicySection section, PolicyChange change, const utils::Guid& extension, const utils::Guid& snapIn) override
     {
         EXPECT_TRUE(section == PolicySection::Machine && change == PolicyChange::Add);
         EXPECT_TRUE(extension == registryExtension && snapIn == policySnapIn);
-        policySaves.push_back(numbers(policyPlace));
+        policySaves.push_back(numbersOf(policyPlace));
         return -1;
     }
     void run(const std::string& operations)
@@ -106,6 +72,7 @@ TEST(WindowsUpdates, goBackToWhatTheAdministratorHadSet)
     } rows[] = {
         {"pause twice", set, none, "pp", off, set, 1},
         {"pause of what is off", {{1, 4, 3, 12}}, none, "p", {{1, 4, 3, 12}}, {{1, 4, 3, 12}}, 0},
+        {"pause over an incomplete state", set, {{9, 9, 9}}, "p", off, set, 1},
         {"pause and resume", set, none, "pr", set, zeros, 2},
         {"pause after a crashed one, and resume", off, set, "pr", set, zeros, 1},
         {"second round goes back to zeros", set, none, "prpr", zeros, zeros, 4},
@@ -123,8 +90,8 @@ TEST(WindowsUpdates, goBackToWhatTheAdministratorHadSet)
         Computer computer(row.policy, row.saved);
         computer.registry->denied = row.denied;
         computer.run(row.operations);
-        EXPECT_EQ(computer.numbers(policyPlace), row.policyAfter);
-        EXPECT_EQ(computer.numbers(savedPlace), row.savedAfter);
+        EXPECT_EQ(numbersOf(policyPlace), row.policyAfter);
+        EXPECT_EQ(numbersOf(savedPlace), row.savedAfter);
         EXPECT_EQ(computer.policySaves.size(), row.saves);
         EXPECT_TRUE(computer.policySaves.empty() || computer.policySaves.back() == row.policyAfter)
             << "saved after the values were written";
@@ -138,8 +105,8 @@ TEST(WindowsUpdates, sayEachStepAndFailure)
     computer.run("p");
     const std::string found = "noAU: 0, auOptions: 4, scheduledInstallDay: 3, scheduledInstallTime: 12";
     const std::string paused = "noAU: 1, auOptions: -1, scheduledInstallDay: -1, scheduledInstallTime: -1";
-    computer.put(savedPlace, {{1, 4, 3, 12}});
-    computer.put(policyPlace, {});
+    putNumbers(savedPlace, {{1, 4, 3, 12}});
+    putNumbers(policyPlace, {});
     computer.run("s");
     const std::pair<int, std::string> said[] = {{4, "Pause windows updates."},
         {2, "Failed to retrieve saved windows updates state. Reason: "},

@@ -11,6 +11,9 @@
 #include "vxtl/registry.h"
 
 #include <future>
+#include <windows.h>
+
+#include <objbase.h>
 
 namespace vx::tarn {
 namespace {
@@ -72,7 +75,10 @@ TEST_F(AutoInstallationTest, makesTheTaskAndOverwritesItInPlace)
     EXPECT_EQ(Machine::definition()["Actions"], json::array({action}));
     EXPECT_TRUE(log.has(4, "Scheduler task \"task\" already exists.")) << log.text();
     EXPECT_EQ(log.count("Scheduler task \"task\" has been obtained."), 2u) << log.text();
-    EXPECT_EQ(log.count("The task has been created successfully."), 2u) << log.text();
+    Machine::plan("ITaskFolder::GetTask", {E_ACCESSDENIED});
+    EXPECT_TRUE(installation.update()) << "one that can't be looked at";
+    EXPECT_EQ(tasks(), 1u);
+    EXPECT_EQ(log.count("The task has been created successfully."), 3u) << log.text();
 }
 
 TEST_F(AutoInstallationTest, triggersAtTheHourWithoutAnEnd)
@@ -148,6 +154,15 @@ TEST_F(AutoInstallationTest, saysWhatFailedAndBeginsAnewAtTheNextUpdate)
     }
     EXPECT_EQ(log.count("Scheduler not initialized."), 2u) << log.text();
     EXPECT_EQ(log.count("Failed to set triggers."), 1u) << log.text();
+}
+
+TEST_F(AutoInstallationTest, saysThatTheThreadIsInNoApartment)
+{
+    CoUninitialize();
+    EXPECT_FALSE(installation.update());
+    EXPECT_EQ(CoInitializeEx(nullptr, COINIT_MULTITHREADED), S_OK);
+    EXPECT_TRUE(log.has(2, "Failed to find the Task Scheduler. HRESULT = -2147221008")) << log.text();
+    EXPECT_TRUE(installation.update());
 }
 
 TEST_F(AutoInstallationTest, leavesWhatTheLastChangeSaysWhenUpdatesMeet)

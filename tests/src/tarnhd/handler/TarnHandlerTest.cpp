@@ -271,6 +271,20 @@ TEST_F(TarnHandlerTest, stopsWhatAStopDuringTheStartCouldNotSee)
     EXPECT_TRUE(log.has(4, "Processing stopped")) << log.text();
 }
 
+TEST_F(TarnHandlerTest, endsSwitchedOffByAChangeDuringTheStart)
+{
+    std::atomic<bool> isChanged = false;
+    std::future<void> change;
+    store.subscribeForChanges(statusKeys.enabled.key(), [&](const std::wstring&) {
+        if (isChanged.exchange(true))
+            return;
+        change = std::async(std::launch::async, [this] { store.set(keys.enabled, false); });
+        EXPECT_EQ(change.wait_for(support::moment), std::future_status::timeout);
+    });
+    begin();
+    EXPECT_EQ(common->taskUpdates.waitFor(2), (Entries{"on", "off"}));
+}
+
 TEST_F(TarnHandlerTest, isOutOfReachAfterAStopDuringAnOutage)
 {
     beginAndWait();

@@ -68,6 +68,18 @@ struct FakeAgentFactory : common::CommonFactory {
     };
 };
 
+/// Does something once, between the two reads of an update.
+struct InterruptedSettings : support::FakeSettings {
+    bool getBoolValue(Name name) override
+    {
+        const bool value = FakeSettings::getBoolValue(name);
+        if (name == statusKeys.enabled.key() && interruption)
+            std::exchange(interruption, {})();
+        return value;
+    }
+    std::function<void()> interruption;
+};
+
 class TarnpatchManagerTest : public testing::Test {
 protected:
     TarnpatchManagerTest() { key->setStringValue(L"InstallationDirectory", L"C:\\Tarn"); }
@@ -192,6 +204,22 @@ TEST_F(TarnpatchManagerTest, stopsDuringARetryPause)
     EXPECT_TRUE(manager->stop());
     EXPECT_TRUE(store->get(timestamp).is_null());
     EXPECT_EQ(factory.starts.size(), 1u);
+}
+
+TEST_F(TarnpatchManagerTest, endsAsTheLastChangeSaysWhenUpdatesOverlap)
+{
+    const auto interrupted = std::make_shared<InterruptedSettings>();
+    std::future<bool> other;
+    interrupted->interruption = [&] {
+        store->set(statusKeys.enabled, false);
+        other = std::async(std::launch::async, [&] { return manager->update(); });
+        EXPECT_EQ(other.wait_for(support::moment), std::future_status::timeout);
+    };
+    store = interrupted;
+    store->set(statusKeys.enabled, true);
+    EXPECT_TRUE(start());
+    EXPECT_TRUE(other.get());
+    EXPECT_FALSE(manager->isRunning());
 }
 
 TEST_F(TarnpatchManagerTest, survivesARoundThatThrows)

@@ -75,6 +75,7 @@ TEST_F(TaskTest, registersWhatItWasGiven)
     EXPECT_EQ(registered.path, "\\Vantorix\\Tarnpatch\\task");
     EXPECT_EQ(registered.user, "");
     EXPECT_EQ(registered.logonType, 5);
+    EXPECT_EQ(registered.registrationFlags, 0x26);
     EXPECT_EQ(registered.securityDescriptor, "D:(A;;FA;;;BA)(A;;FA;;;SY)");
     auto definition = registered.definition;
     auto& settings = definition["Settings"];

@@ -134,7 +134,7 @@ TEST_F(WUSStopperTest, stopsTheServiceThenWaitsThenRebootsUntilTheSystemObeys)
                           "force reboot ask: 0 in 86400 hours\nreboot initiated " +
                               text(created) + "\nreboot dealine " + times + " is time to reboot 0\n");
     clock.now += 1;
-    system.state = ServiceState::Stopped;
+    system.state = ServiceState::StopPending;
     EXPECT_TRUE(round());
     system.reboots = true;
     EXPECT_FALSE(round());
@@ -193,6 +193,7 @@ TEST_F(WUSStopperTest, rebootsAlthoughTheServiceDoesNotStop)
         {"Error: failed to stop WUS service in 10 seconds",
             [] { return ServiceOperation([](auto) { return false; }); }},
         {"refused", []() -> ServiceOperation { throw std::runtime_error("refused"); }},
+        {"Subsequent call to wait", [] { return ServiceOperation(); }},
     };
     makeKey();
     clock.now += ticksPerSecond;

@@ -8,8 +8,8 @@
 
 namespace support {
 
-/// A machine of a test's own for the stand-ins of Windows' classes, in an apartment where they can be called. One at a
-/// time.
+/// A machine of a test's own for the stand-ins of Windows' classes, in an apartment where they can be called. Whoever
+/// has used them must have let go of all their objects by its end. One at a time.
 class Machine {
 public:
     Machine()
@@ -19,6 +19,7 @@ public:
     }
     ~Machine()
     {
+        EXPECT_TRUE(isUnused()) << "an object of the stand-ins was not given back";
         SetEnvironmentVariableW(L"TARNHD_MACHINE", nullptr);
         std::error_code ignored;
         std::filesystem::remove(file, ignored);
@@ -41,6 +42,16 @@ public:
     }
     /// The definition of the one task that there is.
     static nlohmann::json definition() { return state().tasks.at(0).definition; }
+
+    /// Whether this process has given back all objects of the stand-ins.
+    static bool isUnused()
+    {
+        const HMODULE library = GetModuleHandleW(L"systemobjects.dll");
+        if (!library)
+            return true;
+        const auto canUnload = reinterpret_cast<void*>(GetProcAddress(library, "DllCanUnloadNow"));
+        return reinterpret_cast<HRESULT(WINAPI*)()>(canUnload)() == S_OK;
+    }
 
     const std::filesystem::path file =
         std::filesystem::temp_directory_path() / (uniqueName(L"tarnhd-machine") + L".json");

@@ -1,12 +1,14 @@
-#include "sandbox.h"
+#include "bench/sandbox.h"
 
 #include "host/agentdirectory.h"
 
 #include <windows.h>
 
+namespace bench {
+
 Sandbox::Sandbox() : m_agentDirectory(devhost::host::readAgentDirectory())
 {
-    bench::LogSandbox::configure(bench::neverFull, 2);
+    LogSandbox::configure(neverFull, 2);
     std::filesystem::create_directories(root() / "agent");
     devhost::host::writeAgentDirectory(root() / "agent");
 }
@@ -18,3 +20,5 @@ Sandbox::~Sandbox()
     else
         RegDeleteKeyValueW(HKEY_LOCAL_MACHINE, L"Software\\Vantorix\\tarn", L"InstallationDirectory");
 }
+
+} // namespace bench

@@ -4,6 +4,8 @@
 
 #include <optional>
 
+namespace bench {
+
 /// A folder of its own for log, store and agent, which the registry names as the agent's. There is no agent in
 /// it, and the log does not rotate. At the end folder and registry are as before.
 class Sandbox {
@@ -16,6 +18,8 @@ public:
     const std::filesystem::path& root() const { return m_folder.root(); }
 
 private:
-    bench::LogSandbox m_folder;
+    LogSandbox m_folder;
     std::optional<std::filesystem::path> m_agentDirectory; ///< what the registry named before
 };
+
+} // namespace bench

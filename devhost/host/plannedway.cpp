@@ -1,0 +1,56 @@
+#include "host/plannedway.h"
+
+#include "common/internetproxy/autoproxydriver.h"
+#include "common/internetproxy/createproxy.h"
+#include "common/internetproxy/downloadurl.h"
+#include "common/internetproxy/internetproxy.h"
+#include "common/internetproxy/proxyinfo.h"
+#include "common/internetproxy/sessiondriver.h"
+#include "common/settings/tarnpatchsettings.h"
+#include "common/utils/credentials.h"
+
+namespace devhost::host {
+
+namespace {
+
+using namespace vx::tarn::common;
+
+/// Takes down what the product would have of the system, and gives it none.
+class Recorder : public ISessionDriver {
+public:
+    explicit Recorder(PlannedWay& way) : m_way(way) {}
+
+    void* open(const std::wstring&, const std::optional<std::wstring>& proxyAddress) override
+    {
+        if (proxyAddress) {
+            auto proxy = ProxyInfo::parse(*proxyAddress);
+            proxy.user.clear();
+            m_way.proxy = proxy.toString(ProxyInfo::Passwords::Hidden);
+        }
+        return this;
+    }
+    bool setProxyUser(void*, const std::wstring&) override { return m_way.hasUser = true; }
+    bool setProxyPassword(void*, const std::wstring&) override { return m_way.hasPassword = true; }
+    std::optional<unsigned long> securityFlags(void*) override { return 0; }
+    bool setSecurityFlags(void*, unsigned long) override { return m_way.ignoresCertificateErrors = true; }
+    unsigned long lastError() override { return 0; }
+
+private:
+    PlannedWay& m_way;
+};
+
+} // namespace
+
+PlannedWay planWay(const std::shared_ptr<vx::settings::Settings>& settings, const std::wstring& url)
+{
+    const vx::tarn::CommunicationSettings communication(settings);
+    const auto downloadUrl = buildDownloadUrl(url, communication.hqProxyUrl());
+    PlannedWay way;
+    way.url = utils::withoutPasswords(downloadUrl);
+    way.strategy = vx::toText(communication.useHttpProxy());
+    createProxy(settings, std::make_shared<Recorder>(way), std::make_shared<AutoProxyDriver>())
+        ->openInternetConnection(L"tarnhost", downloadUrl);
+    return way;
+}
+
+} // namespace devhost::host
