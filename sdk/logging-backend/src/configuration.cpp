@@ -1,4 +1,4 @@
-#include "configuration.h"
+#include "logging-backend/configuration.h"
 
 #include <windows.h>
 

@@ -1,7 +1,7 @@
 #include "filecontext.h"
 
 #include "account.h"
-#include "configuration.h"
+#include "logging-backend/configuration.h"
 #include "logging-backend/location.h"
 #include "logging-backend/logger.h"
 #include "securityattributes.h"

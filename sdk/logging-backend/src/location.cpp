@@ -1,6 +1,6 @@
 #include "logging-backend/location.h"
 
-#include "configuration.h"
+#include "logging-backend/configuration.h"
 
 #include <windows.h>
 

@@ -15,6 +15,7 @@
 #include "common/internetproxy/downloadurl.h"
 #include "common/internetproxy/sessiondriver.h"
 #include "common/patchstorage/patchregistrystorage.h"
+#include "common/patchstorage/patchstorageplace.h"
 #include "common/process/process.h"
 #include "common/reboot/computerrebooter.h"
 #include "common/reboot/vxrestart.h"
@@ -206,7 +207,7 @@ CommonFactory::DownloadUrlBuilder CommonFactory::buildDownloadUrl()
 
 std::shared_ptr<IPatchStorage> CommonFactory::createPatchStorage()
 {
-    return std::make_shared<PatchRegistryStorage>(L"finished", L"patches", L"statuses", createRegistry());
+    return std::make_shared<PatchRegistryStorage>(storedFinished, storedPatches, storedStatuses, createRegistry());
 }
 
 std::shared_ptr<WinCertStorage> CommonFactory::createWinCertStorage()

@@ -1,5 +1,6 @@
 #include "common/patchstorage/patchregistrystorage.h"
 
+#include "common/patchstorage/patchstorageplace.h"
 #include "common/utils/jsonvalue.h"
 #include "common/utils/number.h"
 #include "logging/logstream.h"
@@ -19,7 +20,6 @@ using logging::Level;
 using logging::LogStream;
 using nlohmann::json;
 
-constexpr const wchar_t* keyName = L"HKEY_LOCAL_MACHINE\\Software\\Vantorix\\tarn\\PatchStorage";
 constexpr unsigned long allAccess = 0xf003f;
 
 json readJson(registry::RegistryKey& key, const std::wstring& name)
@@ -59,8 +59,8 @@ PatchRegistryStorage::PatchRegistryStorage(std::wstring finishedValueName, std::
 registry::RegistryKey& PatchRegistryStorage::key()
 {
     if (!m_key)
-        m_key = m_registry->doesKeyExist(keyName) ? m_registry->openKey(keyName, allAccess)
-                                                  : m_registry->createKey(keyName, allAccess);
+        m_key = m_registry->doesKeyExist(patchStorageKey) ? m_registry->openKey(patchStorageKey, allAccess)
+                                                          : m_registry->createKey(patchStorageKey, allAccess);
     return *m_key;
 }
 

@@ -2,6 +2,7 @@
 
 #include "common/windowsupdates/igrouppolicy.h"
 #include "common/windowsupdates/lastinstallation.h"
+#include "common/windowsupdates/windowsupdatesplaces.h"
 #include "vxtl/guarded.h"
 #include "vxtl/registry.h"
 
@@ -15,23 +16,15 @@ using State = WindowsUpdatesState;
 
 namespace {
 
-// Where a state stands; the names are in the order of `fields`.
-struct Place {
-    const wchar_t* key;
+struct Place : WindowsUpdatesPlace {
     unsigned long readAccess, writeAccess;
-    std::array<const wchar_t*, 4> names;
 };
 
 constexpr std::array fields = {
     &State::noAutoUpdate, &State::auOptions, &State::scheduledInstallDay, &State::scheduledInstallTime};
 
-constexpr Place policy = {L"HKEY_LOCAL_MACHINE\\Software\\Policies\\Microsoft\\Windows\\WindowsUpdate\\AU",
-    registry::allAccess, registry::allAccess,
-    {L"NoAutoUpdate", L"AUOptions", L"ScheduledInstallDay", L"ScheduledInstallTime"}};
-
-constexpr Place saved = {L"HKEY_LOCAL_MACHINE\\SOFTWARE\\Vantorix\\tarn", registry::readAccess,
-    registry::readAccess | registry::writeAccess,
-    {L"WUState", L"WUOptions", L"WUScheduledInstallDay", L"WUScheduledInstallTime"}};
+constexpr Place policy = {windowsUpdatesPolicy, registry::allAccess, registry::allAccess};
+constexpr Place saved = {savedWindowsUpdates, registry::readAccess, registry::readAccess | registry::writeAccess};
 
 void read(const registry::Registry& registry, const Place& place, State& state)
 {

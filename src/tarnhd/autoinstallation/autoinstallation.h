@@ -20,6 +20,9 @@ class Trigger;
 
 namespace vx::tarn {
 
+/// The name of the task.
+inline constexpr wchar_t automaticInstallationTask[] = L"Vantorix Tarnpatch Automatic Installation";
+
 /// Keeps one task of the Task Scheduler in step with the settings: while the product and its automatic installation are
 /// on, the agent is started at the chosen hour. The Task Scheduler is the only state. Any thread of a process that has
 /// the multithreaded apartment; concurrent updates take turns, so the last one sees the last change.

@@ -25,7 +25,7 @@ std::shared_ptr<AutoInstallation> TarnhdFactory::createAutoInstallation(
     const std::shared_ptr<settings::Settings>& settings)
 {
     return std::make_shared<AutoInstallation>(
-        L"Vantorix Tarnpatch Automatic Installation", [this] { return createScheduler(); }, TarnpatchSettings(settings),
+        automaticInstallationTask, [this] { return createScheduler(); }, TarnpatchSettings(settings),
         TarnpatchStatus(settings), m_commonFactory->createRegistry());
 }
 

@@ -5,7 +5,7 @@
 #include "common/settings/hostsettings.h"
 #include "common/settings/tarnpatchsettings.h"
 #include "common/settings/tarnpatchstatus.h"
-#include "vxtl/exception.h"
+#include "tarnctl/health/gather.h"
 #include "vxtl/str.h"
 
 #include <nlohmann/json.hpp>
@@ -16,22 +16,6 @@ using namespace vx::tarn;
 using common::ProxyInfo;
 
 namespace {
-
-std::string textOf(const std::exception& exception)
-{
-    const auto* own = dynamic_cast<const vx::BaseException*>(&exception);
-    return own ? vx::str::toUtf8Lossy(own->wideWhat()) : exception.what();
-}
-
-template <typename T, typename Read>
-void gather(Fact<T>& fact, Read read)
-{
-    try {
-        fact.value = read();
-    } catch (const std::exception& exception) {
-        fact.trouble = textOf(exception);
-    }
-}
 
 /// How many records the list has; throws, with its place, for one that is none.
 template <typename Record>
@@ -79,8 +63,9 @@ void gatherFromStore(const std::shared_ptr<vx::settings::Settings>& store, Facts
     gather(facts.scan, [&] { return Request{scan.start(), scan.ack()}; });
     gather(facts.installation, [&] { return Request{install.start(), install.ack()}; });
     gather(facts.queued, [&] { return countRecords<common::DeploymentItem>(settings.installation.deploymentQueue()); });
-    gather(facts.completion,
-        [&] { return CompletionWait{completion.wait(), completion.timestamp(), completion.timeout().count()}; });
+    gather(facts.completion, [&] {
+        return CompletionWait{completion.wait(), completion.timestamp(), completion.timeout().count()};
+    });
     gather(facts.deploymentInProgress, [&] { return settings.installation.inProgress(); });
     gather(facts.lastScan, [&] { return status.scanning.lastScanning.timestamp(); });
     gather(facts.scanPeriodHours,
@@ -89,7 +74,8 @@ void gatherFromStore(const std::shared_ptr<vx::settings::Settings>& store, Facts
         [&] { return countRecords<common::MissingUpdate>(status.scanning.lastScanning.missingUpdates()); });
     gather(facts.installationLog,
         [&] { return countRecords<common::InstallationLogEntry>(status.installation.log.entries()); });
-    gather(facts.publishedPatches, [&] { return store->getJsonValue(settings.currentStatus.patchesToInstall.key()).size(); });
+    gather(facts.publishedPatches,
+        [&] { return store->getJsonValue(settings.currentStatus.patchesToInstall.key()).size(); });
     gather(facts.proxy, [&] { return proxyOf(settings.communication, host); });
 }
 
