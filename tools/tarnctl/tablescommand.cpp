@@ -31,8 +31,11 @@ ExitCode printCodes(const Context& context)
     return ExitCode::Healthy;
 }
 
+/// Null for a key that is never read.
 ordered_json defaultOf(const KeyInfo& key)
 {
+    if (key.kind->access != KeyAccess::Read && key.kind->access != KeyAccess::ReadWrite)
+        return nullptr;
     switch (key.kind->type) {
     case KeyType::Bool: return key.fallback.number != 0;
     case KeyType::Int32:

@@ -21,7 +21,7 @@ Facts healthy()
     facts.deploymentInProgress.value = false;
     facts.lastScan.value = facts.now - 47 * hour;
     facts.scanPeriodHours.value = 24;
-    facts.proxy.value = "";
+    facts.proxy.value.emplace();
     facts.agentProgram.value = "C:\\tarnag.exe";
     facts.agentRunSeconds.value.emplace();
     facts.pluginProcesses.value = 1;
@@ -125,10 +125,7 @@ TEST(Health, findsWhatIsWrongAndNothingElse)
                 f.updates.value = PausedUpdates{true, true};
                 f.agentRunSeconds.value = {5};
             }},
-        {"proxy",
-            [](Facts& f) {
-                f.proxy = {{}, "no host"};
-            }},
+        {"proxy", [](Facts& f) { f.proxy.value->fault = "no host"; }},
         {"log folder", [](Facts& f) { f.log.value->isWritable = false; }},
         {"log lines", [](Facts& f) { f.log.value->endsMissing = 1; }},
         {"log level", [](Facts& f) { f.log.value->level = 6; }},

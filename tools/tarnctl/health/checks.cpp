@@ -71,9 +71,9 @@ Said checkPlugin(const Facts& facts)
 
 Said checkStore(const Facts& facts)
 {
-    if (!facts.enabledWanted.isKnown() && !facts.profileTime.isKnown())
-        return unreadable(
-            facts.profileTime, "start the host's store; while it is away requests wait and nothing is lost");
+    if (!facts.storeTrouble.empty())
+        return {Grade::Unreadable, facts.storeTrouble,
+            "start the host's store; while it is away requests wait and nothing is lost"};
     return good("the store answers");
 }
 
@@ -259,8 +259,10 @@ Said checkLists(const Facts& facts)
 Said checkProxy(const Facts& facts)
 {
     if (!facts.proxy.isKnown())
-        return {Grade::Finding, facts.proxy.trouble, "write the setting as [protocol://][user[:password]@]host[:port]"};
-    return good(facts.proxy->empty() ? "none" : *facts.proxy);
+        return unreadable(facts.proxy, askStore);
+    if (!facts.proxy->fault.empty())
+        return finding(facts.proxy->fault, "write the setting as [protocol://][user[:password]@]host[:port]");
+    return good(facts.proxy->text.empty() ? "none" : facts.proxy->text);
 }
 
 Said checkLogFolder(const Facts& facts)

@@ -47,6 +47,12 @@ struct StopRequest {
     std::optional<std::int64_t> rebootDue; ///< seconds since the Unix epoch; empty: no reboot is forced
 };
 
+/// The proxy of downloads.
+struct ProxyFact {
+    std::string text;  ///< for people, without a password; empty for none
+    std::string fault; ///< why the configured text can't be used; empty for none
+};
+
 /// Automatic updates, when the agent has paused them.
 struct PausedUpdates {
     bool isSaved = false; ///< a state to go back to is kept
@@ -66,6 +72,7 @@ struct LogFacts {
 struct Facts {
     std::int64_t now = 0; ///< seconds since the Unix epoch
 
+    std::string storeTrouble;       ///< why the store can't be reached; empty when it can
     Fact<std::int64_t> profileTime; ///< seconds since the Unix epoch, 0 while there is no profile
     Fact<bool> enabledWanted;
     Fact<bool> enabledOn;
@@ -79,7 +86,7 @@ struct Facts {
     Fact<std::size_t> missingUpdates;
     Fact<std::size_t> installationLog;
     Fact<std::size_t> publishedPatches;
-    Fact<std::string> proxy; ///< for people, without a password; empty for none
+    Fact<ProxyFact> proxy;
 
     Fact<std::string> agentProgram;                  ///< its path, when the file is there
     Fact<std::vector<std::int64_t>> agentRunSeconds; ///< of each agent that runs

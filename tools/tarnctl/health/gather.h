@@ -9,11 +9,11 @@
 
 namespace tarnctl::health {
 
-/// What an exception says, in UTF-8.
+/// Why an exception was thrown, in UTF-8; not where, which is for those who build the program.
 inline std::string textOf(const std::exception& exception)
 {
     const auto* own = dynamic_cast<const vx::BaseException*>(&exception);
-    return own ? vx::str::toUtf8Lossy(own->wideWhat()) : exception.what();
+    return own ? vx::str::toUtf8Lossy(vx::str::trim(own->reason())) : exception.what();
 }
 
 /// Keeps what `read` gives, or what it throws as the fact's trouble.

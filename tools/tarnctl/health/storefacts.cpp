@@ -9,6 +9,7 @@
 #include "vxtl/str.h"
 
 #include <nlohmann/json.hpp>
+#include <stdexcept>
 
 namespace tarnctl::health {
 
@@ -33,7 +34,7 @@ std::size_t countRecords(const nlohmann::json& list)
     return list.size();
 }
 
-std::string proxyOf(const CommunicationSettings& communication, const HostSettings& host)
+ProxyFact readProxy(const CommunicationSettings& communication, const HostSettings& host)
 {
     const auto use = communication.useHttpProxy();
     if (use == UseHttpProxyItem::No)
@@ -41,10 +42,14 @@ std::string proxyOf(const CommunicationSettings& communication, const HostSettin
     const auto text = use == UseHttpProxyItem::UserDefined ? communication.userDefinedProxy() : host.currentProxy();
     if (text.empty())
         return {};
-    const auto proxy = ProxyInfo::parse(text);
-    if (proxy.host.empty())
-        throw std::runtime_error("the proxy's text names no host, or its port is no number");
-    return vx::str::toUtf8(proxy.toString(ProxyInfo::Passwords::Hidden));
+    try {
+        const auto proxy = ProxyInfo::parse(text);
+        if (!proxy.host.empty())
+            return {vx::str::toUtf8(proxy.toString(ProxyInfo::Passwords::Hidden)), {}};
+    } catch (const std::out_of_range&) {
+        return {{}, "the proxy's port is out of range"};
+    }
+    return {{}, "the proxy's text names no host, or its port is no number"};
 }
 
 } // namespace
@@ -76,11 +81,13 @@ void gatherFromStore(const std::shared_ptr<vx::settings::Settings>& store, Facts
         [&] { return countRecords<common::InstallationLogEntry>(status.installation.log.entries()); });
     gather(facts.publishedPatches,
         [&] { return store->getJsonValue(settings.currentStatus.patchesToInstall.key()).size(); });
-    gather(facts.proxy, [&] { return proxyOf(settings.communication, host); });
+    gather(facts.proxy, [&] { return readProxy(settings.communication, host); });
 }
 
-void noteStoreTrouble(const std::string& trouble, Facts& facts)
+void noteStoreTrouble(const std::string& reason, Facts& facts)
 {
+    const std::string trouble = "the store can't be reached";
+    facts.storeTrouble = reason;
     for (auto* fact : {&facts.profileTime, &facts.lastScan, &facts.scanPeriodHours})
         fact->trouble = trouble;
     for (auto* fact : {&facts.enabledWanted, &facts.enabledOn, &facts.deploymentInProgress})

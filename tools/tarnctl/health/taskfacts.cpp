@@ -54,7 +54,7 @@ ComPtr<Interface> queried(Source& source)
 ComPtr<IRegisteredTask> findTask()
 {
     ComPtr<ITaskService> service;
-    check(CoCreateInstance(CLSID_TaskScheduler, nullptr, CLSCTX_INPROC_SERVER, __uuidof(ITaskService),
+    check(CoCreateInstance(__uuidof(TaskScheduler), nullptr, CLSCTX_INPROC_SERVER, __uuidof(ITaskService),
               reinterpret_cast<void**>(service.put())),
         L"CoCreateInstance");
     const VARIANT own = vx::com::emptyVariant();
