@@ -7,7 +7,10 @@ using namespace support;
 
 struct TarnagTest : StageTest {
     TarnagTest() { installAgent(); }
-    ChildProcess agent() const { return {agentFolder / "tarnag.exe", {}, folder.path()}; }
+    ChildProcess agent(const std::wstring& arguments = {}) const
+    {
+        return {agentFolder / "tarnag.exe", arguments, folder.path()};
+    }
 };
 
 } // namespace
@@ -62,4 +65,13 @@ TEST_F(TarnagTest, takesPatchesToTheirStateAndItemsFromTheQueue)
         EXPECT_EQ(queue(), row.left);
         EXPECT_EQ(get(install.result), row.result);
     }
+}
+
+TEST_F(TarnagTest, putsTheScheduledTasksWordIntoTheQueueOnce)
+{
+    server.start();
+    for (int time = 0; time < 2; ++time)
+        EXPECT_EQ(agent(L"--command=queue --severity=important").wait(), 0u);
+    EXPECT_EQ(queue(), (Texts{"important"}));
+    EXPECT_EQ(agent(L"--command=queue --severity=").wait(), 2u);
 }

@@ -46,7 +46,7 @@ protected:
         Machine::change([](auto& state) { state.tasks.clear(); });
         add("\\A\\Agent Task", {{"Actions", {{{"Path", vx::str::toUtf8(path)}, {"Arguments", arguments}}}}});
     }
-    void script(const std::vector<json>& runs) { writeFile(place / "tarnag.script.json", json{{"runs", runs}}.dump()); }
+    void script(const json& lists) { writeFile(place / "tarnag.script.json", lists.dump()); }
     std::vector<json> lines() const { return parseLines(readFile(place / "tarnag.runs.jsonl")); }
 
     const std::filesystem::path place = folder.path() / "two words" / "and three more";
@@ -122,7 +122,7 @@ TEST_F(MachineCommandsTest, showWhatWasCommittedToThePolicy)
 
 TEST_F(AgentTaskTest, startsWithItsArgumentsHoweverItsPathIsWritten)
 {
-    script({json{{"exitCode", 7}}});
+    script({{"runs", json::array({json::object()})}, {"queue", json::array({{{"idle", true}, {"exitCode", 7}}})}});
     SetEnvironmentVariableW(L"TARNHD_TEST_PLACE", place.c_str());
     for (const auto& path : {program, L'"' + program + L'"', std::wstring(L"%TARNHD_TEST_PLACE%\\TARNAG.exe")}) {
         SCOPED_TRACE(vx::str::toUtf8(path));
@@ -143,7 +143,7 @@ TEST_F(AgentTaskTest, isNotStartedTwiceAtATime)
 {
     const std::string event = "Local\\" + vx::str::toUtf8(instance);
     const devhost::ipc::Signal finish(vx::str::fromUtf8(event));
-    script({json{{"waitForEvent", event}}, json::object()});
+    script({{"runs", json::array({{{"waitForEvent", event}}, json::object()})}});
     schedule(program, "");
     const auto first = json::parse(call("--json tasks run", "Agent Task").output);
     const vx::KernelHandle process(
