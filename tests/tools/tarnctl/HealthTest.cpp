@@ -1,4 +1,5 @@
 #include "tarnctl/health/checks.h"
+#include "tarnctl/why/conditions.h"
 
 #include <functional>
 #include <gtest/gtest.h>
@@ -135,6 +136,24 @@ TEST(Health, findsWhatIsWrongAndNothingElse)
         change(facts);
         EXPECT_EQ(findings(facts), found);
     }
+}
+
+TEST(Why, saysWhatKeepsAStartAndWhenTheNextIsDue)
+{
+    using why::conditions;
+    using why::Subject;
+    auto facts = healthy();
+    EXPECT_EQ(conditions(facts, Subject::Reboot), std::vector<std::string>{"nobody asks for one"});
+    facts.lastScan.value = facts.now - 24 * hour + 61;
+    const std::string due =
+        "without a request the next scan is due in 2 minutes, at the plug-in's next look at what is due";
+    EXPECT_EQ(conditions(facts, Subject::Scan), std::vector<std::string>{due});
+    facts.enabledOn.value = false;
+    facts.scan.value = Request{4, 3};
+    EXPECT_EQ(
+        conditions(facts, Subject::Scan), (std::vector<std::string>{"the feature is off", "request 4 is open", due}));
+    facts.stopRequest.value = StopRequest{true, true, facts.now};
+    EXPECT_EQ(conditions(facts, Subject::Reboot).back(), "one is forced now");
 }
 
 TEST(Health, tellsWhatCouldNotBeRead)

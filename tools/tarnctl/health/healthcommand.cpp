@@ -1,13 +1,7 @@
 #include "tarnctl/health/healthcommand.h"
 
-#include "meridia-settings/meridiasettingsapi.h"
-#include "settings-api/settings.h"
 #include "tarnctl/health/checks.h"
-#include "tarnctl/health/gather.h"
-#include "tarnctl/health/machinefacts.h"
-#include "tarnctl/health/storefacts.h"
-#include "vxtl/clock.h"
-#include "vxtl/comutils.h"
+#include "tarnctl/health/gatherfacts.h"
 
 #include <algorithm>
 #include <iomanip>
@@ -17,32 +11,6 @@
 namespace tarnctl::health {
 
 namespace {
-
-/// Without the plug-in's cache, which would answer for a store that is away. Null when the store can't be reached,
-/// which is noted.
-std::shared_ptr<vx::settings::Settings> openStore(Facts& facts)
-{
-    try {
-        return std::make_shared<vx::settings::Settings>(
-            std::make_shared<vx::meridia::SettingsApi>(L"safe", L"S-1-5-18", L"Vantorix Tarnpatch Observer"));
-    } catch (const std::exception& exception) {
-        noteStoreTrouble(textOf(exception), facts);
-        return nullptr;
-    }
-}
-
-Facts gatherFacts()
-{
-    // For the Task Scheduler; entered before anything loads it, left after all of it is let go.
-    const vx::comutils::ComApartment apartment;
-    Facts facts;
-    facts.now = vx::systemTicks() / vx::ticksPerSecond;
-    const auto store = openStore(facts);
-    if (store)
-        gatherFromStore(store, facts);
-    gatherFromMachine(store, facts);
-    return facts;
-}
 
 void print(std::ostream& output, const Verdict& verdict)
 {

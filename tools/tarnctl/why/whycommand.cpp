@@ -1,6 +1,8 @@
 #include "tarnctl/why/whycommand.h"
 
 #include "logreading/logreader.h"
+#include "tarnctl/health/gatherfacts.h"
+#include "tarnctl/why/conditions.h"
 #include "tarnctl/why/explanation.h"
 #include "vxtl/str.h"
 
@@ -24,7 +26,7 @@ ExitCode tellWhy(const Context& context, const Options& options)
 {
     const auto path =
         options.file.empty() ? logreading::logLocation() : std::filesystem::absolute(vx::str::fromUtf8(options.file));
-    if (!exists(path))
+    if (!options.file.empty() && !exists(path))
         throw CommandError(ExitCode::Unreadable, "there is no log " + vx::str::toUtf8Lossy(path.native()));
     logreading::Story story;
     const auto sink = [&](std::string_view line) {
@@ -36,6 +38,8 @@ ExitCode tellWhy(const Context& context, const Options& options)
     reader.read(sink);
     reader.finish(sink);
     const auto explanations = explain(story, options.subject, options.last);
+    const auto now =
+        options.file.empty() ? conditions(health::gatherFacts(), options.subject) : std::vector<std::string>();
     for (const auto& [lines, object] : explanations)
         if (context.json)
             context.output << object.dump(-1, ' ', false, nlohmann::json::error_handler_t::replace) << '\n';
@@ -44,6 +48,13 @@ ExitCode tellWhy(const Context& context, const Options& options)
                 context.output << line << '\n';
     if (explanations.empty() && !context.json)
         context.output << "the log tells of none\n";
+    for (const auto& line : now)
+        if (context.json)
+            context.output << nlohmann::ordered_json{{"now", line}}.dump(
+                                  -1, ' ', false, nlohmann::json::error_handler_t::replace)
+                           << '\n';
+        else
+            context.output << "now: " << line << '\n';
     return ExitCode::Healthy;
 }
 
