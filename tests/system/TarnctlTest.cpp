@@ -1,0 +1,105 @@
+#include "rig.h"
+
+#include "common/patchstorage/patchstorageplace.h"
+#include "support/machine.h"
+#include "vxtl/registry.h"
+
+namespace rig {
+namespace {
+
+using testing::HasSubstr;
+using testing::Not;
+
+class TarnctlTest : public SystemTest {
+protected:
+    struct Answer {
+        unsigned long code;
+        std::string output, errors;
+    };
+    Answer ask(const std::string& arguments) const
+    {
+        const ChildProcess process("tarnctl.exe", vx::str::fromUtf8(arguments), folder.path());
+        const auto code = process.wait().value_or(~0ul);
+        return {code, process.output(), process.errors()};
+    }
+
+    /// What is not good, and the beginning of why. Other tests have processes of their own.
+    std::string findings() const
+    {
+        std::string found;
+        std::istringstream lines(ask("--json health").output);
+        for (std::string line; std::getline(lines, line);) {
+            const auto verdict = json::parse(line);
+            const std::string check = verdict.at("check"), evidence = verdict.at("evidence");
+            if (verdict.at("verdict") != "good" && check != "plug-in" && check != "agent run")
+                found += check + ": " + evidence.substr(0, evidence.find_first_of(":,")) + ", ";
+        }
+        return found;
+    }
+
+    const Machine machine;
+};
+
+TEST_F(TarnctlTest, findsAWorkingMachineHealthyAndNothingElse)
+{
+    startHost(Wait::ForProcessing);
+    waitForAgentEnds(1);
+    EXPECT_EQ(findings(), "");
+
+    put(settings.communication.userDefinedProxy, "u:secret@host:no");
+    put(settings.communication.useHttpProxy, "user_defined");
+    put(settings.installation.automatic.mode, "install_all");
+    waitForLog("The task has been created successfully.");
+    Machine::change([](auto& state) { state.tasks.clear(); });
+    put(settings.installation.deploymentQueue, json::parse(R"([{"update_id": "A"}, {"update_id": 7}])"));
+    EXPECT_EQ(
+        findings(), "deployment queue: element 1, scheduled task: wanted, proxy: the proxy's text names no host, ");
+    EXPECT_THAT(ask("health").output + ask("keys").output, Not(HasSubstr("secret")));
+}
+
+TEST_F(TarnctlTest, looksWithoutATrace)
+{
+    startHost(Wait::ForProcessing);
+    waitForAgentEnds(1);
+    EXPECT_EQ(stopHost(), 0u);
+    startStoreAlone();
+    const auto registry = vx::registry::createWin32Registry();
+    const auto before = logCount("");
+    const auto values = client.list();
+    for (const char* command :
+        {"health", "keys", "codes", "why scan", "why install", "why reboot", "log --level error"})
+        EXPECT_LT(ask(command).code, 2u) << command;
+    EXPECT_EQ(logCount(""), before);
+    EXPECT_EQ(client.list(), values);
+    EXPECT_FALSE(registry->doesKeyExist(vx::tarn::common::patchStorageKey));
+    EXPECT_TRUE(machine.state().tasks.empty());
+}
+
+TEST_F(TarnctlTest, saysWhatItCouldNotRead)
+{
+    const auto away = ask("--json health");
+    EXPECT_NE(away.code, 0u);
+    EXPECT_THAT(away.output, HasSubstr(R"("check":"store","verdict":"unreadable","evidence":"Server is unreachable")"));
+    EXPECT_EQ(ask("keys").code, 3u);
+    EXPECT_EQ(ask("log").code, 3u);
+    for (const char* command : {"", "nothing", "log --since yesterday", "log --grep [", "log --thread xyz", "why"})
+        EXPECT_EQ(ask(command).code, 2u) << command;
+}
+
+TEST_F(TarnctlTest, explainsWhyAnAgentWasStarted)
+{
+    startHost(Wait::ForProcessing);
+    scan(1);
+    const auto why = ask("why scan --last 1");
+    EXPECT_EQ(why.code, 0u) << why.errors;
+    for (const char* line : {"answers        remote scan request, acknowledged 1",
+             "exit code      0  Normal exit; Success.", "now: without a request the next scan is due in "})
+        EXPECT_THAT(why.output, HasSubstr(line));
+    EXPECT_EQ(ask("log --html page.html --trace t.json").code, 2u);
+    const auto page = folder.path() / "page.html";
+    EXPECT_EQ(ask("log --html \"" + vx::str::toUtf8(page.native()) + "\"").code, 0u);
+    EXPECT_GT(file_size(page), 10'000u);
+}
+
+} // namespace
+} // namespace rig
