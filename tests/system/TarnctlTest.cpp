@@ -131,7 +131,7 @@ TEST_F(TarnctlTest, bundlesEverythingButPasswords)
     waitForLog("Deployment task was put to the queue.");
     const auto registry = vx::registry::createWin32Registry();
     registry->createKey(L"HKEY_LOCAL_MACHINE\\SOFTWARE\\Vantorix\\tarn")->setStringValue(L"Test", L"ftp://u:sesame@x");
-    const auto cabinet = folder.path() / "b\xC3\xBCndel.cab";
+    const auto cabinet = folder.path() / L"b\u00FCndel.cab";
     EXPECT_EQ(ask("bundle \"" + vx::str::toUtf8(cabinet.native()) + "\"").code, 0u);
     const auto files = readCabinet(cabinet);
     EXPECT_EQ(files.size(), 11u);
