@@ -13,13 +13,12 @@ struct AskRow {
     std::string_view text;
     Cause cause;
 };
-constexpr std::array<AskRow, 7> askRows = {{
+constexpr std::array<AskRow, 6> askRows = {{
     {"Deployment task was put to the queue. '", Cause::RemoteInstallation},
     {"tarnag.exe start requested", Cause::StoreChange},
     {"Tarnpatch maximum rescanning period is ", Cause::Period},
     {"Start after reboot scan if expired", Cause::StartUp},
     {"Trying to start scan after windows update if expired. ", Cause::WindowsUpdate},
-    {"Tarnpatch enabled status: wasEnabled = ", Cause::FeatureOn},
     {"waitPostRebootDeployCompleted: Found that installation has been finished.", Cause::FinishedDeployment},
 }};
 // Found by their beginnings.
@@ -28,6 +27,8 @@ constexpr std::array<std::string_view, 9> rebootTexts = {"WUS stopper trigger ke
     "Failed to acquire shutdown privileges", "Error initiating shutdown.",
     "Reboot command line: ", "Set reboot variable has been successfully performed at session ",
     "Failed to perform reboot for session: "};
+// Leads to a signal on the scheduler's thread, which says nothing itself.
+constexpr std::string_view switchedOnText = "Tarnpatch enabled status: wasEnabled = 0, enable = 1";
 constexpr std::string_view signalText = "Scan start time: ";
 constexpr std::string_view takenText = "tarnag.exe start event signaled.";
 constexpr std::string_view bannerText = "***  LOGGING STARTED";
@@ -161,11 +162,15 @@ void Story::takeAsk(const Record& record, Thread thread)
             return;
         }
     }
+    if (record.message == switchedOnText)
+        m_switchedOn.insert(record.process);
     if (!record.message.starts_with(signalText))
         return;
     Ask ask{record.time, Cause::Unknown, {}};
     if (auto reason = m_reasonOfThread.extract(thread))
         ask = {record.time, reason.mapped().cause, std::move(reason.mapped().detail)};
+    else if (m_switchedOn.erase(record.process) > 0)
+        ask.cause = Cause::FeatureOn;
     m_asks.push_back(std::move(ask));
 }
 

@@ -4,6 +4,7 @@
 
 #include <map>
 #include <optional>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -98,6 +99,7 @@ private:
     std::map<std::uint16_t, std::size_t> m_runOfProcess;
     std::map<Thread, std::size_t> m_startOfThread;
     std::map<Thread, Ask> m_reasonOfThread; ///< what a thread has said that leads to a signal
+    std::set<std::uint16_t> m_switchedOn;   ///< processes whose feature was switched on, without a signal for it yet
     std::vector<Ask> m_asks;                ///< not taken up by a start yet
 };
 

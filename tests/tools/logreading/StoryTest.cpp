@@ -47,10 +47,12 @@ TEST(Story, knowsWhoAskedForAStartAndHowItEnded)
     const auto story = tell({
         "0001 ***  LOGGING STARTED  *** (UTC+1:00, session: 0x0)",
         "0002 Run processing",
+        "0002 Tarnpatch enabled status: wasEnabled = 0, enable = 1",
         "0003 Deployment task was put to the queue. 'ALL'.",
         "0004 Tarnpatch maximum rescanning period is 24 hours. It's 86400 seconds.",
         "0003 Scan start time: 1",
         "0005 Scan start time: 2",
+        "0005 Scan start time: 3",
         "0009 tarnag.exe start event signaled.",
         "0009 Start reason is: 2",
         "0009 Starting process C:\\a. Arguments: b\\tarnag.exe. Arguments: -c complete",
@@ -68,10 +70,11 @@ TEST(Story, knowsWhoAskedForAStartAndHowItEnded)
     EXPECT_TRUE(story.runs()[0].serving && story.runs()[0].end);
     ASSERT_EQ(story.starts().size(), 2u);
     const auto& start = story.starts()[0];
-    ASSERT_EQ(start.asks.size(), 2u);
+    ASSERT_EQ(start.asks.size(), 3u);
     EXPECT_EQ(start.asks[0].cause, Cause::RemoteInstallation);
     EXPECT_EQ(start.asks[0].detail, "ALL'.");
-    EXPECT_EQ(start.asks[1].cause, Cause::Unknown) << "what another thread said is not its reason";
+    EXPECT_EQ(start.asks[1].cause, Cause::FeatureOn);
+    EXPECT_EQ(start.asks[2].cause, Cause::Unknown) << "what another thread said is not its reason";
     EXPECT_EQ(start.serves, Cause::RemoteInstallation);
     EXPECT_EQ(start.arguments, "-c complete");
     EXPECT_EQ(start.tries, 2u);
