@@ -92,30 +92,35 @@ TEST_F(TarnctlTest, saysWhatItCouldNotRead)
         EXPECT_EQ(ask(command).code, 2u) << command;
 }
 
+/// Where a cabinet is unpacked to, and what is in it.
+struct Unpacked {
+    std::filesystem::path folder;
+    std::vector<std::wstring> names;
+};
+
+UINT WINAPI takeFile(void* context, UINT notification, UINT_PTR parameter, UINT_PTR)
+{
+    if (notification != SPFILENOTIFY_FILEINCABINET)
+        return NO_ERROR;
+    auto& unpacked = *static_cast<Unpacked*>(context);
+    auto& file = *reinterpret_cast<FILE_IN_CABINET_INFO_W*>(parameter);
+    unpacked.names.push_back(file.NameInCabinet);
+    const auto path = (unpacked.folder / file.NameInCabinet).native();
+    path.copy(file.FullTargetName, MAX_PATH - 1);
+    file.FullTargetName[path.size()] = L'\0';
+    return FILEOP_DOIT;
+}
+
 /// Names and contents of a cabinet's files, by the system.
 std::map<std::string, std::string> readCabinet(const std::filesystem::path& cabinet)
 {
-    struct Target {
-        std::filesystem::path folder;
-        std::vector<std::string> names;
-    } target{cabinet.parent_path() / "unpacked", {}};
-    create_directories(target.folder);
-    const auto take = [](void* context, UINT notification, UINT_PTR parameter, UINT_PTR) -> UINT {
-        if (notification != SPFILENOTIFY_FILEINCABINET)
-            return NO_ERROR;
-        auto& place = *static_cast<Target*>(context);
-        auto& file = *reinterpret_cast<FILE_IN_CABINET_INFO_W*>(parameter);
-        place.names.push_back(vx::str::toUtf8(file.NameInCabinet));
-        const auto path = (place.folder / file.NameInCabinet).native();
-        path.copy(file.FullTargetName, MAX_PATH - 1);
-        file.FullTargetName[path.size()] = L'\0';
-        return FILEOP_DOIT;
-    };
-    EXPECT_TRUE(SetupIterateCabinetW(cabinet.c_str(), 0, static_cast<PSP_FILE_CALLBACK_W>(take), &target));
+    Unpacked unpacked{cabinet.parent_path() / "unpacked", {}};
+    create_directories(unpacked.folder);
+    EXPECT_TRUE(SetupIterateCabinetW(cabinet.c_str(), 0, takeFile, &unpacked));
     std::map<std::string, std::string> files;
-    for (const auto& name : target.names) {
-        std::ifstream stream(target.folder / name, std::ios::binary);
-        files[name].assign(std::istreambuf_iterator<char>(stream), {});
+    for (const auto& name : unpacked.names) {
+        std::ifstream stream(unpacked.folder / name, std::ios::binary);
+        files[vx::str::toUtf8(name)].assign(std::istreambuf_iterator<char>(stream), {});
     }
     return files;
 }
