@@ -70,6 +70,7 @@ TEST_F(TarnctlTest, looksWithoutATrace)
     EXPECT_EQ(stopHost(), 0u);
     startStoreAlone();
     const auto registry = vx::registry::createWin32Registry();
+    registry->deleteTree(vx::tarn::common::patchStorageKey);
     const auto before = logCount("");
     const auto values = client.list();
     for (const char* command :

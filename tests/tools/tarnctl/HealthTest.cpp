@@ -159,6 +159,7 @@ TEST(Why, saysWhatKeepsAStartAndWhenTheNextIsDue)
 TEST(Health, tellsWhatCouldNotBeRead)
 {
     Facts facts;
+    facts.storeTrouble = "away";
     for (const auto& verdict : examine(facts))
         EXPECT_NE(verdict.grade, Grade::Good) << verdict.check;
     facts = healthy();

@@ -5,6 +5,7 @@
 #include "common/settings/hostsettings.h"
 #include "common/settings/tarnpatchsettings.h"
 #include "common/settings/tarnpatchstatus.h"
+#include "settings-api/exceptions.h"
 #include "tarnctl/health/gather.h"
 #include "vxtl/str.h"
 
@@ -32,6 +33,16 @@ std::size_t countRecords(const nlohmann::json& list)
         }
     }
     return list.size();
+}
+
+/// What the plug-in writes and nobody has to read back. None before its first pass.
+std::size_t countPublished(const vx::settings::Settings& store, const wchar_t* key)
+{
+    try {
+        return store.getJsonValue(key).size();
+    } catch (const vx::settings::NotFoundException&) {
+        return 0;
+    }
 }
 
 ProxyFact readProxy(const CommunicationSettings& communication, const HostSettings& host)
@@ -79,8 +90,8 @@ void gatherFromStore(const std::shared_ptr<vx::settings::Settings>& store, Facts
         [&] { return countRecords<common::MissingUpdate>(status.scanning.lastScanning.missingUpdates()); });
     gather(facts.installationLog,
         [&] { return countRecords<common::InstallationLogEntry>(status.installation.log.entries()); });
-    gather(facts.publishedPatches,
-        [&] { return store->getJsonValue(settings.currentStatus.patchesToInstall.key()).size(); });
+    gather(
+        facts.publishedPatches, [&] { return countPublished(*store, settings.currentStatus.patchesToInstall.key()); });
     gather(facts.proxy, [&] { return readProxy(settings.communication, host); });
 }
 
