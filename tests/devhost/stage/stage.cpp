@@ -1,7 +1,7 @@
 #include "stage.h"
 
-#include "logreading/directorywatch.h"
 #include "ipc/instance.h"
+#include "logreading/directorywatch.h"
 
 #include <atomic>
 #include <fstream>
