@@ -132,7 +132,8 @@ void Host::startPlugin()
             "warning", "the plug-in is still in memory and keeps its old state", {{"warning", "plug-in still loaded"}});
     m_session.emplace(m_options.plugin, pluginName, m_options.recordSize,
         PluginSession::Listener{[this](const std::string& plugin, std::uint32_t state) { onState(plugin, state); },
-            [this](std::uint32_t code) { onMainEnded(code); }});
+            [this](std::uint32_t code) { onMainEnded(code); }},
+        *m_options.conduct);
     m_context.printer.event("loaded", "loaded " + toText(m_options.plugin), {{"plugin", toText(m_options.plugin)}});
     if (!m_session->isRecordIntact()) {
         m_failed = true;

@@ -22,6 +22,7 @@ struct HostOptions {
     std::optional<std::chrono::seconds> runTime; ///< without it until the user stops it
     std::uint32_t recordSize = 36;
     bool provideProfile = true;
+    const Conduct* conduct = &goodConduct;         ///< towards the plug-in
     Reboots reboots = Reboots::Hold;               ///< of those that the plug-in asks for
     std::chrono::milliseconds stopTimeout{30'000}; ///< how long a plug-in may take to end
 };

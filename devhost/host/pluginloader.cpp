@@ -3,6 +3,7 @@
 #include "host/exitcode.h"
 #include "host/systemtext.h"
 
+#include <utility>
 #include <windows.h>
 
 namespace devhost::host {
@@ -34,8 +35,13 @@ PluginLoader::PluginLoader(const std::filesystem::path& library)
 
 PluginLoader::~PluginLoader()
 {
-    if (m_module)
-        FreeLibrary(static_cast<HMODULE>(m_module));
+    unload();
+}
+
+void PluginLoader::unload() noexcept
+{
+    if (const auto module = std::exchange(m_module, nullptr))
+        FreeLibrary(static_cast<HMODULE>(module));
 }
 
 std::uint32_t PluginLoader::initialize(const char* name, HosterApi* hoster, PluginApi* plugin) const

@@ -17,6 +17,8 @@ public:
 
     /// Calls the export; `name` has to live on only for the call.
     std::uint32_t initialize(const char* name, HosterApi* hoster, PluginApi* plugin) const;
+    /// Ahead of the destruction.
+    void unload() noexcept;
     /// Leaves the library in memory for good: some of its code may still run.
     void leak() noexcept { m_module = nullptr; }
 

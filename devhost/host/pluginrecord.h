@@ -12,7 +12,7 @@ class PluginRecord {
 public:
     static constexpr std::array<std::uint32_t, 5> knownSizes{0, 24, 28, 32, 36};
 
-    /// `size` is one of knownSizes.
+    /// `size` is one of knownSizes, or any other up to 36, which a plug-in may take amiss.
     explicit PluginRecord(std::uint32_t size);
     PluginRecord(const PluginRecord&) = delete;
     PluginRecord& operator=(const PluginRecord&) = delete;

@@ -15,12 +15,17 @@ CommandError noCallback(const char* what)
 
 } // namespace
 
-PluginSession::PluginSession(
-    const std::filesystem::path& library, std::string name, std::uint32_t size, Listener listener)
-    : m_name(std::move(name)), m_callbacks(std::move(listener.onState)), m_record(std::make_shared<PluginRecord>(size)),
-      m_loader(library), m_onMainEnded(std::move(listener.onMainEnded))
+PluginSession::PluginSession(const std::filesystem::path& library, std::string name, std::uint32_t size,
+    Listener listener, const Conduct& conduct)
+    : m_conduct(conduct), m_name(std::move(name)),
+      m_callbacks([this, onState = std::move(listener.onState)](const std::string& plugin, std::uint32_t state) {
+          onReport(state);
+          onState(plugin, state);
+      }),
+      m_record(std::make_shared<PluginRecord>(conduct.size.value_or(size))), m_loader(library),
+      m_onMainEnded(std::move(listener.onMainEnded))
 {
-    const auto code = m_loader.initialize(m_name.c_str(), m_callbacks.record(), m_record->get());
+    const auto code = m_conduct.initialize(m_loader, m_name.c_str(), m_callbacks.record(), m_record->get());
     if (code != 0)
         throw CommandError(ExitCode::Failed, "the plug-in refused to initialise: result " + std::to_string(code));
 }
@@ -41,8 +46,8 @@ PluginSession::~PluginSession()
 void PluginSession::start()
 {
     m_end = std::make_shared<MainEnd>();
-    m_main = std::thread([end = m_end, record = m_record, listener = m_onMainEnded] {
-        end->code = record->get()->pluginMain(record->get());
+    m_main = std::thread([end = m_end, record = m_record, listener = m_onMainEnded, main = m_conduct.main] {
+        end->code = main(record->get());
         // Before the listener, which may end the host: whoever waits for the end has it by then.
         end->told.set();
         listener(end->code);
@@ -51,7 +56,7 @@ void PluginSession::start()
 
 std::uint32_t PluginSession::stop()
 {
-    return m_record->get()->pluginStop(m_record->get());
+    return m_conduct.stop(m_loader, m_record->get());
 }
 
 std::optional<std::uint32_t> PluginSession::waitForEnd(std::chrono::milliseconds timeout)

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "host/conduct.h"
 #include "host/hostcallbacks.h"
 #include "host/pluginloader.h"
 #include "host/pluginrecord.h"
@@ -23,8 +24,9 @@ public:
         std::function<void(std::uint32_t code)> onMainEnded;
     };
 
-    /// Loads and initialises. `size` is one of PluginRecord::knownSizes. Throws CommandError.
-    PluginSession(const std::filesystem::path& library, std::string name, std::uint32_t size, Listener listener);
+    /// Loads and initialises. `size` is one of PluginRecord::knownSizes. `conduct` is borrowed. Throws CommandError.
+    PluginSession(const std::filesystem::path& library, std::string name, std::uint32_t size, Listener listener,
+        const Conduct& conduct = goodConduct);
     /// A main callback that still runs is left running, with the library in memory.
     ~PluginSession();
     PluginSession(const PluginSession&) = delete;
@@ -50,6 +52,9 @@ private:
         std::uint32_t code = 0; ///< written before `told` is set
     };
 
+    void onReport(std::uint32_t state) const { m_conduct.onReport(m_record->get(), state); }
+
+    const Conduct& m_conduct;
     std::string m_name;
     HostCallbacks m_callbacks;
     std::shared_ptr<PluginRecord> m_record; ///< shared with the main thread, which may outlive this object

@@ -1,4 +1,5 @@
 #include "host/commands.h"
+#include "host/conduct.h"
 #include "host/host.h"
 #include "host/pluginrecord.h"
 #include "host/testmachine.h"
@@ -13,7 +14,7 @@ namespace devhost::host {
 namespace {
 
 struct RunOptions : MachineOptions {
-    std::string plugin, store, agentDirectory;
+    std::string plugin, store, agentDirectory, misbehaviour;
     Reboots reboots = Reboots::Hold;
     bool noStore = false, untilStop = false, noProfile = false;
     std::uint32_t size = 36;
@@ -46,6 +47,7 @@ ExitCode runHost(const Context& context, const RunOptions& given)
     options.recordSize = given.size;
     options.provideProfile = !given.noProfile;
     options.reboots = given.reboots;
+    options.conduct = given.misbehaviour.empty() ? &goodConduct : &misconduct(given.misbehaviour);
     return Host(context, options).run();
 }
 
@@ -61,9 +63,13 @@ void addRun(Commands& commands)
     run->add_option("--plugin", options.plugin, "the plug-in; tarnhd.dll beside this program without it");
     // Hosts of all ages are to be tried: the plug-in fills in no more than the record's size allows.
     const std::set<std::uint32_t> sizes(PluginRecord::knownSizes.begin(), PluginRecord::knownSizes.end());
-    run->add_option("--size", options.size, "size of the plug-in record that the host knows")
-        ->check(CLI::IsMember(sizes))
-        ->capture_default_str();
+    auto* const size = run->add_option("--size", options.size, "size of the plug-in record that the host knows")
+                           ->check(CLI::IsMember(sizes))
+                           ->capture_default_str();
+    run->add_option("--misbehave", options.misbehaviour,
+           "break the contract with the plug-in once, as a test of qrl-probe.dll: the check of that name fails")
+        ->check(CLI::IsMember(misconductKinds()))
+        ->excludes(size);
     auto* file = run->add_option(
         "--store", options.store, "the store's file; tarnhost.INSTANCE.store.json beside this program without it");
     run->add_flag("--no-store", options.noStore, "another process serves the store")->excludes(file);
