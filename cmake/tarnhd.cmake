@@ -22,6 +22,8 @@ if(WIN32)
     # GCC 12 sees copies out of bounds in inlined short wide strings where there are none.
     add_compile_options(-mstackrealign -Wno-array-bounds -Wno-stringop-overread)
     add_link_options(-static -static-libgcc -static-libstdc++)
+    # The linker's own defaults differ from one build of it to the next; without a time two builds are the same file.
+    add_link_options(LINKER:--nxcompat,--dynamicbase,--no-insert-timestamp)
     set(CMAKE_RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/bin)
     set(CMAKE_LIBRARY_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/bin)
 else()
