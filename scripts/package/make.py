@@ -31,7 +31,8 @@ STAYS = re.compile(r"bench-|keyspage")
 
 
 def run(*command, **options):
-    subprocess.run([str(word) for word in command], check=True, **options)
+    if subprocess.run([str(word) for word in command], **options).returncode:
+        raise SystemExit(f"package: {command[0]} failed")
 
 
 def made_by(build):
@@ -120,6 +121,9 @@ class Packaging:
         self.programs = made_by(build)
         self.work = out / "package"
         shutil.rmtree(self.work, ignore_errors=True)
+        # Or a packaging that fails would leave others to be taken for its own.
+        for old in (*out.glob("tarnhd-*.zip"), *out.glob(f"tarnhd-*.{archive.CHECKSUMS}")):
+            old.unlink()
 
     def folder(self, kind):
         return self.work / f"tarnhd-{self.version}-{kind}"
