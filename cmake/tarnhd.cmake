@@ -22,6 +22,8 @@ if(WIN32)
     # GCC 12 sees copies out of bounds in inlined short wide strings where there are none.
     add_compile_options(-mstackrealign -Wno-array-bounds -Wno-stringop-overread)
     add_link_options(-static -static-libgcc -static-libstdc++)
+    # The linker's own defaults differ from one build of it to the next; without a time two builds are the same file.
+    add_link_options(LINKER:--nxcompat,--dynamicbase,--no-insert-timestamp)
     set(CMAKE_RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/bin)
     set(CMAKE_LIBRARY_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/bin)
 else()
@@ -91,12 +93,13 @@ function(tarnhd_library name)
     endif()
 endfunction()
 
-# tarnhd_test(NAME SOURCES source... [LINKS target...] [INSIDE unit...] [NATIVE] [SERIAL] [REAL_LOG])
+# tarnhd_test(NAME SOURCES source... [LINKS target...] [INSIDE unit...] [NATIVE] [SERIAL] [REAL_LOG] [AT_TOP])
 # A GoogleTest program; INSIDE names the sdk units whose own headers it includes; each case is a ctest test. Without NATIVE it is made in the product flavour
 # only. SERIAL: it uses the product's fixed system names (events, mutexes, registry keys), so no other
-# SERIAL test runs beside it. REAL_LOG: links the real logger instead of the one that captures lines.
+# SERIAL test runs beside it. REAL_LOG: links the real logger instead of the one that captures lines. AT_TOP: it runs in
+# the project's folder, where it finds pages by a path that is no machine's own.
 function(tarnhd_test name)
-    cmake_parse_arguments(arg "NATIVE;SERIAL;REAL_LOG" "" "SOURCES;LINKS;INSIDE" ${ARGN})
+    cmake_parse_arguments(arg "NATIVE;SERIAL;REAL_LOG;AT_TOP" "" "SOURCES;LINKS;INSIDE" ${ARGN})
     if(NOT WIN32 AND NOT arg_NATIVE)
         return()
     endif()
@@ -119,6 +122,11 @@ function(tarnhd_test name)
     if(arg_SERIAL)
         list(APPEND properties RESOURCE_LOCK product-names)
     endif()
+    set(folder ${CMAKE_CURRENT_BINARY_DIR})
+    if(arg_AT_TOP)
+        set(folder ${CMAKE_SOURCE_DIR})
+    endif()
     gtest_discover_tests(${name} TEST_PREFIX ${name}. DISCOVERY_MODE PRE_TEST DISCOVERY_TIMEOUT 60
+        WORKING_DIRECTORY ${folder}
         PROPERTIES ${properties})
 endfunction()

@@ -15,6 +15,8 @@ usage: ./run COMMAND [ARGS]
   fuzz [SECONDS]     run every fuzz target for that long (60), from its inputs and what it found before
   lint               check the format and run the static checks
   docs               make docs/keys.md anew from the table of keys
+  package            make the archives to hand out: build/tarnhd-VERSION-*.zip and their checksums
+       [--sign FILE.p12]  sign library and programs; the password is PACKAGE_SIGN_PASSWORD's or asked for
   host -- ARGS       run the console host under Wine: ./run host -- --help
   wine PROGRAM ARGS  run any program under the project's Wine
   setup              install packages and make the Wine root, nothing else
@@ -88,6 +90,7 @@ command_test() {
     for flavour in fuzz asan tsan product; do
         [[ " ${selected[*]} " == *" $flavour "* ]] || continue
         if [ "$flavour" = product ]; then
+            install_packages "${package_packages[@]}" osslsigncode
             trap 'servers_stop; wine_stop' EXIT
             servers_start
             wine_start

@@ -37,8 +37,9 @@ TEST(SystemLoaderTest, registryNamesALibraryThatIsElsewhere)
     wchar_t executable[MAX_PATH];
     GetModuleFileNameW(nullptr, executable, MAX_PATH);
     const fs::path copy = fs::temp_directory_path() / L"delay-load-elsewhere.dll";
-    fs::copy_file(
-        fs::path(executable).replace_filename(L"delay-load-probe.dll"), copy, fs::copy_options::overwrite_existing);
+    // On one drive a file that is there counts as the one to be copied, which no option overwrites.
+    fs::remove(copy);
+    fs::copy_file(fs::path(executable).replace_filename(L"delay-load-probe.dll"), copy);
     // Where a search would find it.
     fs::current_path(copy.parent_path());
     SetEnvironmentVariableW(L"PATH", copy.parent_path().c_str());
