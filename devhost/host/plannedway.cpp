@@ -7,7 +7,7 @@
 #include "common/internetproxy/proxyinfo.h"
 #include "common/internetproxy/sessiondriver.h"
 #include "common/settings/tarnpatchsettings.h"
-#include "common/utils/credentials.h"
+#include "vxtl/credentials.h"
 
 namespace devhost::host {
 
@@ -46,7 +46,7 @@ PlannedWay planWay(const std::shared_ptr<vx::settings::Settings>& settings, cons
     const vx::tarn::CommunicationSettings communication(settings);
     const auto downloadUrl = buildDownloadUrl(url, communication.hqProxyUrl());
     PlannedWay way;
-    way.url = utils::withoutPasswords(downloadUrl);
+    way.url = vx::withoutPasswords(downloadUrl);
     way.strategy = vx::toText(communication.useHttpProxy());
     createProxy(settings, std::make_shared<Recorder>(way), std::make_shared<AutoProxyDriver>())
         ->openInternetConnection(L"tarnhost", downloadUrl);

@@ -7,10 +7,10 @@
 #include "common/internetproxy/downloadurl.h"
 #include "common/internetproxy/internetproxy.h"
 #include "common/internetproxy/proxyinfo.h"
-#include "common/utils/credentials.h"
 #include "common/utils/escapeurl.h"
 #include "input.h"
 #include "support/logcapture.h"
+#include "vxtl/credentials.h"
 
 #include <algorithm>
 #include <utility>
@@ -107,8 +107,8 @@ void checkHiding(const std::wstring& before, const std::wstring& behind)
     const auto authority = before.substr(0, before.find_first_of(L"/?#%"));
     for (const wchar_t* scheme : {L"", L"http://"}) {
         const std::wstring url = scheme + withSecret(authority, behind);
-        requireHidden(utils::withoutPasswords(url));
-        requireHidden(utils::withoutPasswords(buildDownloadUrl(url, L"hq:1")));
+        requireHidden(vx::withoutPasswords(url));
+        requireHidden(vx::withoutPasswords(buildDownloadUrl(url, L"hq:1")));
     }
 }
 

@@ -1,4 +1,4 @@
-#include "common/utils/credentials.h"
+#include "vxtl/credentials.h"
 
 #include <algorithm>
 #include <array>
@@ -6,7 +6,7 @@
 #include <utility>
 #include <vector>
 
-namespace vx::tarn::common::utils {
+namespace vx {
 
 namespace {
 
@@ -128,4 +128,4 @@ std::wstring withoutCredentials(std::wstring_view headers)
     return result;
 }
 
-} // namespace vx::tarn::common::utils
+} // namespace vx

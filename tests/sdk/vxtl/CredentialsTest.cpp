@@ -1,6 +1,6 @@
-#include "common/utils/credentials.h"
+#include "vxtl/credentials.h"
 
-using namespace vx::tarn::common::utils;
+using namespace vx;
 
 TEST(Credentials, noPasswordOfAnAddressIsLeft)
 {
