@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <nlohmann/json.hpp>
 #include <optional>
 #include <utility>
 #include <vector>
@@ -12,6 +13,7 @@ namespace {
 
 constexpr auto npos = std::wstring_view::npos;
 constexpr std::wstring_view schemeEnd = L"://";
+constexpr std::wstring_view hiddenPassword = L"<password>";
 
 std::optional<wchar_t> hexDigit(wchar_t c)
 {
@@ -105,12 +107,43 @@ std::wstring withoutPasswords(std::wstring_view url)
         const auto [begin, end] = findPassword(plain.text, authority);
         if (begin < end) {
             result += url.substr(shown, plain.places[begin] - shown);
-            result += L"<password>";
+            result += hiddenPassword;
             shown = plain.places[end];
         }
         authority = nextAuthority(plain.text, end);
     }
     return result += url.substr(shown);
+}
+
+std::wstring withoutProxyPassword(std::wstring_view text)
+{
+    const auto colon = text.find(L':', firstAuthority(text));
+    const auto at = text.rfind(L'@');
+    if (at == npos || colon >= at)
+        return withoutPasswords(text);
+    std::wstring result(text.substr(0, colon + 1));
+    result += hiddenPassword;
+    return withoutPasswords(result += text.substr(at));
+}
+
+std::string withoutProxyPassword(std::string_view text)
+{
+    // Only ASCII is looked for, so that a byte may stand for a character, and what is no UTF-8 stays as it is.
+    std::wstring bytes;
+    for (const unsigned char byte : text)
+        bytes += byte;
+    const std::wstring shown = withoutProxyPassword(bytes);
+    return {shown.begin(), shown.end()};
+}
+
+nlohmann::json withoutProxyPasswords(nlohmann::json value)
+{
+    if (auto* const text = value.get_ptr<nlohmann::json::string_t*>())
+        *text = withoutProxyPassword(*text);
+    if (value.is_structured())
+        for (auto& element : value)
+            element = withoutProxyPasswords(std::move(element));
+    return value;
 }
 
 std::wstring withoutCredentials(std::wstring_view headers)

@@ -16,7 +16,7 @@ using logging::LogStream;
 bool WinHTTPProxyChangerImpl::setProxy(const ProxyConfiguration& configuration)
 {
     VX_LOG_SCOPE();
-    const std::wstring shownProxy = withoutPasswords(configuration.proxy);
+    const std::wstring shownProxy = withoutProxyPassword(configuration.proxy);
     logging::logValues("proxy, bypass", shownProxy, configuration.bypass);
     // The system's record takes writable texts.
     auto [proxy, bypass] = configuration;
