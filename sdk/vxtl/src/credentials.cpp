@@ -149,10 +149,18 @@ nlohmann::json withoutProxyPasswords(nlohmann::json value)
 std::wstring withoutCredentials(std::wstring_view headers)
 {
     std::wstring result;
+    bool secret = false;
     while (!headers.empty()) {
         const auto line = headers.substr(0, headers.find_first_of(L"\r\n"));
-        const auto name = line.substr(0, line.find(L':'));
-        result += isSecret(name) ? std::wstring(name) + L": <hidden>" : std::wstring(line);
+        // A line that begins with a blank goes on with the value before it.
+        const bool continues = line.starts_with(L' ') || line.starts_with(L'\t');
+        const auto name = continues ? std::wstring_view() : line.substr(0, line.find(L':'));
+        secret = continues ? secret : isSecret(name);
+        const std::size_t value = std::min(name.size() + (continues ? 0 : 1), line.size());
+        if (secret)
+            (result += name) += L": <hidden>";
+        else
+            (result += line.substr(0, value)) += withoutPasswords(line.substr(value));
         headers.remove_prefix(line.size());
         const auto lineEnd = std::min(headers.find_first_not_of(L"\r\n"), headers.size());
         result += headers.substr(0, lineEnd);

@@ -49,6 +49,8 @@ TEST(Credentials, ofAProxyMayHoldAnySeparator)
 
 TEST(Credentials, noHeaderThatLogsInIsShown)
 {
-    EXPECT_EQ(withoutCredentials(L"Range: 1\r\nAUTHORIZATION: Basic x\r\n\r\nproxy-authorization:y\nCookie"),
-        L"Range: 1\r\nAUTHORIZATION: <hidden>\r\n\r\nproxy-authorization: <hidden>\nCookie: <hidden>");
+    EXPECT_EQ(withoutCredentials(L"Range: 1\r\nAUTHORIZATION: Basic x\r\n y\r\nReferer: http://u:p@h/\r\n\r\n"
+                                 L"proxy-authorization:y\nCookie"),
+        L"Range: 1\r\nAUTHORIZATION: <hidden>\r\n: <hidden>\r\nReferer: http://u:<password>@h/\r\n\r\n"
+        L"proxy-authorization: <hidden>\nCookie: <hidden>");
 }
