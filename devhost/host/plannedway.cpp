@@ -48,8 +48,11 @@ PlannedWay planWay(const std::shared_ptr<vx::settings::Settings>& settings, cons
     PlannedWay way;
     way.url = vx::withoutPasswords(downloadUrl);
     way.strategy = vx::toText(communication.useHttpProxy());
-    createProxy(settings, std::make_shared<Recorder>(way), std::make_shared<AutoProxyDriver>())
-        ->openInternetConnection(L"tarnhost", downloadUrl);
+    const auto proxy = createProxy(settings, std::make_shared<Recorder>(way), std::make_shared<AutoProxyDriver>());
+    proxy->openInternetConnection(L"tarnhost", downloadUrl);
+    // What the system is given does not tell any more that it is a piece of a password.
+    if (way.proxy && ProxyInfo::parse(proxy->proxyText()).isHostDoubtful)
+        way.proxy = L"<password>";
     return way;
 }
 
