@@ -139,7 +139,9 @@ TEST_F(RealDownload, failsWhereTheFileCanNotBeWritten)
     EXPECT_NE(errorAt({}), 0u);
     const KernelHandle reader(
         CreateFileW(file.c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr, CREATE_NEW, 0, nullptr));
+    const support::LogCapture log;
     EXPECT_EQ(errorAt(file), ERROR_SHARING_VIOLATION);
+    EXPECT_EQ(log.count("Failed to create a file file. GetLastError() = 32"), 3u) << log.text();
     EXPECT_FALSE(DownloadDriver().writeFile(reader.get(), "body", 4));
 }
 
