@@ -73,7 +73,7 @@ struct RealDownload : testing::Test {
 
     const std::filesystem::path folder =
         std::filesystem::temp_directory_path() / support::uniqueName(L"tarnhd-download");
-    const std::wstring file = (folder / "file").wstring();
+    const std::wstring file = (folder / L"f\x00EFle\x2713").wstring();
     const std::shared_ptr<HookedInternet> internet = std::make_shared<HookedInternet>();
     Downloader downloader = makeDownloader(internet);
 };
@@ -117,7 +117,7 @@ TEST_F(RealDownload, endsAsTheServerWantsIt)
     };
     for (const auto& row : cases) {
         SCOPED_TRACE(row.label);
-        std::ofstream(folder / "file") << before;
+        std::ofstream(std::filesystem::path(file)) << before;
         const ScriptedServer server(row.answers);
         internet->patience = row.patience;
         downloader.setAttempts(row.patience ? 1 : 3);
@@ -141,7 +141,7 @@ TEST_F(RealDownload, failsWhereTheFileCanNotBeWritten)
         CreateFileW(file.c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr, CREATE_NEW, 0, nullptr));
     const support::LogCapture log;
     EXPECT_EQ(errorAt(file), ERROR_SHARING_VIOLATION);
-    EXPECT_EQ(log.count("Failed to create a file file. GetLastError() = 32"), 3u) << log.text();
+    EXPECT_EQ(log.count("Failed to create a file f\xC3\xAFle\xE2\x9C\x93. GetLastError() = 32"), 3u) << log.text();
     EXPECT_FALSE(DownloadDriver().writeFile(reader.get(), "body", 4));
 }
 
