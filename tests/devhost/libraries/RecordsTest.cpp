@@ -64,6 +64,11 @@ TEST_F(RecordsTest, anAlertThatFailsHasTheFirstCodeAndTheTextOfTheSecondCall)
     EXPECT_THAT(failure.wideWhat(),
         testing::StartsWith(L"Type: VxAlertException, Reason: The alert could not be recorded, Alert: \xE9, Function: "
                             L"vx::alerts::VxAlertApi::sendAlert, "));
+    call("system-fault VxAlertApi::SendAlert 7 --count 2");
+    EXPECT_THAT(thrown<vx::VxAlertException>([&] { alerts->sendAlert("\xE9", {}); }).reason(),
+        testing::EndsWith(L", Alert: \xFFFD"));
+    const auto tooDeep = json::parse(std::string(100, '[') + std::string(100, ']'));
+    EXPECT_EQ(static_cast<int>(thrown<vx::VxAlertException>([&] { alerts->sendAlert("", tooDeep); }).code()), 2);
     send();
     EXPECT_THAT(call("alerts").output, testing::EndsWith("Z  alert: \xC3\xA9 {\"count\":2}\n"));
     EXPECT_EQ(callJson("alerts").at("data"), json({{"count", 2}}));
