@@ -58,6 +58,8 @@ TEST_F(IpcTest, theHandlerGetsEachBodyAsJson)
         const std::string warning = "Failed to parse json data from: \"" + body + "\". Data will be wrapped to json. ";
         EXPECT_EQ(log.has(3, warning + "Exception: [json.exception.parse_error.101] "), isWarned) << log.text();
     }
+    EXPECT_EQ(callback(5, nullptr, 3, nullptr, context), 11);
+    EXPECT_EQ(taken.back(), "5 null");
 }
 
 TEST_F(IpcTest, messagesWithoutAHandlerAndHandlersThatThrowGiveZero)
