@@ -8,6 +8,8 @@
 #include "support/machine.h"
 #include "support/thrown.h"
 
+#include <fstream>
+
 namespace {
 
 using namespace support;
@@ -50,6 +52,10 @@ TEST_F(RecordsTest, keepWhatTheLibrariesWereToldOnce)
     for (const json& record : file.read(position))
         numbers.push_back(record["type"].dump() + record["action"]["type"].dump() + record["details"].dump());
     EXPECT_THAT(numbers, testing::ElementsAre("21\"one\"", "12\"one\"", "00\"one\""));
+    for (const auto& [written, lines] : {std::pair("{}", 0u), {"\n", 1u}}) {
+        std::ofstream(file.path(), std::ios::app) << written;
+        EXPECT_EQ(file.read(position).size(), lines) << "a line that is still being written waits for its end";
+    }
 }
 
 TEST_F(RecordsTest, anAlertThatFailsHasTheFirstCodeAndTheTextOfTheSecondCall)
