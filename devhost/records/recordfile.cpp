@@ -68,6 +68,7 @@ void RecordFile::append(nlohmann::json record) const
     record["time"] = utcText();
     record["process"] = GetCurrentProcessId();
     const auto line = record.dump(-1, ' ', false, nlohmann::json::error_handler_t::replace) + "\n";
+    vx::parseJson(line);     // or it could never be read
     std::error_code ignored; // the file shows whether the folder can be used
     std::filesystem::create_directories(m_path.parent_path(), ignored);
     // Also when its last owner has died: what that one was writing is a line of its own at worst.

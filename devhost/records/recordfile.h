@@ -24,7 +24,8 @@ public:
 
     const std::filesystem::path& path() const { return m_path; }
     /// Adds a line with the record's members, the "time" in UTC and the "process" that writes. Waits for other writers,
-    /// a few seconds at most. Throws Win32Exception.
+    /// a few seconds at most. Throws Win32Exception, and the JSON library's parse error for a record that read would
+    /// leave out.
     void append(nlohmann::json record) const;
     /// The whole lines from `position` in bytes on, which it moves behind them. None where there is no file; a line
     /// that is no JSON object is left out.
