@@ -35,8 +35,8 @@ TEST_F(RecordsTest, keepWhatTheLibrariesWereToldOnce)
     const auto show = [&] { factory.createFlyerApi()->showFlyer(flyer, 17); };
     EXPECT_EQ(static_cast<int>(thrown<vx::VxFlyerException>(show).code()), 5);
     auto shown = callJson("flyers");
-    EXPECT_EQ(shown["process"], GetCurrentProcessId());
-    shown.erase("process");
+    EXPECT_EQ(shown["pid"], GetCurrentProcessId());
+    shown.erase("pid");
     shown.erase("time");
     EXPECT_EQ(shown, json::parse(R"({"type": 3, "heading": "Heading", "message": "Text é", "details": "one<br/>two",
         "menu": [{"text": "Now", "selected": true, "action": {"type": 1, "first": "a", "second": null}}],
