@@ -91,6 +91,7 @@ servers_files() {
             -addext "subjectAltName=DNS:localhost,IP:127.0.0.1" -keyout "$servers_folder/server.key" \
             -out "$servers_folder/server.crt" >"$servers_folder/openssl.log" 2>&1 ||
         die "no certificate: see $servers_folder/openssl.log"
+    openssl x509 -in "$servers_folder/server.crt" -outform DER -out "$servers_folder/files/server.der"
     head -c 1048576 /dev/urandom >"$servers_folder/files/patch.bin"
     truncate -s 1G "$servers_folder/files/large.bin"
     rm -f "$servers_folder/files/ready"
