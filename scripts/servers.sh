@@ -5,6 +5,7 @@
 servers_folder=$project/build/servers
 servers_programs=$wine_cache/servers
 servers_pids=()
+servers_credentials=tarnpatch:open-sesame
 
 # Taken from the packages without installing these: an installed one would become a service of this machine.
 servers_fetch() {
@@ -91,6 +92,7 @@ servers_files() {
             -addext "subjectAltName=DNS:localhost,IP:127.0.0.1" -keyout "$servers_folder/server.key" \
             -out "$servers_folder/server.crt" >"$servers_folder/openssl.log" 2>&1 ||
         die "no certificate: see $servers_folder/openssl.log"
+    openssl x509 -in "$servers_folder/server.crt" -outform DER -out "$servers_folder/files/server.der"
     head -c 1048576 /dev/urandom >"$servers_folder/files/patch.bin"
     truncate -s 1G "$servers_folder/files/large.bin"
     rm -f "$servers_folder/files/ready"
@@ -103,8 +105,8 @@ servers_start() {
     servers_files
     servers_try servers_web
     servers_try servers_proxy TARNHD_PROXY "" open-proxy
-    servers_try servers_proxy TARNHD_PASSWORD_PROXY "tarnpatch:open-sesame@" password-proxy \
-        "BasicAuth tarnpatch open-sesame"
+    servers_try servers_proxy TARNHD_PASSWORD_PROXY "$servers_credentials@" password-proxy \
+        "BasicAuth ${servers_credentials/:/ }"
 }
 
 servers_stop() {

@@ -7,7 +7,7 @@
 #include "common/internetproxy/proxyinfo.h"
 #include "common/internetproxy/sessiondriver.h"
 #include "common/settings/tarnpatchsettings.h"
-#include "common/utils/credentials.h"
+#include "vxtl/credentials.h"
 
 namespace devhost::host {
 
@@ -46,10 +46,13 @@ PlannedWay planWay(const std::shared_ptr<vx::settings::Settings>& settings, cons
     const vx::tarn::CommunicationSettings communication(settings);
     const auto downloadUrl = buildDownloadUrl(url, communication.hqProxyUrl());
     PlannedWay way;
-    way.url = utils::withoutPasswords(downloadUrl);
+    way.url = vx::withoutPasswords(downloadUrl);
     way.strategy = vx::toText(communication.useHttpProxy());
-    createProxy(settings, std::make_shared<Recorder>(way), std::make_shared<AutoProxyDriver>())
-        ->openInternetConnection(L"tarnhost", downloadUrl);
+    const auto proxy = createProxy(settings, std::make_shared<Recorder>(way), std::make_shared<AutoProxyDriver>());
+    proxy->openInternetConnection(L"tarnhost", downloadUrl);
+    // What the system is given does not tell any more that it is a piece of a password.
+    if (way.proxy && ProxyInfo::parse(proxy->proxyText()).isHostDoubtful)
+        way.proxy = L"<password>";
     return way;
 }
 

@@ -2,6 +2,7 @@
 
 #include "host/printer.h"
 #include "keys/keycatalogue.h"
+#include "vxtl/credentials.h"
 
 #include <nlohmann/json.hpp>
 
@@ -25,9 +26,17 @@ std::string shorten(std::string text)
 
 } // namespace
 
+store::Value forShow(const store::Value& value)
+{
+    return value.type() == store::Type::String ? store::Value::fromString(vx::withoutProxyPassword(value.asString()))
+                                               : value;
+}
+
 void printChange(Printer& printer, store::Client& values, const store::Change& change)
 {
-    const auto value = change.type ? values.get(change.name) : std::nullopt;
+    auto value = change.type ? values.get(change.name) : std::nullopt;
+    if (value)
+        value = forShow(*value);
     nlohmann::json fields = {{"key", change.name}, {"value", nullptr}};
     if (value)
         fields.update(value->toJson());

@@ -34,6 +34,9 @@ private:
     std::thread m_thread;
 };
 
+/// The value as a console shows it that was not asked for this one: a text without the password in it.
+store::Value forShow(const store::Value& value);
+
 /// Prints a change with the value that the key has by now.
 void printChange(Printer& printer, store::Client& values, const store::Change& change);
 

@@ -81,7 +81,8 @@ ExitCode listValues(const Context& context, const KeyOptions& options)
 {
     for (const auto& [key, value] : Client(context.instance).list(options.key)) {
         const auto type = value.type() == store::Type::Object ? "json" : vx::toText(value.type());
-        context.printer.result(key + " (" + type + ") = " + value.text(), describe(key, value));
+        const auto shown = forShow(value);
+        context.printer.result(key + " (" + type + ") = " + shown.text(), describe(key, shown));
     }
     return ExitCode::Done;
 }

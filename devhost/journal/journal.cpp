@@ -56,7 +56,7 @@ private:
     [[noreturn]] static void fail(const char* what)
     {
         const auto code = GetLastError();
-        throw std::runtime_error(std::string("the list of runs cannot be ") + what + ": error " + std::to_string(code));
+        throw std::runtime_error(std::string("the journal cannot be ") + what + ": error " + std::to_string(code));
     }
 
     vx::KernelHandle m_file;

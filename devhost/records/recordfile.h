@@ -1,7 +1,5 @@
 #pragma once
 
-#include "vxtl/handle.h"
-
 #include <cstdint>
 #include <filesystem>
 #include <nlohmann/json_fwd.hpp>
@@ -17,22 +15,20 @@ inline constexpr auto alerts = L"alerts";
 /// first, which only grows. In Vantorix\Development below the folder of programs' data. Any thread.
 class RecordFile {
 public:
-    /// Opens nothing. Throws Win32Exception when the lock for writers can't be had.
+    /// Opens nothing.
     RecordFile(const std::wstring& instance, const wchar_t* kind);
-    RecordFile(const RecordFile&) = delete;
-    RecordFile& operator=(const RecordFile&) = delete;
 
     const std::filesystem::path& path() const { return m_path; }
-    /// Adds a line with the record's members, the "time" in UTC and the "process" that writes. Waits for other writers,
-    /// a few seconds at most. Throws Win32Exception.
-    void append(nlohmann::json record) const;
+    /// Adds a line with the record's members, the "time" in UTC and the "pid" that writes. Waits for other writers.
+    /// Throws std::runtime_error when the file can't be used, and the JSON library's parse error for a record that read
+    /// would leave out.
+    void append(const nlohmann::json& record) const;
     /// The whole lines from `position` in bytes on, which it moves behind them. None where there is no file; a line
     /// that is no JSON object is left out.
     std::vector<nlohmann::json> read(std::uint64_t& position) const;
 
 private:
-    std::filesystem::path m_path;
-    const vx::KernelHandle m_lock; ///< a mutex of all writers
+    const std::filesystem::path m_path;
 };
 
 } // namespace devhost::records

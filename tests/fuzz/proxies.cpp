@@ -7,10 +7,10 @@
 #include "common/internetproxy/downloadurl.h"
 #include "common/internetproxy/internetproxy.h"
 #include "common/internetproxy/proxyinfo.h"
-#include "common/utils/credentials.h"
 #include "common/utils/escapeurl.h"
 #include "input.h"
 #include "support/logcapture.h"
+#include "vxtl/credentials.h"
 
 #include <algorithm>
 #include <utility>
@@ -72,6 +72,7 @@ std::optional<ProxyInfo> readByCutting(const std::wstring& text)
     if (!port)
         return ProxyInfo();
     result.port = static_cast<std::uint16_t>(*port);
+    result.isHostDoubtful = rest.find(L'@') != std::wstring::npos;
     return *port == static_cast<std::int32_t>(*port) ? std::optional(result) : std::nullopt;
 }
 
@@ -94,21 +95,33 @@ std::wstring withSecret(const std::wstring& before, const std::wstring& behind)
     return before + L':' + std::wstring(secret) + behind + L'@' + before;
 }
 
-void checkHiding(const std::wstring& before, const std::wstring& behind)
+void checkProxyHiding(const std::wstring& text)
 {
     const support::LogCapture log;
-    const auto proxy = read(withSecret(before, behind));
+    const auto proxy = read(text);
     fuzz::require(log.count("S3cr3t") == 0, "a password in the log");
     if (proxy) {
         requireHidden(proxy->toString(Passwords::Hidden));
         requireHidden(proxy->shownHost());
     }
+    requireHidden(vx::withoutProxyPassword(text));
+}
+
+void checkHiding(const std::wstring& before, const std::wstring& behind)
+{
+    checkProxyHiding(withSecret(before, behind));
     // These end the place where a password can stand.
     const auto authority = before.substr(0, before.find_first_of(L"/?#%"));
+    const auto user = authority.substr(0, authority.find_first_of(L":@"));
+    // Anywhere in it, unless all of it looks like the rest of a URL.
+    const auto half = behind.begin() + static_cast<std::ptrdiff_t>(behind.size() / 2);
+    if (!behind.starts_with(L"//"))
+        checkProxyHiding(user + L':' + std::wstring(behind.begin(), half) + std::wstring(secret) +
+                         std::wstring(half, behind.end()) + L'@' + user);
     for (const wchar_t* scheme : {L"", L"http://"}) {
         const std::wstring url = scheme + withSecret(authority, behind);
-        requireHidden(utils::withoutPasswords(url));
-        requireHidden(utils::withoutPasswords(buildDownloadUrl(url, L"hq:1")));
+        requireHidden(vx::withoutPasswords(url));
+        requireHidden(vx::withoutPasswords(buildDownloadUrl(url, L"hq:1")));
     }
 }
 

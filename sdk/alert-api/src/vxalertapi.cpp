@@ -29,7 +29,7 @@ void VxAlertApi::sendAlert(const std::string& alertType, const nlohmann::json& d
     if (code == VxAlertError_enum::Success)
         return;
     const wchar_t* const text = m_library.errorAsString(send());
-    const std::wstring reason = (text ? text : L"") + (L", Alert: " + str::fromUtf8(alertType));
+    const std::wstring reason = (text ? text : L"") + (L", Alert: " + str::fromUtf8Lossy(alertType));
     VX_THROW_FROM(VxAlertException, vxScopeName, code, reason);
 }
 

@@ -4,10 +4,7 @@ namespace vx::flyers {
 
 delayload::LoadResult loadFlyerLibrary(FlyerLibrary& library)
 {
-    delayload::LoadResult result{};
-    const auto bind = [&library](delayload::LateBinder& binder) { bindFlyerLibrary(binder, library); };
-    delayload::delayLoadInitialize(delayload::ownComponent, bind, result);
-    return result;
+    return delayload::loadInto(library, bindFlyerLibrary);
 }
 
 } // namespace vx::flyers

@@ -13,10 +13,7 @@ IpcLibrary& IpcLibrary::ofProcess()
 
 delayload::LoadResult loadIpcLibrary(IpcFunctions& functions)
 {
-    delayload::LoadResult result{};
-    const auto bind = [&functions](delayload::LateBinder& binder) { bindIpcLibrary(binder, functions); };
-    delayload::delayLoadInitialize(delayload::ownComponent, bind, result);
-    return result;
+    return delayload::loadInto(functions, bindIpcLibrary);
 }
 
 } // namespace vx::tarn::common

@@ -1,63 +1,18 @@
 #include "ipc-api/ipcserver.h"
 
+#include "handlerlist.h"
 #include "messagebody.h"
 
 #include "logging/logstream.h"
-#include "logging/nodestructor.h"
 #include "vxtl/guarded.h"
 #include "vxtl/modulelife.h"
 
-#include <map>
-#include <memory>
 #include <nlohmann/json.hpp>
 
 namespace vx::tarn::common {
 
 using logging::Level;
 using logging::LogStream;
-
-namespace {
-
-using SharedHandler = std::shared_ptr<const IPCServer::Handler>;
-
-/// The handlers by their servers' addresses, which is all that comes back from the library: a message for a server that
-/// is gone finds nothing.
-class HandlerList {
-public:
-    static HandlerList& instance()
-    {
-        // The library's threads may outlast the static objects.
-        static NoDestructor<HandlerList> list;
-        return *list;
-    }
-
-    void set(const void* server, SharedHandler handler)
-    {
-        const std::lock_guard lock(m_mutex);
-        m_handlers[server].swap(handler);
-    }
-    void remove(const void* server)
-    {
-        SharedHandler removed;
-        const std::lock_guard lock(m_mutex);
-        if (const auto found = m_handlers.find(server); found != m_handlers.end()) {
-            removed.swap(found->second);
-            m_handlers.erase(found);
-        }
-    }
-    SharedHandler find(const void* server)
-    {
-        const std::lock_guard lock(m_mutex);
-        const auto found = m_handlers.find(server);
-        return found == m_handlers.end() ? nullptr : found->second;
-    }
-
-private:
-    sync::Mutex m_mutex;
-    std::map<const void*, SharedHandler> m_handlers; ///< guarded by m_mutex
-};
-
-} // namespace
 
 IPCServer::IPCServer(const std::string& channelName, std::uint32_t access, IpcLibrary& library)
     : IPCCommunicationBase(channelName, library), m_access(access)
@@ -88,7 +43,7 @@ std::uint32_t IPCServer::start(const Handler& handler)
         functions->runServer(&m_serverHandle, m_channelName.c_str(), m_access, &IPCServer::OnIPCMessage, this, 0);
     if (result != 0)
         LogStream(Level::Error) << "Failed to start IPC server. Error code: " << result;
-    HandlerList::instance().set(this, handler ? std::make_shared<const Handler>(handler) : nullptr);
+    HandlerList::instance().set(this, handler);
     return result;
 }
 
@@ -118,12 +73,12 @@ std::int32_t VX_STDCALL IPCServer::OnIPCMessage(
         return 0;
     std::int32_t result = 0;
     guarded([&] {
-        const SharedHandler handler = HandlerList::instance().find(context);
-        if (!handler) {
+        const HandlerList::Call call(context);
+        if (!call.handler()) {
             LogStream(Level::Error) << "There is no handler for IPC message.";
             return;
         }
-        result = (*handler)(messageType, readMessageBody(data, dataSize));
+        result = (*call.handler())(messageType, readMessageBody(data, dataSize));
     });
     return result;
 }

@@ -5,6 +5,7 @@
 #include "storefailure.h"
 
 #include "logging/logstream.h"
+#include "vxtl/credentials.h"
 #include "vxtl/guarded.h"
 #include "vxtl/parsejson.h"
 #include "vxtl/scopeexit.h"
@@ -160,14 +161,16 @@ void SettingsApi::setDoubleValue(const std::wstring& name, double value)
 void SettingsApi::setStringValue(const std::wstring& name, const std::wstring& value)
 {
     VX_LOG_SCOPE();
-    VX_LOG_VALUES(name, value);
+    if (isEnabled(Level::Debug))
+        logging::logValues("name, value", name, withoutProxyPassword(value));
     writeRepeatedly([&] { return m_api.setString(m_handles[0], name.c_str(), value.c_str()); }, name, vxScopeName);
 }
 
 void SettingsApi::setJsonValue(const std::wstring& name, const nlohmann::json& data)
 {
     VX_LOG_SCOPE();
-    VX_LOG_VALUES(name, data.dump());
+    if (isEnabled(Level::Debug))
+        logging::logValues("name, data.dump()", name, withoutProxyPasswords(data).dump());
     writeRepeatedly([&] { return m_api.setObjectFromStringUtf8(m_handles[0], name.c_str(), data.dump().c_str()); },
         name, vxScopeName);
 }

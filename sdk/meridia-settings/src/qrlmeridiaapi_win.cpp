@@ -6,14 +6,12 @@ namespace vx::meridia {
 
 delayload::LoadStatus loadQrlMeridiaApi(QrlMeridiaApi& api)
 {
-    delayload::LoadResult result{};
-    const auto bind = [&api](delayload::LateBinder& binder) { bindQrlMeridiaApi(binder, api); };
-    const delayload::LoadStatus status = delayload::delayLoadInitialize(delayload::ownComponent, bind, result);
-    if (status != delayload::LoadStatus::Success)
+    const delayload::LoadResult result = delayload::loadInto(api, bindQrlMeridiaApi);
+    if (result.status != delayload::LoadStatus::Success)
         logging::LogStream(logging::Level::Error)
-            << "Failed to delay load QRL Meridia library. Status: " << static_cast<std::uint32_t>(status)
+            << "Failed to delay load QRL Meridia library. Status: " << static_cast<std::uint32_t>(result.status)
             << ", library: " << result.libraryName() << ", function: " << result.functionName();
-    return status;
+    return result.status;
 }
 
 } // namespace vx::meridia

@@ -112,4 +112,12 @@ std::string toUtf8Lossy(std::wstring_view text)
     return copyAscii(text, result) ? result : narrow(CP_UTF8, 0, text);
 }
 
+std::wstring fromUtf8Lossy(std::string_view text)
+{
+    if (text.size() > longestText)
+        VX_THROW(BaseException, L"Too long string");
+    std::wstring result;
+    return copyAscii(text, result) ? result : widen(CP_UTF8, 0, text);
+}
+
 } // namespace vx::str

@@ -29,7 +29,8 @@ const wchar_t* storeName(CertStoreProtocol protocol)
     return nullptr;
 }
 
-/// Nothing, with a line in the log, for a file that can't hold a certificate.
+/// Nothing, with a line in the log, for a file that can't hold a certificate. Throws BaseException for one that can't
+/// be read to its end.
 std::optional<Bytes> readFile(const std::wstring& filename)
 {
     const std::filesystem::path path(filename);
@@ -50,7 +51,9 @@ std::optional<Bytes> readFile(const std::wstring& filename)
     }
     Bytes content(static_cast<std::size_t>(size));
     file.seekg(0);
-    file.read(reinterpret_cast<char*>(content.data()), size);
+    // The rest would be zeros, and the system looks at no signature.
+    if (!file.read(reinterpret_cast<char*>(content.data()), size))
+        VX_THROW(BaseException, L"Failed to read the certificate file");
     return content;
 }
 

@@ -4,8 +4,6 @@
 #include "common/wininet/iwininetdriver.h"
 #include "logging/logstream.h"
 
-#include <utility>
-
 namespace vx::tarn::common {
 
 using logging::Level;
@@ -16,12 +14,10 @@ namespace {
 constexpr unsigned long usualSize = 1024;
 constexpr unsigned long insufficientBuffer = 122;
 
-bool canonicalizeInto(IWinInetDriver& internet, const std::wstring& url, std::wstring& buffer)
+bool canonicalizeInto(IWinInetDriver& internet, const std::wstring& url, std::wstring& buffer, unsigned long& size)
 {
-    unsigned long size = static_cast<unsigned long>(buffer.size());
-    const bool done = internet.internetCanonicalizeUrl(url.c_str(), buffer.data(), &size, 0);
-    buffer.resize(size);
-    return done;
+    size = static_cast<unsigned long>(buffer.size());
+    return internet.internetCanonicalizeUrl(url.c_str(), buffer.data(), &size, 0);
 }
 
 } // namespace
@@ -29,18 +25,20 @@ bool canonicalizeInto(IWinInetDriver& internet, const std::wstring& url, std::ws
 bool canonicalizeUrl(IWinInetDriver& internet, IDownloadDriver& system, std::wstring& url)
 {
     std::wstring buffer(usualSize, L'\0');
-    if (!canonicalizeInto(internet, url, buffer)) {
+    unsigned long size = 0;
+    if (!canonicalizeInto(internet, url, buffer, size)) {
+        // The size means something with this error only.
         if (const unsigned long error = system.lastError(); error != insufficientBuffer) {
             LogStream(Level::Error) << "Failed to get buffer size to canonicalize url. Last error code: " << error;
             return false;
         }
-        // The buffer has now the size that the system asked for.
-        if (!canonicalizeInto(internet, url, buffer)) {
+        buffer.resize(size);
+        if (!canonicalizeInto(internet, url, buffer, size)) {
             LogStream(Level::Error) << "Failed to canonicalize url. Last error code: " << system.lastError();
             return false;
         }
     }
-    url = std::move(buffer);
+    url.assign(buffer, 0, size);
     return true;
 }
 

@@ -5,9 +5,9 @@
 #include "common/downloader/downloadtofile.h"
 #include "common/downloader/useragent.h"
 #include "common/internetproxy/internetproxy.h"
-#include "common/utils/credentials.h"
 #include "common/wininet/iwininetdriver.h"
 #include "logging/logstream.h"
+#include "vxtl/credentials.h"
 #include "vxtl/registry.h"
 #include "vxtl/scopeexit.h"
 
@@ -56,7 +56,7 @@ ExitStatus Downloader::download(
     const std::wstring& url, const std::wstring& filename, const HttpHeaders& requestHeaders)
 {
     VX_LOG_SCOPE();
-    const std::wstring shownUrl = utils::withoutPasswords(url);
+    const std::wstring shownUrl = withoutPasswords(url);
     Job job{shownUrl, nameForLog(filename, shownUrl), filename, url, headerText(requestHeaders)};
     logging::logValues("url, filename", shownUrl, filename);
     m_lastError = 0;

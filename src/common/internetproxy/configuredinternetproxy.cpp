@@ -3,8 +3,8 @@
 #include "common/internetproxy/proxyinfo.h"
 #include "common/internetproxy/sessiondriver.h"
 #include "common/settings/tarnpatchsettings.h"
-#include "common/utils/credentials.h"
 #include "logging/logstream.h"
+#include "vxtl/credentials.h"
 
 #include <utility>
 
@@ -25,7 +25,7 @@ void* ConfiguredInternetProxy::openThrough(
     void* const handle = openSession(proxy, userAgent, url);
     if (!handle) {
         LogStream(Level::Error) << "Failed to open the internet connection (UA: " << userAgent
-                                << ", url: " << utils::withoutPasswords(url) << ", host: " << proxy.shownHost()
+                                << ", url: " << withoutPasswords(url) << ", host: " << proxy.shownHost()
                                 << "). Last error code: " << m_driver->lastError();
         return nullptr;
     }

@@ -1,8 +1,8 @@
 #include "common/internetproxy/internetproxy.h"
 
 #include "common/internetproxy/sessiondriver.h"
-#include "common/utils/credentials.h"
 #include "logging/logstream.h"
+#include "vxtl/credentials.h"
 
 #include <cstdint>
 #include <utility>
@@ -52,7 +52,7 @@ bool InternetProxy::isHQAddress(const std::wstring& url, const std::wstring& hqU
 {
     if (hqUrl.empty() || !url.starts_with(hqUrl))
         return false;
-    LogStream(Level::Info) << "Direct connection to HQ URL: " << utils::withoutPasswords(url);
+    LogStream(Level::Info) << "Direct connection to HQ URL: " << withoutPasswords(url);
     return true;
 }
 

@@ -1,8 +1,8 @@
 #include "common/internetproxy/nointernetproxy.h"
 
 #include "common/internetproxy/sessiondriver.h"
-#include "common/utils/credentials.h"
 #include "logging/logstream.h"
+#include "vxtl/credentials.h"
 
 #include <utility>
 
@@ -17,7 +17,7 @@ void* NoInternetProxy::openInternetConnection(const std::wstring& userAgent, con
     void* const handle = m_driver->open(userAgent, std::nullopt);
     if (!handle) {
         logging::LogStream(logging::Level::Error)
-            << "Failed to open the internet connection (UA: " << userAgent << ", url: " << utils::withoutPasswords(url)
+            << "Failed to open the internet connection (UA: " << userAgent << ", url: " << withoutPasswords(url)
             << "). Last error code: " << m_driver->lastError();
         return nullptr;
     }

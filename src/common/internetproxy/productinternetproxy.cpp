@@ -4,8 +4,8 @@
 #include "common/internetproxy/proxyinfo.h"
 #include "common/internetproxy/sessiondriver.h"
 #include "common/settings/hostsettings.h"
-#include "common/utils/credentials.h"
 #include "logging/logstream.h"
+#include "vxtl/credentials.h"
 
 #include <utility>
 
@@ -44,7 +44,7 @@ std::wstring ProductInternetProxy::getAutoProxy(const std::wstring& url)
 {
     VX_LOG_SCOPE();
     if (isEnabled(Level::Debug))
-        logging::logValues("url", utils::withoutPasswords(url));
+        logging::logValues("url", withoutPasswords(url));
     return detectProxy(*m_autoProxyDriver, url);
 }
 

@@ -26,12 +26,6 @@ std::wstring behindLastAt(const std::wstring& text)
     return text.substr(text.rfind(L'@') + 1);
 }
 
-/// Credentials without a protocol in front of them may hold its separator.
-std::wstring_view shownProtocol(const std::wstring& protocol)
-{
-    return protocol.find_first_of(L":@") == npos ? std::wstring_view(protocol) : hiddenPassword;
-}
-
 } // namespace
 
 ProxyInfo ProxyInfo::parse(const std::wstring& text)
@@ -54,6 +48,7 @@ ProxyInfo ProxyInfo::parse(const std::wstring& text)
     if (colon == npos)
         return result;
     const std::wstring port = text.substr(colon + 1);
+    result.isHostDoubtful = port.find(L'@') != npos;
     try {
         result.port = static_cast<std::uint16_t>(utils::toInt32(port));
     } catch (const std::invalid_argument& e) {
@@ -67,16 +62,7 @@ ProxyInfo ProxyInfo::parse(const std::wstring& text)
 
 std::wstring ProxyInfo::toString(Passwords passwords) const
 {
-    const bool isHidden = passwords == Passwords::Hidden;
-    std::wstring text(isHidden ? shownProtocol(protocol) : protocol);
-    text += schemeEnd;
-    if (!user.empty()) {
-        text += user;
-        if (!password.empty())
-            (text += L':') += isHidden ? hiddenPassword : password;
-        text += L'@';
-    }
-    return text + (isHidden ? shownHost() : host) + L':' + std::to_wstring(port);
+    return passwords == Passwords::Shown ? write() : shown().write();
 }
 
 std::wstring ProxyInfo::toStringAddress() const
@@ -86,7 +72,28 @@ std::wstring ProxyInfo::toStringAddress() const
 
 std::wstring ProxyInfo::shownHost() const
 {
-    return behindLastAt(host);
+    return isHostDoubtful ? std::wstring(hiddenPassword) : behindLastAt(host);
+}
+
+std::wstring ProxyInfo::write() const
+{
+    const std::wstring credentials = password.empty() ? user : user + L':' + password;
+    return protocol + std::wstring(schemeEnd) + (user.empty() ? L"" : credentials + L'@') + host + L':' +
+           std::to_wstring(port);
+}
+
+ProxyInfo ProxyInfo::shown() const
+{
+    ProxyInfo result = *this;
+    if (!password.empty())
+        result.password = hiddenPassword;
+    // Credentials without a protocol in front of them may hold its separator; what is behind it is no user then.
+    if (protocol.find_first_of(L":@") != npos)
+        result.protocol = result.user = hiddenPassword;
+    result.host = shownHost();
+    if (isHostDoubtful)
+        result.port = 0;
+    return result;
 }
 
 } // namespace vx::tarn::common

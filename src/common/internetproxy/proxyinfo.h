@@ -14,6 +14,7 @@ struct ProxyInfo {
     std::wstring host;
     std::wstring user;
     std::wstring password;
+    bool isHostDoubtful = false; ///< an @ comes later: host and port may be pieces of the password
 
     /// Reads [protocol://][user[:password]@]host[:port] by the first place of each separator; nothing is unescaped or
     /// checked. A port of more than 16 bits wraps, and what follows its digits is passed over. A port without digits
@@ -29,6 +30,10 @@ struct ProxyInfo {
     std::wstring shownHost() const;
 
     friend bool operator==(const ProxyInfo&, const ProxyInfo&) = default;
+
+private:
+    std::wstring write() const;
+    ProxyInfo shown() const;
 };
 
 } // namespace vx::tarn::common

@@ -1,7 +1,7 @@
 #include "common/winhttpproxy/winhttpproxychangerimpl.h"
 
-#include "common/utils/credentials.h"
 #include "logging/logstream.h"
+#include "vxtl/credentials.h"
 #include "vxtl/scopeexit.h"
 
 #include <windows.h>
@@ -16,7 +16,7 @@ using logging::LogStream;
 bool WinHTTPProxyChangerImpl::setProxy(const ProxyConfiguration& configuration)
 {
     VX_LOG_SCOPE();
-    const std::wstring shownProxy = utils::withoutPasswords(configuration.proxy);
+    const std::wstring shownProxy = withoutProxyPassword(configuration.proxy);
     logging::logValues("proxy, bypass", shownProxy, configuration.bypass);
     // The system's record takes writable texts.
     auto [proxy, bypass] = configuration;

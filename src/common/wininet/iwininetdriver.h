@@ -10,8 +10,8 @@ public:
     virtual ~IWinInetDriver() = default;
 
     virtual bool internetCloseHandle(void* hInternet) = 0;
-    /// Sends the request and blocks until the answer's headers are there. `lpszHeaders`: lines that each end in CR LF,
-    /// or null. Null when there is no answer.
+    /// Sends the request and blocks until the answer's headers are there. `lpszHeaders`: lines that each end in CR LF
+    /// and a closing zero, which the trace reads up to, or null. Null when there is no answer.
     virtual void* internetOpenUrl(void* hInternet, const wchar_t* lpszUrl, const wchar_t* lpszHeaders,
         unsigned long dwHeadersLength, unsigned long dwFlags) = 0;
     /// `lpdwBufferLength`: the room of the buffer; on success the length of the text, for ERROR_INSUFFICIENT_BUFFER

@@ -1,7 +1,7 @@
 #include "common/wininet/wininetdriver.h"
 
-#include "common/utils/credentials.h"
 #include "logging/logstream.h"
+#include "vxtl/credentials.h"
 
 #include <windows.h>
 
@@ -29,8 +29,7 @@ void* WinInetDriver::internetOpenUrl(void* hInternet, const wchar_t* lpszUrl, co
     VX_LOG_SCOPE();
     if (isEnabled(logging::Level::Debug))
         logging::logValues("hInternet, lpszUrl, lpszHeaders, dwHeadersLength, dwFlags", hInternet,
-            utils::withoutPasswords(orEmpty(lpszUrl)), utils::withoutCredentials(orEmpty(lpszHeaders)), dwHeadersLength,
-            dwFlags);
+            withoutPasswords(orEmpty(lpszUrl)), withoutCredentials(orEmpty(lpszHeaders)), dwHeadersLength, dwFlags);
     return InternetOpenUrlW(hInternet, lpszUrl, lpszHeaders, dwHeadersLength, dwFlags, 0);
 }
 

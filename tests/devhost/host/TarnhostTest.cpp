@@ -8,6 +8,7 @@ namespace {
 using namespace support;
 using testing::ElementsAre;
 using testing::HasSubstr;
+using testing::Not;
 
 class TarnhostTest : public CommandTest {
 protected:
@@ -119,6 +120,9 @@ TEST_F(TarnhostTest, saysWhichWayADownloadWouldGo)
     EXPECT_THAT(answer, HasSubstr("http://user:<password>@server/a"));
     EXPECT_THAT(answer, HasSubstr("  use_http_proxy user_defined: through http://proxy:3128, with a user name, with a "
                                   "password; certificate errors are ignored"));
+    put(communication.userDefinedProxy, "user:a@secret:1@proxy:3128");
+    for (const auto* command : {"proxy http://server/a", "keys windows.tarnpatch.communication."})
+        EXPECT_THAT(say(command), Not(HasSubstr("secret")));
     put(communication.hqProxyUrl, "http://hq");
     EXPECT_EQ(json::parse(say("--json proxy http://server/a")),
         json({{"url", "http://hq/tarn/update?uri=http%3A%2F%2Fserver%2Fa"}, {"use_http_proxy", "user_defined"},

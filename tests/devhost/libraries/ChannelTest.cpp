@@ -108,12 +108,14 @@ TEST_F(ChannelTest, aLibraryThatIsMissingIsFoundOnceItIsThere)
     EXPECT_EQ(late.send(1, {}), 0u);
 }
 
-TEST_F(ChannelTest, anErrorIsGivenAsOftenAsItIsPlanned)
+TEST_F(ChannelTest, errorsAreThoseThatArePlannedOrOnesOwn)
 {
     const Machine own;
-    server.start([](std::uint32_t, const json&) { return 0; });
+    std::uint32_t inside = 0;
+    server.start([&](std::uint32_t, const json&) { return inside = server.stop(), 0; });
     call("system-fault QRLIPC::Send 31 --count 2");
     for (const std::uint32_t code : {31u, 31u, 0u})
         EXPECT_EQ(client.send(1, {}), code);
+    EXPECT_EQ(inside, ERROR_POSSIBLE_DEADLOCK) << "a stop from inside a handler is refused";
     expectOneLineEach({{"ipc send c", 2, "give the TYPE"}, {"ipc send c 1 {", 2, "the BODY is no JSON: {"}});
 }

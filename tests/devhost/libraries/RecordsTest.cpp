@@ -8,6 +8,8 @@
 #include "support/machine.h"
 #include "support/thrown.h"
 
+#include <fstream>
+
 namespace {
 
 using namespace support;
@@ -33,8 +35,8 @@ TEST_F(RecordsTest, keepWhatTheLibrariesWereToldOnce)
     const auto show = [&] { factory.createFlyerApi()->showFlyer(flyer, 17); };
     EXPECT_EQ(static_cast<int>(thrown<vx::VxFlyerException>(show).code()), 5);
     auto shown = callJson("flyers");
-    EXPECT_EQ(shown["process"], GetCurrentProcessId());
-    shown.erase("process");
+    EXPECT_EQ(shown["pid"], GetCurrentProcessId());
+    shown.erase("pid");
     shown.erase("time");
     EXPECT_EQ(shown, json::parse(R"({"type": 3, "heading": "Heading", "message": "Text é", "details": "one<br/>two",
         "menu": [{"text": "Now", "selected": true, "action": {"type": 1, "first": "a", "second": null}}],
@@ -50,6 +52,10 @@ TEST_F(RecordsTest, keepWhatTheLibrariesWereToldOnce)
     for (const json& record : file.read(position))
         numbers.push_back(record["type"].dump() + record["action"]["type"].dump() + record["details"].dump());
     EXPECT_THAT(numbers, testing::ElementsAre("21\"one\"", "12\"one\"", "00\"one\""));
+    for (const auto& [written, lines] : {std::pair("{}", 0u), {"\n", 1u}}) {
+        std::ofstream(file.path(), std::ios::app) << written;
+        EXPECT_EQ(file.read(position).size(), lines) << "a line that is still being written waits for its end";
+    }
 }
 
 TEST_F(RecordsTest, anAlertThatFailsHasTheFirstCodeAndTheTextOfTheSecondCall)
@@ -64,6 +70,11 @@ TEST_F(RecordsTest, anAlertThatFailsHasTheFirstCodeAndTheTextOfTheSecondCall)
     EXPECT_THAT(failure.wideWhat(),
         testing::StartsWith(L"Type: VxAlertException, Reason: The alert could not be recorded, Alert: \xE9, Function: "
                             L"vx::alerts::VxAlertApi::sendAlert, "));
+    call("system-fault VxAlertApi::SendAlert 7 --count 2");
+    EXPECT_THAT(thrown<vx::VxAlertException>([&] { alerts->sendAlert("\xE9", {}); }).reason(),
+        testing::EndsWith(L", Alert: \xFFFD"));
+    const auto tooDeep = json::parse(std::string(100, '[') + std::string(100, ']'));
+    EXPECT_EQ(static_cast<int>(thrown<vx::VxAlertException>([&] { alerts->sendAlert("", tooDeep); }).code()), 2);
     send();
     EXPECT_THAT(call("alerts").output, testing::EndsWith("Z  alert: \xC3\xA9 {\"count\":2}\n"));
     EXPECT_EQ(callJson("alerts").at("data"), json({{"count", 2}}));

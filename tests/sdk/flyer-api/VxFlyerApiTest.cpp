@@ -57,6 +57,8 @@ TEST_F(VxFlyerApiTest, tellsTheLibraryWhatThereIsInOrderAndClosesTheFlyer)
     calls.clear();
     api.showFlyer({}, 0);
     EXPECT_THAT(calls, ElementsAre(L"create", L"show", L"close"));
+    api.showFlyer({0, L"", L"", {L""}, {}, {}, {}}, 0);
+    EXPECT_EQ(calls[4], L"details") << "an empty line is one";
 }
 
 TEST_F(VxFlyerApiTest, failsEachStepWithItsFirstCodeAndTheTextOfTheSecondCall)

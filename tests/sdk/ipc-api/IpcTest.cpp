@@ -1,4 +1,5 @@
 #include "fakeipc.h"
+#include "support/gate.h"
 #include "vxtl/modulelife.h"
 
 #include <stdexcept>
@@ -57,6 +58,8 @@ TEST_F(IpcTest, theHandlerGetsEachBodyAsJson)
         const std::string warning = "Failed to parse json data from: \"" + body + "\". Data will be wrapped to json. ";
         EXPECT_EQ(log.has(3, warning + "Exception: [json.exception.parse_error.101] "), isWarned) << log.text();
     }
+    EXPECT_EQ(callback(5, nullptr, 3, nullptr, context), 11);
+    EXPECT_EQ(taken.back(), "5 null");
 }
 
 TEST_F(IpcTest, messagesWithoutAHandlerAndHandlersThatThrowGiveZero)
@@ -73,4 +76,19 @@ TEST_F(IpcTest, messagesWithoutAHandlerAndHandlersThatThrowGiveZero)
     context = nullptr;
     EXPECT_EQ(deliver("1"), 0);
     EXPECT_EQ(log.count("There is no handler for IPC message."), 2u);
+}
+
+TEST_F(IpcTest, theEndOfAServerWaitsForItsHandlersOnOtherThreads)
+{
+    support::Gate gate;
+    bool isHandled = false;
+    server->start([&](auto, auto&) { return gate.pass(), isHandled = true, 0; });
+    const auto message = std::async(std::launch::async, [this] { return deliver("1"); });
+    gate.waitUntilEntered();
+    stopping = [&] { gate.open(); }; // and the library doesn't wait
+    server.reset();
+    EXPECT_TRUE(isHandled);
+    stopping = [] {};
+    server.emplace("c", 9u, library).start([&](auto, auto&) { return server.reset(), 3; });
+    EXPECT_EQ(deliver("1"), 3);
 }

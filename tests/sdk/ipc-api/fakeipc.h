@@ -27,7 +27,11 @@ struct IpcTest : testing::Test {
             test->deliver("1");
         return note(std::string("run ") + channel + " " + std::to_string(access));
     }
-    static std::uint32_t VX_STDCALL stopServer(std::uint32_t handle) { return note("stop " + std::to_string(handle)); }
+    static std::uint32_t VX_STDCALL stopServer(std::uint32_t handle)
+    {
+        test->stopping();
+        return note("stop " + std::to_string(handle));
+    }
     static std::uint32_t VX_STDCALL send(const char* channel, std::uint32_t owner, std::uint32_t type, const void* data,
         std::uint32_t size, std::uint32_t, std::uint32_t)
     {
@@ -37,7 +41,8 @@ struct IpcTest : testing::Test {
     /// As the library does it: the body is not terminated.
     std::int32_t deliver(const std::string& body) const
     {
-        const std::vector<char> bytes(body.begin(), body.end());
+        std::vector<char> bytes(body.begin(), body.end());
+        bytes.reserve(1); // an empty body need not be null
         return callback(5, bytes.data(), static_cast<std::uint32_t>(bytes.size()), nullptr, context);
     }
 
@@ -45,6 +50,7 @@ struct IpcTest : testing::Test {
     std::uint32_t code = 0; ///< what the functions answer
     std::uint32_t lastHandle = 0;
     bool messageAtOnce = false; ///< before runServer returns
+    std::function<void()> stopping = [] {};
     IpcCallback* callback = nullptr;
     void* context = nullptr;
     std::vector<std::string> calls, taken;

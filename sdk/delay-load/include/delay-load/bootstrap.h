@@ -78,4 +78,13 @@ LoadStatus delayLoadInitialize(std::uint32_t component, const Initializer& initi
 /// The number of this program's component.
 inline constexpr std::uint32_t ownComponent = 100;
 
+/// Bootstraps a library of this program's into a table of its functions, which `bind` fills.
+template <typename Table>
+LoadResult loadInto(Table& table, void (*bind)(LateBinder& binder, Table& table))
+{
+    LoadResult result{};
+    delayLoadInitialize(ownComponent, [&](LateBinder& binder) { bind(binder, table); }, result);
+    return result;
+}
+
 } // namespace vx::delayload

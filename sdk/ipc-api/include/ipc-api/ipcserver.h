@@ -22,7 +22,8 @@ public:
 
     /// Serves nothing yet. `access` goes to the library as it is. The library is borrowed.
     IPCServer(const std::string& channelName, std::uint32_t access, IpcLibrary& library = IpcLibrary::ofProcess());
-    /// Stops. No message reaches the handler from then on, whatever the library does.
+    /// Stops. Whatever the library does, no message reaches the handler from then on, and none is inside: it waits for
+    /// those on other threads.
     ~IPCServer() override;
 
     /// Serves from now on, anew if it did before. The handler is set once the server runs: messages before that find

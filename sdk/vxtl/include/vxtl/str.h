@@ -15,8 +15,9 @@ std::wstring toUnicode(std::string_view text);
 /// UTF-8 both ways, for store values and logs. Throws Win32Exception on text that is not valid.
 std::string toUtf8(std::wstring_view text);
 std::wstring fromUtf8(std::string_view text);
-/// U+FFFD stands for each code unit that is not valid. Throws BaseException on a text above 0x7FFFFFFF characters.
+/// U+FFFD stands for what is not valid. Throws BaseException on a text above 0x7FFFFFFF characters.
 std::string toUtf8Lossy(std::wstring_view text);
+std::wstring fromUtf8Lossy(std::string_view text);
 
 inline constexpr std::wstring_view whiteSpace = L" \t\r\n";
 

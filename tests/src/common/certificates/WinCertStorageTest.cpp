@@ -51,6 +51,7 @@ TEST(WinCertStorage, takesFilesThatCanHoldACertificateAndSaysWhatWentWrong)
         {-1, 0, {}, fileHead + " doesn't exist."},
         {0, 0, {}, fileHead + " has wrong file size: 0. Maximum allowed: 20971520 bytes."},
         {20971521, 1, {}, fileHead + " has wrong file size: 20971521. Maximum allowed: 20971520 bytes."},
+        {0x100000003, 1, {}, fileHead + " has wrong file size: 4294967299. Maximum allowed: 20971520 bytes."},
         {20971520, 1, {"open CA", "add 65537 20971520 2", "close 0"}, ""},
         {3, 0, {"open MY", "add 65537 3 2", "close 0"}, ""},
         {2, 0, {"open MY", "add 65537 2 2", "close 0"}, head + "re. Last error code: 13"},

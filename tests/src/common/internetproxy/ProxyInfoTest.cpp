@@ -44,13 +44,14 @@ TEST(ProxyInfo, isWrittenWithItsPasswordOnlyWhenThatIsWanted)
 // By parsing, these are no passwords or only half of them; by whoever wrote the setting, they are.
 TEST(ProxyInfo, showsNoPieceOfAPasswordThatHoldsSeparators)
 {
-    for (const wchar_t* text :
-        {L"user:a@secret@host:1", L"user:a@b@secret@host:1", L"user:secret://a@host:1", L"user:a@b:secret@host"}) {
+    for (const wchar_t* text : {L"user:a@secret@host:1", L"user:a@b@secret@host:1", L"user:secret://a@host:1",
+             L"user:a://secret@host:1", L"user:a@b:secret@host", L"user:a@secret:1@host", L"user:a@b:1secret@host"}) {
         const support::LogCapture log;
         EXPECT_EQ(ProxyInfo::parse(text).toString(Hidden).find(L"secret"), std::wstring::npos)
             << testing::PrintToString(text);
         EXPECT_EQ(log.count("secret"), 0u) << log.text();
     }
+    EXPECT_EQ(ProxyInfo::parse(L"user:a@b:47@host").toString(Hidden), L"http://user:<password>@<password>:0");
     const support::LogCapture log;
     ProxyInfo::parse(L"host:abc");
     EXPECT_TRUE(log.has(2, "Failed to parse proxy port: 'abc'. Reason: invalid stoi argument")) << log.text();

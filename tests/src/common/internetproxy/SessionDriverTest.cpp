@@ -1,5 +1,4 @@
 #include "common/internetproxy/sessiondriver.h"
-#include "common/internetproxy/autoproxydriver.h"
 #include "common/internetproxy/nointernetproxy.h"
 #include "support/logcapture.h"
 
@@ -33,14 +32,4 @@ TEST(SessionDriver, letsASessionIgnoreCertificateErrors)
     const std::shared_ptr<void> session(proxy.openInternetConnection(L"UA", L"https://server/"), InternetCloseHandle);
     EXPECT_NE(session, nullptr);
     EXPECT_EQ(log.text(), "");
-}
-
-TEST(AutoProxyDriver, asksTheNetwork)
-{
-    constexpr unsigned long nothingFound = 12180;
-    const auto answer = AutoProxyDriver().detect(L"http://127.0.0.1/");
-    if (const auto* failure = std::get_if<DetectionFailure>(&answer)) {
-        EXPECT_EQ(failure->step, DetectionFailure::Step::GetProxy);
-        EXPECT_EQ(failure->error, nothingFound);
-    }
 }

@@ -18,9 +18,9 @@ TEST(MachineProxy, isAnotherOneForTheLengthOfAJobHoweverThatEnds)
         const WinHTTPDefaultProxyChanger known(before, machine);
         ProxyConfiguration present;
         try {
-            const auto changer = CommonFactory().createProxyChanger(L"user:secret@during:2", L"a;b");
+            const auto changer = CommonFactory().createProxyChanger(L"user:1#secret@during:2", L"a;b");
             EXPECT_TRUE(machine->getProxy(present));
-            EXPECT_EQ(present, (ProxyConfiguration{L"user:secret@during:2", L"a;b"}));
+            EXPECT_EQ(present, (ProxyConfiguration{L"user:1#secret@during:2", L"a;b"}));
             throw std::runtime_error("left");
         } catch (const std::runtime_error&) {
             EXPECT_TRUE(machine->getProxy(present));

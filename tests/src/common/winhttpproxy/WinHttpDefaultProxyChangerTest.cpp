@@ -3,6 +3,7 @@
 #include "support/thrown.h"
 #include "vxtl/exception.h"
 
+#include <functional>
 #include <stdexcept>
 
 using namespace vx::tarn::common;
@@ -10,22 +11,11 @@ using namespace vx::tarn::common;
 namespace {
 
 struct FakeMachine : IWinHttpProxyChanger {
-    bool setProxy(const ProxyConfiguration& configuration) override
-    {
-        if (throws)
-            throw std::runtime_error("no library");
-        if (!isReadOnly)
-            present = configuration;
-        return !isReadOnly;
-    }
-    bool getProxy(ProxyConfiguration& configuration) override
-    {
-        configuration = present;
-        return isReadable;
-    }
+    bool setProxy(const ProxyConfiguration&) override { return set(); }
+    bool getProxy(ProxyConfiguration&) override { return isReadable; }
 
-    ProxyConfiguration present{L"old:1", L"<local>"};
-    bool isReadable = true, isReadOnly = false, throws = false;
+    bool isReadable = true;
+    std::function<bool()> set = [] { return true; };
 };
 
 } // namespace
@@ -33,27 +23,26 @@ struct FakeMachine : IWinHttpProxyChanger {
 TEST(WinHTTPDefaultProxyChanger, changesNothingWhenItFails)
 {
     const auto machine = std::make_shared<FakeMachine>();
+    int changes = 0;
+    machine->set = [&] { return ++changes == 0; };
     const auto reason = [&] {
-        return support::thrown<vx::BaseException>([&] {
-            WinHTTPDefaultProxyChanger({L"new:2", L""}, machine);
-        }).reason();
+        return support::thrown<vx::BaseException>([&] { WinHTTPDefaultProxyChanger({}, machine); }).reason();
     };
-    machine->isReadOnly = true;
     EXPECT_EQ(reason(), L"Failed to set proxy configuration.");
-    *machine = FakeMachine();
     machine->isReadable = false;
     EXPECT_EQ(reason(), L"Failed to get proxy configuration.");
-    EXPECT_EQ(machine->present, FakeMachine().present);
+    EXPECT_EQ(changes, 1);
 }
 
 TEST(WinHTTPDefaultProxyChanger, onlyLogsThatTheOldProxyDoesNotComeBack)
 {
     const support::LogCapture log;
-    const auto machine = std::make_shared<FakeMachine>();
-    for (bool FakeMachine::*how : {&FakeMachine::isReadOnly, &FakeMachine::throws}) {
-        *machine = FakeMachine();
-        const WinHTTPDefaultProxyChanger changer({L"new:2", L""}, machine);
-        (*machine).*how = true;
+    const std::function<bool()> refusals[] = {
+        [] { return false; }, []() -> bool { throw std::runtime_error("no library"); }};
+    for (const auto& refusal : refusals) {
+        const auto machine = std::make_shared<FakeMachine>();
+        const WinHTTPDefaultProxyChanger changer({}, machine);
+        machine->set = refusal;
     }
     EXPECT_EQ(log.count("Failed to restore proxy configuration."), 2u) << log.text();
 }

@@ -1,6 +1,8 @@
-#include "common/utils/credentials.h"
+#include "vxtl/credentials.h"
 
-using namespace vx::tarn::common::utils;
+#include <nlohmann/json.hpp>
+
+using namespace vx;
 
 TEST(Credentials, noPasswordOfAnAddressIsLeft)
 {
@@ -10,7 +12,7 @@ TEST(Credentials, noPasswordOfAnAddressIsLeft)
     } rows[] = {
         {L"http://host:80/a@b", L"http://host:80/a@b"},
         {L"http://user@host:80/", L"http://user@host:80/"},
-        {L"http://user:pw@host/a", L"http://user:<password>@host/a"},
+        {L"http://user:pw@host/a@b", L"http://user:<password>@host/a@b"},
         {L"user:pw@host:1", L"user:<password>@host:1"},
         {L"http://user:p@w@host", L"http://user:<password>@host"},
         {L"http://user:p/w@host", L"http://user:<password>@host"},
@@ -22,6 +24,7 @@ TEST(Credentials, noPasswordOfAnAddressIsLeft)
         {L"http://a:b@c/?u=ftp://d:e@f", L"http://a:<password>@c/?u=ftp://d:<password>@f"},
         {L"http://hq/?uri=user%3Apw%40host", L"http://hq/?uri=user%3A<password>%40host"},
         {L"a=b&c=d", L"a=b&c=d"},
+        {L"u:p%40", L"u:<password>%40"},
         {L"%", L"%"},
         {L"", L""},
     };
@@ -29,8 +32,25 @@ TEST(Credentials, noPasswordOfAnAddressIsLeft)
         EXPECT_EQ(withoutPasswords(row.url), row.shown);
 }
 
+TEST(Credentials, ofAProxyMayHoldAnySeparator)
+{
+    const std::pair<const wchar_t*, const wchar_t*> rows[] = {
+        {L"http://user:1#/?2:@3@host:80", L"http://user:<password>@host:80"},
+        {L"user:p://w@host", L"user:<password>@host"},
+        {L"a@b:1/2", L"a@b:1/2"},
+        {L"http://host:1", L"http://host:1"},
+        {L"SEVERITY=1&2", L"SEVERITY=1&2"},
+    };
+    for (const auto& [text, shown] : rows)
+        EXPECT_EQ(withoutProxyPassword(text), shown);
+    EXPECT_EQ(withoutProxyPasswords({{"\xC3\xA9:@", {"\xC3\xA9:\xC3\xA9@\xFF", 1}}}),
+        nlohmann::json({{"\xC3\xA9:@", {"\xC3\xA9:<password>@\xFF", 1}}}));
+}
+
 TEST(Credentials, noHeaderThatLogsInIsShown)
 {
-    EXPECT_EQ(withoutCredentials(L"Range: 1\r\nAUTHORIZATION: Basic x\r\n\r\nproxy-authorization:y\nCookie"),
-        L"Range: 1\r\nAUTHORIZATION: <hidden>\r\n\r\nproxy-authorization: <hidden>\nCookie: <hidden>");
+    EXPECT_EQ(withoutCredentials(L"Range: 1\r\nAUTHORIZATION: Basic x\r\n y\r\nReferer: http://u:p@h/\r\n\r\n"
+                                 L"proxy-authorization:y\nCookie"),
+        L"Range: 1\r\nAUTHORIZATION: <hidden>\r\n: <hidden>\r\nReferer: http://u:<password>@h/\r\n\r\n"
+        L"proxy-authorization: <hidden>\nCookie: <hidden>");
 }

@@ -1,17 +1,19 @@
-#include "common/utils/credentials.h"
+#include "vxtl/credentials.h"
 
 #include <algorithm>
 #include <array>
+#include <nlohmann/json.hpp>
 #include <optional>
 #include <utility>
 #include <vector>
 
-namespace vx::tarn::common::utils {
+namespace vx {
 
 namespace {
 
 constexpr auto npos = std::wstring_view::npos;
 constexpr std::wstring_view schemeEnd = L"://";
+constexpr std::wstring_view hiddenPassword = L"<password>";
 
 std::optional<wchar_t> hexDigit(wchar_t c)
 {
@@ -105,7 +107,7 @@ std::wstring withoutPasswords(std::wstring_view url)
         const auto [begin, end] = findPassword(plain.text, authority);
         if (begin < end) {
             result += url.substr(shown, plain.places[begin] - shown);
-            result += L"<password>";
+            result += hiddenPassword;
             shown = plain.places[end];
         }
         authority = nextAuthority(plain.text, end);
@@ -113,13 +115,52 @@ std::wstring withoutPasswords(std::wstring_view url)
     return result += url.substr(shown);
 }
 
+std::wstring withoutProxyPassword(std::wstring_view text)
+{
+    const auto colon = text.find(L':', firstAuthority(text));
+    const auto at = text.rfind(L'@');
+    if (at == npos || colon >= at)
+        return withoutPasswords(text);
+    std::wstring result(text.substr(0, colon + 1));
+    result += hiddenPassword;
+    return withoutPasswords(result += text.substr(at));
+}
+
+std::string withoutProxyPassword(std::string_view text)
+{
+    // Only ASCII is looked for, so that a byte may stand for a character, and what is no UTF-8 stays as it is.
+    std::wstring bytes;
+    for (const unsigned char byte : text)
+        bytes += byte;
+    const std::wstring shown = withoutProxyPassword(bytes);
+    return {shown.begin(), shown.end()};
+}
+
+nlohmann::json withoutProxyPasswords(nlohmann::json value)
+{
+    if (auto* const text = value.get_ptr<nlohmann::json::string_t*>())
+        *text = withoutProxyPassword(*text);
+    if (value.is_structured())
+        for (auto& element : value)
+            element = withoutProxyPasswords(std::move(element));
+    return value;
+}
+
 std::wstring withoutCredentials(std::wstring_view headers)
 {
     std::wstring result;
+    bool secret = false;
     while (!headers.empty()) {
         const auto line = headers.substr(0, headers.find_first_of(L"\r\n"));
-        const auto name = line.substr(0, line.find(L':'));
-        result += isSecret(name) ? std::wstring(name) + L": <hidden>" : std::wstring(line);
+        // A line that begins with a blank goes on with the value before it.
+        const bool continues = line.starts_with(L' ') || line.starts_with(L'\t');
+        const auto name = continues ? std::wstring_view() : line.substr(0, line.find(L':'));
+        secret = continues ? secret : isSecret(name);
+        const std::size_t value = std::min(name.size() + (continues ? 0 : 1), line.size());
+        if (secret)
+            (result += name) += L": <hidden>";
+        else
+            (result += line.substr(0, value)) += withoutPasswords(line.substr(value));
         headers.remove_prefix(line.size());
         const auto lineEnd = std::min(headers.find_first_not_of(L"\r\n"), headers.size());
         result += headers.substr(0, lineEnd);
@@ -128,4 +169,4 @@ std::wstring withoutCredentials(std::wstring_view headers)
     return result;
 }
 
-} // namespace vx::tarn::common::utils
+} // namespace vx
