@@ -21,13 +21,13 @@ LINKED = (
     Component("json-for-modern-cpp", "nlohmann-json3-dev", "MIT"),
     Component("gcc-runtime", "gcc-mingw-w64-i686-posix-runtime", "GPL-3.0-or-later WITH GCC-exception-3.1",
               ("gcc-mingw-w64-i686-posix", "g++-mingw-w64-i686-posix"), (GPL,)),
+    Component("cli11", "libcli11-dev", "BSD-3-Clause"),
     # The C run-time and its thread library.
     Component("mingw-w64-runtime", "mingw-w64-i686-dev", "LicenseRef-mingw-w64-runtime"),
 )
 # Tests and development host have these besides.
 LINKED_FOR_CHECKS = LINKED + (
     Component("googletest", "googletest", "BSD-3-Clause"),
-    Component("cli11", "libcli11-dev", "BSD-3-Clause"),
 )
 
 

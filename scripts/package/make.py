@@ -21,9 +21,9 @@ CHECK = pathlib.Path(__file__).resolve().parent / "check"
 OBJCOPY, STRIP = (("i686-w64-mingw32-" + name, "--preserve-dates") for name in ("objcopy", "strip"))
 
 # What the archive has in bin; a program that the build has no target for is left out.
-PROGRAMS = ("tarnhd.dll", "tarnctl.exe")
+PROGRAMS = ("tarnhd.dll", "tarnctl.exe", "qrl-probe.dll")
 # What it has besides, at the same places as here: files and whole folders.
-PAGES = ("README.md", "ARCHITECTURE.md", "docs")
+PAGES = ("README.md", "ARCHITECTURE.md", "docs", "tools/tarnctl/lnav")
 # What a host's engineer includes; what these include comes along.
 HOST_HEADERS = ("qrl-plugin/hostrecords.h",)
 # What is of no use on another machine: figures are taken beside the build's own, and pages are made for the sources.

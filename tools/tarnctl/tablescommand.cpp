@@ -2,10 +2,10 @@
 
 #include "common/exitstatus/exitstatus.h"
 #include "common/settings/keylist.h"
-#include "common/utils/credentials.h"
 #include "meridia-settings/meridiasettingsapi.h"
 #include "settings-api/exceptions.h"
 #include "tarnctl/health/gather.h"
+#include "vxtl/credentials.h"
 
 #include <iomanip>
 #include <nlohmann/json.hpp>
@@ -54,8 +54,8 @@ ordered_json readValue(SettingsApi& store, const KeyInfo& key)
     case KeyType::Int32: return store.getInt32Value(key.name);
     case KeyType::Int64: return store.getInt64Value(key.name);
     // Proxies have their passwords in the text.
-    case KeyType::String: return vx::str::toUtf8(common::utils::withoutPasswords(store.getStringValue(key.name)));
-    case KeyType::Json: return store.getJsonValue(key.name);
+    case KeyType::String: return vx::str::toUtf8(vx::withoutProxyPassword(store.getStringValue(key.name)));
+    case KeyType::Json: return vx::withoutProxyPasswords(store.getJsonValue(key.name));
     case KeyType::Untold: break;
     }
     return nullptr;
