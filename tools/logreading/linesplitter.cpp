@@ -47,9 +47,25 @@ bool isLowSurrogate(char32_t unit)
     return unit >= 0xDC00 && unit < 0xE000;
 }
 
+/// The front of the text as far as it is ASCII, which nearly all of a log is; gives how many bytes that were.
+std::size_t appendAscii(std::string& text, std::string_view bytes)
+{
+    const auto before = text.size();
+    text.resize(before + bytes.size() / 2);
+    auto* to = text.data() + before;
+    std::size_t position = 0;
+    while (
+        position + 1 < bytes.size() && bytes[position + 1] == '\0' && static_cast<signed char>(bytes[position]) >= 0) {
+        *to++ = bytes[position];
+        position += 2;
+    }
+    text.resize(static_cast<std::size_t>(to - text.data()));
+    return position;
+}
+
 void appendUtf16(std::string& text, std::string_view bytes)
 {
-    for (std::size_t position = 0; position + 1 < bytes.size(); position += 2) {
+    for (auto position = appendAscii(text, bytes); position + 1 < bytes.size(); position += 2) {
         auto unit = unitAt(bytes, position);
         if (isHighSurrogate(unit) && position + 3 < bytes.size() && isLowSurrogate(unitAt(bytes, position + 2))) {
             position += 2;

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <array>
-#include <charconv>
 #include <chrono>
 #include <cstdio>
 
@@ -34,26 +33,32 @@ bool isDigit(char character)
     return character >= '0' && character <= '9';
 }
 
-bool fits(char character, char form)
+bool isHexadecimal(char character)
 {
-    switch (form) {
-    case 'd': return isDigit(character);
-    case 'x': return isDigit(character) || (character >= 'a' && character <= 'f');
-    case 'p': return true;
-    default: return character == form;
-    }
+    return isDigit(character) || (character >= 'a' && character <= 'f');
 }
 
 bool hasForm(std::string_view text, std::string_view form)
 {
-    return text.size() >= form.size() && std::equal(form.begin(), form.end(), text.begin(),
-                                             [](char f, char character) { return fits(character, f); });
+    if (text.size() < form.size())
+        return false;
+    for (std::size_t place = 0; place < form.size(); ++place) {
+        const char wanted = form[place], found = text[place];
+        const bool fits = wanted == 'd'   ? isDigit(found)
+                          : wanted == 'x' ? isHexadecimal(found)
+                                          : wanted == 'p' || wanted == found;
+        if (!fits)
+            return false;
+    }
+    return true;
 }
 
-unsigned number(std::string_view digits, int base = 10)
+/// Of digits that have the form.
+unsigned number(std::string_view digits, unsigned base = 10)
 {
     unsigned value = 0;
-    std::from_chars(digits.data(), digits.data() + digits.size(), value, base);
+    for (const char digit : digits)
+        value = value * base + static_cast<unsigned>(isDigit(digit) ? digit - '0' : digit - 'a' + 10);
     return value;
 }
 

@@ -47,6 +47,20 @@ std::optional<std::string_view> behind(std::string_view message, std::string_vie
     return message.starts_with(front) ? std::optional(message.substr(front.size())) : std::nullopt;
 }
 
+/// Whether a line of the plug-in's that means something here begins with this letter.
+bool mayTell(std::string_view message)
+{
+    static constexpr auto letters = [] {
+        std::array<bool, 256> table{};
+        for (const char letter : std::string_view("DtTSFPUNWREw"))
+            table[static_cast<unsigned char>(letter)] = true;
+        return table;
+    }();
+    // Read at nearly each key.
+    return !message.empty() && letters[static_cast<unsigned char>(message.front())] &&
+           !message.starts_with("Setting '") && !message.starts_with("Failed to read a ");
+}
+
 std::uint32_t threadOf(const Record& record)
 {
     return std::uint32_t{record.process} << 16 | record.thread;
@@ -128,7 +142,7 @@ std::string_view nameOf(Outcome outcome)
 void Story::take(const Record& record)
 {
     takeRun(record);
-    if (record.scope != Scope::None)
+    if (record.scope != Scope::None || !mayTell(record.message))
         return;
     const auto thread = threadOf(record);
     takeAsk(record, thread);
@@ -138,20 +152,27 @@ void Story::take(const Record& record)
 
 void Story::takeRun(const Record& record)
 {
-    auto known = m_runOfProcess.find(record.process);
-    if (known == m_runOfProcess.end() || record.message.starts_with(bannerText)) {
-        m_runOfProcess[record.process] = m_runs.size();
-        auto& run = m_runs.emplace_back();
-        run.process = record.process;
-        run.begin = run.last = record.time;
-        return;
+    const bool isBanner = record.message.starts_with(bannerText);
+    if (isBanner || m_latestRun >= m_runs.size() || m_runs[m_latestRun].process != record.process) {
+        const auto known = m_runOfProcess.find(record.process);
+        if (isBanner || known == m_runOfProcess.end())
+            return beginRun(record);
+        m_latestRun = known->second;
     }
-    auto& run = m_runs[known->second];
+    auto& run = m_runs[m_latestRun];
     run.last = record.time;
     if (record.message == "Run processing")
         run.serving = record.time;
     else if (record.message.starts_with(closingText))
         run.end = record.time;
+}
+
+void Story::beginRun(const Record& record)
+{
+    m_latestRun = m_runOfProcess[record.process] = m_runs.size();
+    auto& run = m_runs.emplace_back();
+    run.process = record.process;
+    run.begin = run.last = record.time;
 }
 
 void Story::takeAsk(const Record& record, Thread thread)

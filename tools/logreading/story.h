@@ -89,6 +89,7 @@ private:
     using Thread = std::uint32_t;
 
     void takeRun(const Record& record);
+    void beginRun(const Record& record);
     void takeAsk(const Record& record, Thread thread);
     void takeStart(const Record& record, Thread thread);
     void takeReboot(const Record& record);
@@ -97,6 +98,7 @@ private:
     std::vector<AgentStart> m_starts;
     std::vector<RebootStep> m_rebootSteps;
     std::map<std::uint16_t, std::size_t> m_runOfProcess;
+    std::size_t m_latestRun = 0; ///< that of the last record
     std::map<Thread, std::size_t> m_startOfThread;
     std::map<Thread, Ask> m_reasonOfThread; ///< what a thread has said that leads to a signal
     std::set<std::uint16_t> m_switchedOn;   ///< processes whose feature was switched on, without a signal for it yet

@@ -33,12 +33,17 @@ std::string_view partOfPage(std::string_view from, std::string_view to)
 /// Within the data's element no "<" may stand; the page puts it back.
 void writeText(std::ostream& stream, std::string_view text)
 {
-    for (auto place = text.find_first_of("<\x01"); place != std::string_view::npos;
-         place = text.find_first_of("<\x01")) {
-        stream << text.substr(0, place) << (text[place] == '<' ? "\x01" : " ");
+    const auto put = [&](std::string_view part) {
+        stream.rdbuf()->sputn(part.data(), static_cast<std::streamsize>(part.size()));
+    };
+    const auto next = [&] { return std::min(text.find('<'), text.find('\x01')); };
+    for (auto place = next(); place != std::string_view::npos; place = next()) {
+        put(text.substr(0, place));
+        put(text[place] == '<' ? "\x01" : " ");
         text.remove_prefix(place + 1);
     }
-    stream << text << '\n';
+    put(text);
+    put("\n");
 }
 
 /// JSON is free to spell "<" in another way.

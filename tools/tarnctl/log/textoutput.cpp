@@ -44,7 +44,17 @@ std::string_view nameOf(Scope scope)
 void TextOutput::line(std::string_view line, const Record* record)
 {
     const auto colour = m_colours == Colours::ByLevel ? colourOf(record) : std::string_view();
-    m_stream << colour << line << (colour.empty() ? "\n" : "\x1b[0m\n");
+    // Past the stream's formatting, which costs more than the line.
+    auto& target = *m_stream.rdbuf();
+    const auto put = [&](std::string_view text) {
+        if (target.sputn(text.data(), static_cast<std::streamsize>(text.size())) !=
+            static_cast<std::streamsize>(text.size()))
+            m_stream.setstate(std::ios::badbit);
+    };
+    if (!colour.empty())
+        put(colour);
+    put(line);
+    put(colour.empty() ? "\n" : "\x1b[0m\n");
 }
 
 void JsonOutput::line(std::string_view line, const Record* record)
