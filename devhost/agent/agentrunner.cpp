@@ -1,6 +1,7 @@
 #include "agent/agentrunner.h"
 
 #include "agent/deployer.h"
+#include "agent/outsidesteps.h"
 #include "agent/runjournal.h"
 #include "agent/say.h"
 #include "agent/suspendeddeployment.h"
@@ -42,7 +43,7 @@ void writeValue(const vx::settings::Settings& settings, const ScriptedValue& scr
 
 } // namespace
 
-void AgentRunner::perform(const AgentRun& run, Task task, const std::string& severity)
+std::optional<int> AgentRunner::perform(const AgentRun& run, Task task, const std::string& severity)
 {
     if (!run.output.empty())
         say(run.output);
@@ -51,14 +52,16 @@ void AgentRunner::perform(const AgentRun& run, Task task, const std::string& sev
         performTask(task, severity);
     if (!run.values.empty())
         write(run.values);
-    takeSteps(run);
+    return takeSteps(run);
 }
 
 std::shared_ptr<vx::settings::Settings> AgentRunner::settings()
 {
     // Not before something is to be read or written: many runs need no store, and one may have to do without.
-    if (!m_settings)
+    if (!m_settings) {
         m_settings = m_factory.createSettings();
+        m_factory.setSettings(m_settings);
+    }
     return m_settings;
 }
 
@@ -91,19 +94,29 @@ void AgentRunner::write(const std::vector<ScriptedValue>& values)
     }
 }
 
-void AgentRunner::takeSteps(const AgentRun& run)
+std::optional<int> AgentRunner::takeSteps(const AgentRun& run)
 {
     if (run.steps.empty())
-        return;
+        return std::nullopt;
     SystemSteps system(m_factory);
-    for (const SystemStep step : run.steps) {
-        if (step == SystemStep::Deploy)
+    OutsideSteps outside(m_factory, m_folder, [this] { return settings(); });
+    const auto perform = [&](const auto& kind) {
+        if constexpr (std::is_same_v<decltype(kind), const SystemStep&>)
+            return system.perform(kind);
+        else
+            return outside.perform(kind);
+    };
+    for (const Step& step : run.steps) {
+        if (isDeployment(step))
             deploy(*run.deploy);
-        const auto result = system.perform(step);
+        const auto result = std::visit(perform, step);
         if (!result.is_null())
-            say(vx::toText(step) + ": " + result.dump());
-        m_journal.appendStep(vx::toText(step), result);
+            say(nameOf(step) + ": " + result.dump());
+        m_journal.appendStep(nameOf(step), result);
+        if (outside.failure())
+            return outside.failure();
     }
+    return std::nullopt;
 }
 
 void AgentRunner::deploy(const DeployScript& script)

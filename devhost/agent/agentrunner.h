@@ -2,7 +2,9 @@
 
 #include "agent/agentscript.h"
 
+#include <filesystem>
 #include <memory>
+#include <optional>
 
 namespace vx::settings {
 class Settings;
@@ -19,15 +21,17 @@ class RunJournal;
 /// blocks as long as the script says.
 class AgentRunner {
 public:
-    /// `factory` is asked for the store only by a run that needs it. Both outlive this object.
-    AgentRunner(vx::tarn::common::CommonFactory& factory, const RunJournal& journal)
-        : m_factory(factory), m_journal(journal)
+    /// `factory` is asked for the store only by a run that needs it, and has no settings so far. `factory` and
+    /// `journal` outlive this object. `folder`: the agent's, where relative paths of a script begin.
+    AgentRunner(vx::tarn::common::CommonFactory& factory, const RunJournal& journal, std::filesystem::path folder)
+        : m_factory(factory), m_journal(journal), m_folder(std::move(folder))
     {}
 
     /// Everything up to the end: output, events, waiting, the task, results, steps. Throws what the settings, the
-    /// storage and the system throw.
+    /// storage, the host's libraries and the system throw.
+    /// Gives the exit code of a step that failed, which ends the run; nothing when the run is to end as it says.
     /// `severity` is what the task Queue puts into the queue.
-    void perform(const AgentRun& run, Task task, const std::string& severity);
+    std::optional<int> perform(const AgentRun& run, Task task, const std::string& severity);
     /// Ends as the run says: gives its exit code, blocks for ever, or does not survive.
     static int end(const AgentRun& run);
 
@@ -36,11 +40,12 @@ private:
     void performTask(Task task, const std::string& severity);
     void queue(const std::string& severity);
     void write(const std::vector<ScriptedValue>& values);
-    void takeSteps(const AgentRun& run);
+    std::optional<int> takeSteps(const AgentRun& run);
     void deploy(const DeployScript& script);
 
     vx::tarn::common::CommonFactory& m_factory;
     const RunJournal& m_journal;
+    const std::filesystem::path m_folder;
     std::shared_ptr<vx::settings::Settings> m_settings; ///< empty until needed
 };
 

@@ -2,6 +2,7 @@
 
 #include "agent/deployreader.h"
 #include "agent/scriptmember.h"
+#include "agent/stepreader.h"
 #include "common/patches/updateid.h"
 #include "keys/keycatalogue.h"
 #include "machine/system.h"
@@ -41,12 +42,8 @@ constexpr auto sampleScript = R"({"runs": [{
 
 int readExitCode(const Member& member)
 {
-    if (!member.value.is_number_integer())
-        member.mustBe("an integer");
-    const auto code = member.value.get<std::int64_t>();
-    if (code < std::numeric_limits<std::int32_t>::min() || code > std::numeric_limits<std::uint32_t>::max())
-        member.mustBe("a 32-bit number");
-    return static_cast<int>(code);
+    return static_cast<int>(
+        readInteger(member, std::numeric_limits<std::int32_t>::min(), std::numeric_limits<std::uint32_t>::max()));
 }
 
 Type plainTypeOf(const Member& member)
@@ -86,13 +83,6 @@ ScriptedValue readValue(const Member& member)
     return makeValue(member.place, *type, value["value"]);
 }
 
-std::vector<SystemStep> readSteps(const Member& list)
-{
-    std::vector<SystemStep> steps;
-    readElements(list, [&](const Member& step) { steps.push_back(readWord<SystemStep>(step, "a step")); });
-    return steps;
-}
-
 void readMember(AgentRun& run, const std::string& name, const Member& member)
 {
     if (name == "durationMs")
@@ -117,7 +107,7 @@ void readMember(AgentRun& run, const std::string& name, const Member& member)
     else if (name == "deploy")
         run.deploy = readDeploy(member);
     else if (name == "steps")
-        run.steps = readSteps(member);
+        readElements(member, [&](const Member& step) { run.steps.push_back(readStep(step)); });
     else if (name == "testMachine")
         run.isTestMachine = readBool(member);
     else if (name == "idle")
@@ -134,11 +124,11 @@ void checkSteps(AgentRun& run, const Member& entry)
 {
     if (!run.steps.empty() && !run.isTestMachine && machine::thisSystem() == machine::System::Windows)
         throw ScriptError(entry.place + ".steps: this is a real Windows, say testMachine if that is there for tests");
-    const bool placed = std::ranges::find(run.steps, SystemStep::Deploy) != run.steps.end();
+    const bool placed = std::ranges::any_of(run.steps, isDeployment);
     if (placed && !run.deploy)
         throw ScriptError(entry.place + ".steps has a place for deploy, which is missing");
     if (run.deploy && !placed)
-        run.steps.push_back(SystemStep::Deploy);
+        run.steps.emplace_back(SystemStep::Deploy);
 }
 
 std::vector<AgentRun> readRuns(const Member& list)

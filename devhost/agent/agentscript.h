@@ -1,7 +1,7 @@
 #pragma once
 
 #include "agent/deployscript.h"
-#include "agent/systemstep.h"
+#include "agent/step.h"
 #include "store/protocol/value.h"
 
 #include <chrono>
@@ -51,7 +51,7 @@ struct AgentRun {
     bool idle = false;          ///< the command is left undone
     bool isTestMachine = false; ///< whose Windows may be changed
     std::vector<ScriptedValue> values;
-    std::vector<SystemStep> steps;      ///< the deployment among them when there is one
+    std::vector<Step> steps;            ///< the deployment among them when there is one
     std::optional<DeployScript> deploy; ///< always there when a step says so
     Ending ending = Ending::Exit;
     int exitCode = 0;

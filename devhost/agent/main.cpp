@@ -35,9 +35,15 @@ deploy is true or an object with any of: items (how many of the queue's; all), s
 result (of the last state's log entries), code (of all states), stepMs (length of a state; 100), pauses (list of
 {"at": STATE, "startedEvent": E, "waitForEvent": E}), reboot (true: the updates and the plug-in wait for a reboot).
 
-steps is a list of what is done in Windows itself, for real: pause_updates, resume_updates, restore_updates, prompt (for
+steps is a list of what is done for real. In Windows itself: pause_updates, resume_updates, restore_updates, prompt (for
 a reboot, in the agent's own session), prompt_sessions (in each session that the settings mean), and deploy for the
-place of the deployment, which comes last otherwise. A real Windows needs testMachine (true) for them.)";
+place of the deployment, which comes last otherwise. Outside, as an object of the step's name and its arguments:
+download (url, target, headers, attempts, waitSeconds; byManagementServer, true: fetched by way of it), certificate
+(store: MY, CA, ROOT or SPC; file) unless the settings remember one, flyer (heading, message, type 0 to 3, argument,
+details: texts, menu and buttons: {"text": T, "action": A}, in the menu with "selected" too, action: {"type": 1 to 4,
+"first": T, "second": T}), alert (type, data), ipc (channel, type, body, owner), winhttpProxy (proxy, bypass: the
+machine's default up to the end of the steps). A download or a certificate that fails ends the run with its exit code.
+Relative paths begin at the program's folder. A real Windows needs testMachine (true) for all of them.)";
 
 struct CommandLine {
     std::string command;
@@ -79,11 +85,12 @@ int runScript(const RunJournal& journal, const devhost::agent::AgentRun& run, co
     int code = noStore;
     try {
         vx::tarn::common::CommonFactory factory;
-        AgentRunner(factory, journal).perform(run, commandLine.task(), commandLine.severity);
+        AgentRunner runner(factory, journal, ownFolder());
+        const auto failure = runner.perform(run, commandLine.task(), commandLine.severity);
         // Noted before the end, which a hang or a crash does not come back from.
-        if (run.ending == devhost::agent::Ending::Exit)
-            journal.appendEnd(run.exitCode);
-        code = AgentRunner::end(run);
+        if (failure || run.ending == devhost::agent::Ending::Exit)
+            journal.appendEnd(failure.value_or(run.exitCode));
+        code = failure ? *failure : AgentRunner::end(run);
     } catch (const std::exception& exception) {
         failed(code, exception);
         journal.appendEnd(code);
@@ -126,9 +133,9 @@ int wmain(int count, wchar_t** texts)
     app.add_option("--severity", commandLine.severity, "lowest severity to install")->expected(0, 1);
     app.add_option("--script", commandLine.script, "script file; tarnag.script.json beside the program without it")
         ->envname("TARNHD_AGENT_SCRIPT");
-    app.footer(
-        "Starts, steps with their results and ends are listed in tarnag.runs.jsonl beside the program.\n"
-        "Exit codes: the script's; 2 bad command line or script, 21 the store, or what it holds, cannot be used.");
+    app.footer("Starts, steps with their results and ends are listed in tarnag.runs.jsonl beside the program.\n"
+               "Exit codes: the script's, or those of a step that fails (5 and 18 download, 518 certificate);\n"
+               "2 bad command line or script, 21 something else that a run needs cannot be used, as the store.");
     try {
         app.parse(std::vector<std::string>(arguments.rbegin(), arguments.rend()));
         return start(commandLine, arguments);

@@ -1,6 +1,7 @@
 #include "agent/scriptmember.h"
 
 #include "agent/agentscript.h"
+#include "vxtl/str.h"
 
 #include <nlohmann/json.hpp>
 
@@ -24,6 +25,21 @@ bool readBool(const Member& member)
 std::string readText(const Member& member)
 {
     return member.value.is_string() ? member.value.get<std::string>() : (member.mustBe("a text"), "");
+}
+
+std::wstring readWideText(const Member& member)
+{
+    return vx::str::fromUtf8(readText(member));
+}
+
+std::int64_t readInteger(const Member& member, std::int64_t least, std::int64_t most)
+{
+    if (!member.value.is_number_integer())
+        member.mustBe("an integer");
+    const auto number = member.value.get<std::int64_t>();
+    if (number < least || number > most)
+        throw ScriptError(member.place + " must be from " + std::to_string(least) + " to " + std::to_string(most));
+    return number;
 }
 
 std::chrono::milliseconds readDuration(const Member& member)

@@ -3,7 +3,9 @@
 #include "vxtl/enumtext.h"
 
 #include <chrono>
+#include <cstdint>
 #include <functional>
+#include <limits>
 #include <nlohmann/json_fwd.hpp>
 #include <string>
 
@@ -20,6 +22,16 @@ struct Member {
 
 bool readBool(const Member& member);
 std::string readText(const Member& member);
+std::wstring readWideText(const Member& member);
+/// A whole number within the bounds.
+std::int64_t readInteger(const Member& member, std::int64_t least, std::int64_t most);
+/// One that the type, of 32 bits at most, can hold.
+template <typename Number>
+Number readNumber(const Member& member)
+{
+    return static_cast<Number>(
+        readInteger(member, std::numeric_limits<Number>::min(), std::numeric_limits<Number>::max()));
+}
 std::chrono::milliseconds readDuration(const Member& member);
 /// One of the enumeration's texts; `kind` says what they are.
 template <typename Enumeration>
