@@ -1,5 +1,5 @@
-# Sourced by ./run demo: shows a remote scan request, installation requests and what the plug-in does with Windows on
-# their whole way, with real processes under Wine.
+# Sourced by ./run demo: shows a remote scan request, installation requests, what the plug-in does with Windows and what
+# the agent does with others on their whole way, with real processes under Wine.
 
 demo_folder=$project/build/demo
 
@@ -25,7 +25,8 @@ demo_step() {
 demo_prepare() {
     rm -rf "$demo_folder" "$wine_prefix/drive_c/ProgramData/Vantorix/Log/tarn"
     mkdir -p "$demo_folder/agent"
-    cp "$project"/build/product/bin/{tarnag.exe,vx_qrl_meridia_32.dll} "$demo_folder/agent/"
+    cp "$project"/build/product/bin/{tarnag.exe,vx_{qrl_meridia,flyer_api,alert_api}_32.dll,QRLIPC.dll} \
+        "$demo_folder/agent/"
     # Ten minutes between two looks at what is due would be long for a demo.
     cat >"$demo_folder/store.json" <<'END'
 {"format": "tarnhd store", "version": 1, "revision": 1, "values": {
@@ -132,28 +133,91 @@ demo_forced_reboot() {
         demo_step "the plug-in is back" status
 }
 
+# From now on each start finds one more update, fetches its patch with these headers and goes on once that is there.
+demo_let_the_agent_fetch() {
+    cat >"$demo_folder/agent/new.json" <<END
+{"runs": [{
+    "missingUpdates": [{"update_name": "KB5004", "bulletin_id": "B-4", "product_name": "Archiver", "severity": 1}],
+    "steps": [
+        {"download": {"url": "$demo_patch", "target": "patch.bin", "headers": $1, "attempts": 1}},
+        {"flyer": {"heading": "An update", "message": "KB5004 is being installed", "buttons": [{"text": "Later"}]}},
+        "deploy",
+        {"alert": {"type": "update_installed", "data": {"update_name": "KB5004"}}},
+        {"ipc": {"channel": "tarnag", "type": 1, "body": {"installed": "KB5004"}}}],
+    "deploy": {"stepMs": 300}}]}
+END
+    mv "$demo_folder/agent/new.json" "$demo_folder/agent/tarnag.script.json"
+}
+
+# Requests an installation, whose agent ends with that code, and shows what it has logged of the download.
+demo_fetch() {
+    local text=$1 code=$2 ends
+    ends=$(demo_host log | grep -c "Process finished with return code: $code\$")
+    demo_step "$text" install CRITICAL --wait 30 &&
+        demo_wait_for_count $((ends + 1)) "Process finished with return code: $code\$" log || return
+    printf '    of the agent%ss log:\n' "'"
+    demo_host log --file 'C:\ProgramData\Vantorix\Log\tarn\tarnag.log' --lines 40 |
+        awk '/Proxy: / { found = "" }
+            /Proxy: |Using proxy|Downloading started|Answer HTTP|ready for|Failed to download/ { found = found "    " $0 "\n" }
+            END { printf "%s", found }'
+}
+
+demo_listen() {
+    command_wine "$project/build/product/bin/tarnhost.exe" ipc serve tarnag --count 1 \
+        >"$demo_folder/ipc.txt" 2>&1 </dev/null &
+    demo_listener=$!
+    until grep -q serving "$demo_folder/ipc.txt"; do
+        kill -0 "$demo_listener" 2>/dev/null || return
+        sleep 0.1
+    done
+}
+
+demo_network() {
+    local communication=windows.tarnpatch.communication demo_patch=$TARNHD_SERVER/when-ready/patch.bin demo_listener
+    demo_wait_until 'no patches' patches && demo_let_the_agent_fetch '{}' &&
+        demo_step "let downloads go through the user's proxy" set $communication.use_http_proxy user_defined || return
+    printf '\nThat one wants a password, which is written beside its address.\n'
+    demo_host set $communication.user_defined_proxy "$TARNHD_PASSWORD_PROXY" &&
+        demo_step "the way of a patch" proxy "$demo_patch" &&
+        demo_fetch "request one more update; Wine keeps the password to itself, and the agent says so" 5 || return
+    demo_let_the_agent_fetch "{\"Proxy-Authorization\": \"Basic $(printf %s "$servers_credentials" | base64)\"}" &&
+        demo_fetch "once more; the agent gives the password itself, but the server is not ready" 18 || return
+    touch "$servers_folder/files/ready"
+    demo_listen && demo_fetch "once more; the server is ready, and somebody listens by IPC" 0 && wait "$demo_listener" &&
+        cmp "$servers_folder/files/patch.bin" "$demo_folder/agent/patch.bin" || return
+    printf '\n--- the listener heard\n'
+    tr -d '\r' <"$demo_folder/ipc.txt" | sed 's/^/    /'
+    demo_step "the user saw" flyers &&
+        demo_step "whoever looks after the computer was sent" alerts &&
+        demo_step "nothing is left in the queue" queue
+}
+
+# The host shows whatever changes in the store, a proxy's text included.
+demo_hide_passwords() { sed 's#\(://[^:@ ]*:\)[^@ ]*@#\1<password>@#'; }
+
 demo_play() {
     local result
     demo_scan_road && demo_deployments && demo_scheduled_task && demo_scan_after_windows_update && demo_forced_reboot &&
-        demo_step "an overview" status
+        demo_network && demo_step "an overview" status
     result=$?
     demo_step "stop the host" stop || result=1
     demo_host service restore >/dev/null
     wait
     printf '\n--- what the host showed\n'
-    sed 's/^/    /' "$demo_folder/host.txt"
+    demo_hide_passwords <"$demo_folder/host.txt" | sed 's/^/    /'
     printf '\n--- the log of the plug-in\n'
     demo_host log | grep -v 'not found - fallback to default value$\|NotFoundException' | sed 's/^/    /'
     return $result
 }
 
 command_demo() {
-    build_flavour product tarnhost tarnhd tarnag wuservice vx_qrl_meridia_32 systemobjects
+    build_flavour product tarnhost tarnhd tarnag wuservice host-libraries systemobjects
     trap 'servers_stop; wine_stop' EXIT
     servers_start
     wine_start
     export TARNHD_INSTANCE=demo
     demo_prepare
+    rm -f "$wine_prefix"/drive_c/ProgramData/Vantorix/Development/demo.{flyers,alerts}.jsonl
     demo_host forget-boot >/dev/null
     demo_host service stop >/dev/null
     demo_host wus-trigger none >/dev/null

@@ -5,6 +5,7 @@
 servers_folder=$project/build/servers
 servers_programs=$wine_cache/servers
 servers_pids=()
+servers_credentials=tarnpatch:open-sesame
 
 # Taken from the packages without installing these: an installed one would become a service of this machine.
 servers_fetch() {
@@ -104,8 +105,8 @@ servers_start() {
     servers_files
     servers_try servers_web
     servers_try servers_proxy TARNHD_PROXY "" open-proxy
-    servers_try servers_proxy TARNHD_PASSWORD_PROXY "tarnpatch:open-sesame@" password-proxy \
-        "BasicAuth tarnpatch open-sesame"
+    servers_try servers_proxy TARNHD_PASSWORD_PROXY "$servers_credentials@" password-proxy \
+        "BasicAuth ${servers_credentials/:/ }"
 }
 
 servers_stop() {
