@@ -100,11 +100,11 @@ std::optional<int> AgentRunner::takeSteps(const AgentRun& run)
         return std::nullopt;
     SystemSteps system(m_factory);
     OutsideSteps outside(m_factory, m_folder, [this] { return settings(); });
-    const auto perform = [&]<typename Kind>(const Kind& step) {
-        if constexpr (std::is_same_v<Kind, SystemStep>)
-            return system.perform(step);
+    const auto perform = [&](const auto& kind) {
+        if constexpr (std::is_same_v<decltype(kind), const SystemStep&>)
+            return system.perform(kind);
         else
-            return outside.perform(step);
+            return outside.perform(kind);
     };
     for (const Step& step : run.steps) {
         if (isDeployment(step))

@@ -39,8 +39,9 @@ steps is a list of what is done for real. In Windows itself: pause_updates, resu
 a reboot, in the agent's own session), prompt_sessions (in each session that the settings mean), and deploy for the
 place of the deployment, which comes last otherwise. Outside, as an object of the step's name and its arguments:
 download (url, target, headers, attempts, waitSeconds; byManagementServer, true: fetched by way of it), certificate
-(store: MY, CA, ROOT or SPC; file) unless the settings remember one, flyer (heading, message, type 0 to 3, details,
-menu, buttons, action, argument), alert (type, data), ipc (channel, type, body, owner), winhttpProxy (proxy, bypass: the
+(store: MY, CA, ROOT or SPC; file) unless the settings remember one, flyer (heading, message, type 0 to 3, argument,
+details: texts, menu and buttons: {"text": T, "action": A}, in the menu with "selected" too, action: {"type": 1 to 4,
+"first": T, "second": T}), alert (type, data), ipc (channel, type, body, owner), winhttpProxy (proxy, bypass: the
 machine's default up to the end of the steps). A download or a certificate that fails ends the run with its exit code.
 Relative paths begin at the program's folder. A real Windows needs testMachine (true) for all of them.)";
 

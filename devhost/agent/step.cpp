@@ -6,11 +6,11 @@ namespace devhost::agent {
 
 std::string nameOf(const Step& step)
 {
-    const auto name = []<typename Kind>(const Kind& kind) -> std::string {
-        if constexpr (std::is_same_v<Kind, SystemStep>)
+    const auto name = [](const auto& kind) -> std::string {
+        if constexpr (std::is_same_v<decltype(kind), const SystemStep&>)
             return vx::toText(kind);
         else
-            return Kind::name;
+            return kind.name;
     };
     return std::visit(name, step);
 }
