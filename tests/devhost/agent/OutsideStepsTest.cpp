@@ -1,9 +1,9 @@
 #include "common/factory/commonfactory.h"
 #include "common/winhttpproxy/winhttpdefaultproxychanger.h"
 #include "common/winhttpproxy/winhttpproxychangerimpl.h"
-#include "host/logreader.h"
 #include "ipc-api/ipcserver.h"
 #include "journal/journal.h"
+#include "logreading/logreader.h"
 #include "machine/system.h"
 #include "records/recordfile.h"
 #include "stage.h"
@@ -123,11 +123,10 @@ TEST_F(OutsideStepsTest, areTakenWithTheProductsClassesAndNoPasswordIsShown)
     EXPECT_EQ(code, 5u);
     EXPECT_THAT(noted(), ElementsAre("download 5", "end 5"));
     EXPECT_THAT(shown, HasSubstr("127.0.0.1:1/tarn/update?uri="));
-    devhost::host::LogReader log(devhost::host::logLocation().parent_path() / "tarnag.log");
+    logreading::LogReader log(logreading::logLocation().parent_path() / "tarnag.log");
     log.rewind();
     std::string logged;
-    for (const auto& line : log.read())
-        logged += line;
+    log.read([&](std::string_view line) { logged += line; });
     EXPECT_THAT(logged, HasSubstr("Using proxy password."));
     for (const std::string secret : {"secret", "sesame", "dGFybnBhdGNo"})
         EXPECT_EQ((shown + logged).find(secret), std::string::npos) << shown << logged;
