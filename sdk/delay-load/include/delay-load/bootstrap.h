@@ -83,7 +83,8 @@ template <typename Table>
 LoadResult loadInto(Table& table, void (*bind)(LateBinder& binder, Table& table))
 {
     LoadResult result{};
-    delayLoadInitialize(ownComponent, [&](LateBinder& binder) { bind(binder, table); }, result);
+    delayLoadInitialize(
+        ownComponent, [&](LateBinder& binder) { bind(binder, table); }, result);
     return result;
 }
 
