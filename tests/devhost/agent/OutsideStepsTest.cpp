@@ -112,7 +112,7 @@ TEST_F(OutsideStepsTest, areTakenWithTheProductsClassesAndNoPasswordIsShown)
     EXPECT_EQ(recorded(devhost::records::alerts)["data"], (json{{"n", 1}}));
     auto flyer = recorded(devhost::records::flyers);
     flyer.erase("time");
-    flyer.erase("process");
+    flyer.erase("pid");
     EXPECT_EQ(flyer, json::parse(R"({"type": 3, "heading": "H", "message": "M", "details": "1<br/>2", "argument": 5,
         "menu": [{"text": "Now", "selected": true, "action": {"type": 1, "first": "f", "second": null}}],
         "buttons": [{"text": "Later", "action": null}], "action": {"type": 3, "first": null, "second": "s"}})"));
