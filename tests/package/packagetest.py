@@ -55,7 +55,7 @@ class PackageTest(unittest.TestCase):
         for folder in out.glob("tarnhd-*/"):
             subprocess.run(["sha256sum", "--check", "--strict", "--quiet", archive.CHECKSUMS], cwd=folder, check=True)
         library = self.one(out, "tarnhd-*-win32/bin/tarnhd.dll")
-        symbols = self.one(out, "tarnhd-*-symbols/bin/*")
+        symbols = self.one(out, "tarnhd-*-symbols/bin/tarnhd.dll.debug")
         sections = components.output_of("i686-w64-mingw32-objdump", "-s", "-j", ".gnu_debuglink", str(library))
         self.assertIn("tarnhd.dll.debu", sections)
         self.assertIn(".debug_info", components.output_of("i686-w64-mingw32-objdump", "-h", str(symbols)))
