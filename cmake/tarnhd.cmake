@@ -13,7 +13,9 @@ endif()
 set(CMAKE_CXX_FLAGS_RELWITHDEBINFO "-O2 -g1")
 
 add_compile_options(-Wall -Wextra -Wshadow -Wnon-virtual-dtor -Werror
-    -ffile-prefix-map=${CMAKE_SOURCE_DIR}/=)
+    -ffile-prefix-map=${CMAKE_SOURCE_DIR}/=
+    # A compiler cache hands the sources over by their way from build/<flavour>.
+    -ffile-prefix-map=../../=)
 if(WIN32)
     enable_language(RC)
     # NDEBUG: a library's assertion would end the host. The native flavour keeps them.
