@@ -13,7 +13,7 @@ usage: ./run COMMAND [ARGS]
   build [TARGET...]  build the 32-bit Windows flavour
   bench [ARGS]       build and run the benchmarks, pinned to one core
   fuzz [SECONDS]     run every fuzz target for that long (60), from its inputs and what it found before
-  lint               check the format and run the static checks
+  lint               check the format, what the pages quote, and run the static checks
   docs               make docs/keys.md anew from the table of keys
   package            make the archives to hand out: build/tarnhd-VERSION-*.zip and their checksums
        [--sign FILE.p12]  sign library and programs; the password is PACKAGE_SIGN_PASSWORD's or asked for
@@ -208,6 +208,8 @@ command_lint() {
     lint_standard_library || failed=1
     say "checking the includes"
     python3 scripts/includes.py || failed=1
+    say "checking the pages"
+    python3 scripts/pages.py || failed=1
     say "running cppcheck"
     # On: warning, performance, portability, that is what is likely wrong. Style is clang-format's and the
     # reviewer's. Off: what this version can't see through - members that braces initialise (uninitMemberVar),
