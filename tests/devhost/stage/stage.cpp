@@ -30,8 +30,8 @@ HANDLE createInheritable(const std::filesystem::path& path)
 
 } // namespace
 
-ChildProcess::ChildProcess(
-    const std::filesystem::path& program, const std::wstring& arguments, const std::filesystem::path& outputFolder)
+ChildProcess::ChildProcess(const std::filesystem::path& program, const std::wstring& arguments,
+    const std::filesystem::path& outputFolder, void* input)
     : m_outputFile(uniqueFile(outputFolder, ".out")), m_errorFile(uniqueFile(outputFolder, ".err"))
 {
     const vx::KernelHandle output(createInheritable(m_outputFile));
@@ -39,6 +39,7 @@ ChildProcess::ChildProcess(
     STARTUPINFOW startup{};
     startup.cb = sizeof(startup);
     startup.dwFlags = STARTF_USESTDHANDLES;
+    startup.hStdInput = input;
     startup.hStdOutput = output.get();
     startup.hStdError = errors.get();
     PROCESS_INFORMATION information{};

@@ -30,9 +30,9 @@ inline const auto& status = devhost::host::keys::status;
 /// runs.
 class ChildProcess {
 public:
-    /// `program` is a full path, or a name in the programs' folder.
-    ChildProcess(
-        const std::filesystem::path& program, const std::wstring& arguments, const std::filesystem::path& outputFolder);
+    /// `program` is a full path, or a name in the programs' folder. `input` is borrowed, a handle to be inherited.
+    ChildProcess(const std::filesystem::path& program, const std::wstring& arguments,
+        const std::filesystem::path& outputFolder, void* input = nullptr);
     ~ChildProcess();
     ChildProcess(ChildProcess&& other) = default;
 
