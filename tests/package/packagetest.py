@@ -3,6 +3,7 @@
 import json
 import os
 import pathlib
+import shutil
 import subprocess
 import sys
 import tempfile
@@ -10,7 +11,8 @@ import time
 import unittest
 import zipfile
 
-SCRIPTS = pathlib.Path(__file__).resolve().parents[2] / "scripts" / "package"
+ROOT = pathlib.Path(__file__).resolve().parents[2]
+SCRIPTS = ROOT / "scripts" / "package"
 sys.path.insert(0, str(SCRIPTS))
 import archive  # noqa: E402
 import components  # noqa: E402
@@ -18,6 +20,7 @@ import make  # noqa: E402
 
 EPOCH = 1_700_000_000
 BUILD = pathlib.Path(sys.argv.pop()).resolve()
+WINE = BUILD.parent / "wine-prefix"
 
 
 class PackageTest(unittest.TestCase):
@@ -100,6 +103,48 @@ class PackageTest(unittest.TestCase):
                 operation()
         self.assertEqual(make.with_all_tests("anywhere b-tests\n", ["a-tests.exe", "b-tests.exe", "host.exe"]),
                          "anywhere b-tests\nnever a-tests nobody has said yet what it changes\n")
+
+    def test_checks_a_machine_and_says_what_came_of_it(self):
+        place = WINE / "drive_c" / f"check (1) & more {os.getpid()}"
+        self.addCleanup(shutil.rmtree, place, ignore_errors=True)
+        (place / "bin").mkdir(parents=True)
+        source = """
+            #include <cstdio>
+            #include <cstring>
+            int main(int count, char** arguments)
+            {
+                const char* const filter = arguments[count - 1];
+                if (count == 3)
+                    return std::puts(std::strstr(filter, "passes")
+                        ? "Case.\\n  passes" : "Case.\\n  passes\\n  fails\\n  isSkipped\\n  hangs") < 0;
+                if (std::strstr(filter, "hangs"))
+                    for (volatile bool isOn = true; isOn;);
+                if (std::strstr(filter, "isSkipped"))
+                    std::puts("[  SKIPPED ] 1 test.");
+                return std::strstr(filter, "fails") ? 7 : 0;
+            }"""
+        subprocess.run(["i686-w64-mingw32-g++-posix", "-static", "-o", str(place / "bin" / "some-tests.exe"), "-xc++",
+                        str(ROOT / "tests/support/src/timelimit.cpp"), "-"], input=source, text=True, check=True)
+        (place / "check.cmd").write_text((SCRIPTS / "check/check.cmd").read_text(), newline="\r\n")
+
+        def check(rows):
+            (place / "tests.txt").write_text(rows, newline="\r\n")
+            return subprocess.run([str(ROOT / "run"), "wine", "cmd", "/c", "check.cmd"], cwd=place,
+                                  env={**os.environ, "TARNHD_TEST_SECONDS": "2"}, stdout=subprocess.DEVNULL).returncode
+
+        self.assertEqual(check("anywhere some-tests Case.passes\nnever other-tests it harms\n"), 0)
+        self.assertEqual(check("# x\nanywhere some-tests Case.*\nanywhere none-tests\nnever other-tests it harms\n"), 1)
+        report = (place / "report.txt").read_text()
+        for line in ("passed: Case.passes", "FAILED with 7: Case.fails", "left out by itself: Case.isSkipped",
+                     "FAILED with 124: Case.hangs", "the time for this test is over",
+                     "== other-tests is left out: it harms", "FAILED: it has no such tests, or does not start",
+                     "1 tests passed, 3 failed, 2 tests or programs were left out"):
+            self.assertIn(f"{line}\n", report)
+        self.assertEqual(check("never other-tests it harms\n"), 1, "none ran")
+        self.assertNotIn("Case.", (place / "report.txt").read_text(), "of an earlier run")
+        (place / "report.txt").unlink()
+        (place / "report.txt").mkdir()
+        self.assertEqual(check("anywhere some-tests\n"), 3)
 
     def test_signs_and_keeps_the_password(self):
         key, certificate, both = (self.folder / name for name in ("key.pem", "certificate.pem", "both.p12"))
