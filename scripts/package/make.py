@@ -134,11 +134,11 @@ class Packaging:
             if name in self.programs:
                 split(self.build / "bin" / name, folder / "bin" / name, symbols / "bin" / f"{name}.debug")
                 self.signer.sign(folder / "bin" / name)
-        components.refuse_unknown(self.build / "bin" / "tarnhd.dll.map", components.LINKED)
+        linked = {name: components.linked_into(self.build, name) for name in PROGRAMS if name in self.programs}
         components.write_licences(components.LINKED, folder / "licences")
         copy_headers(HOST_HEADERS, folder / "include")
         copy_pages(PAGES, folder)
-        spdx.write_list(folder, self.version, components.LINKED, self.epoch, [archive.CHECKSUMS])
+        spdx.write_list(folder, self.version, linked, self.epoch, [archive.CHECKSUMS])
 
     def check(self):
         """The product as it is shipped, tests and development host without symbols."""
