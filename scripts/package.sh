@@ -13,6 +13,8 @@ package_time() {
 
 command_package() {
     local arguments=() time
+    # The build and all that it starts are not to have it.
+    export -n PACKAGE_SIGN_PASSWORD
     while [ $# -gt 0 ]; do
         case $1 in
             --sign)
@@ -28,6 +30,7 @@ command_package() {
     time=$(package_time) || exit
     build_flavour product
     say "packing"
+    [ -z "${PACKAGE_SIGN_PASSWORD+set}" ] || export PACKAGE_SIGN_PASSWORD
     python3 "$project/scripts/package/make.py" --build "$project/build/product" --out "$project/build" \
         --epoch "$time" "${arguments[@]}" || die "there is no package"
 }

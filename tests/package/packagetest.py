@@ -3,6 +3,7 @@
 import json
 import os
 import pathlib
+import re
 import shutil
 import subprocess
 import sys
@@ -62,6 +63,14 @@ class PackageTest(unittest.TestCase):
         sections = components.output_of("i686-w64-mingw32-objdump", "-s", "-j", ".gnu_debuglink", str(library))
         self.assertIn("tarnhd.dll.debu", sections)
         self.assertIn(".debug_info", components.output_of("i686-w64-mingw32-objdump", "-h", str(symbols)))
+        for program in make.PROGRAMS:
+            with self.subTest(program):
+                path = self.one(out, f"tarnhd-*-win32/bin/{program}")
+                seen = components.output_of("i686-w64-mingw32-objdump", "-x", str(path))
+                flags = int(re.search(r"^DllCharacteristics\s+(\w+)", seen, re.MULTILINE)[1], 16)
+                moves, never_executes_data = 0x40, 0x100
+                self.assertEqual(flags & (moves | never_executes_data), moves | never_executes_data)
+                self.assertRegex(seen, r"\sHIGHLOW\n", "it can't be moved all the same")
         headers = self.one(out, "tarnhd-*-win32/include")
         source = "".join(f'#include "{path.relative_to(headers)}"\n' for path in archive.files_of(headers))
         subprocess.run(["i686-w64-mingw32-g++-posix", "-std=c++20", "-Wall", "-Wextra", "-Werror", "-fsyntax-only",
@@ -108,6 +117,15 @@ class PackageTest(unittest.TestCase):
                 operation()
         self.assertEqual(make.with_all_tests("anywhere b-tests\n", ["a-tests.exe", "b-tests.exe", "host.exe"]),
                          "anywhere b-tests\nnever a-tests nobody has said yet what it changes\n")
+
+    def test_has_no_link_that_leads_out_of_the_archive(self):
+        (self.folder / "pages").mkdir()
+        page = self.folder / "pages" / "page.md"
+        page.write_text("[a](../pages/page.md#x) [b](#x) [c](https://x/y) `[d](none)` [e](none.md) ![f](none.png)\n"
+                        "```\n[g](none)\n``` [h](../none.md#x)")
+        make.keep_links(self.folder)
+        self.assertEqual(page.read_text(), "[a](../pages/page.md#x) [b](#x) [c](https://x/y) `[d](none)` e f\n"
+                                           "```\n[g](none)\n``` h")
 
     def test_checks_a_machine_and_says_what_came_of_it(self):
         place = WINE / "drive_c" / f"check (1) & more {os.getpid()}"
