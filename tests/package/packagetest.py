@@ -73,7 +73,7 @@ class PackageTest(unittest.TestCase):
                 self.assertRegex(seen, r"\sHIGHLOW\n", "it can't be moved all the same")
         headers = self.one(out, "tarnhd-*-win32/include")
         source = "".join(f'#include "{path.relative_to(headers)}"\n' for path in archive.files_of(headers))
-        subprocess.run(["i686-w64-mingw32-g++-posix", "-std=c++20", "-Wall", "-Wextra", "-Werror", "-fsyntax-only",
+        subprocess.run(["i686-w64-mingw32-g++-posix", "-std=c++17", "-Wall", "-Wextra", "-Werror", "-fsyntax-only",
                         f"-I{headers}", "-xc++", "-"], input=source, text=True, check=True)
         # As the compiler of Windows sees it, or its hosts would call without a word by another convention.
         conventions = components.output_of("i686-w64-mingw32-g++-posix", "-E", "-dM", "-U__i386__", "-D_M_IX86", "-xc++",
