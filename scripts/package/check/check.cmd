@@ -30,6 +30,8 @@ set "scratch=%TEMP%\tarnhd-check"
 set "ProgramData=%scratch%"
 set "ALLUSERSPROFILE=%scratch%"
 if not exist "%scratch%" mkdir "%scratch%"
+rem Windows takes programs with "patch", "update" or "install" in their names for ones that need an administrator.
+set "__COMPAT_LAYER=RunAsInvoker"
 
 call :ask_for_machine
 for /f "usebackq eol=# tokens=1,2*" %%a in ("tests.txt") do if not "%%b"=="" call :%%a %%b "%%c"
