@@ -10,6 +10,7 @@ namespace {
 
 using namespace devhost::host;
 using namespace support;
+using testing::Contains;
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::UnorderedElementsAreArray;
@@ -100,6 +101,9 @@ TEST_F(ProbeTest, reportsAsTheHostGoesOnAndThatItEndsWithoutAStop)
     waitFor(folder.path(), "the start", [&] { return host.output().find("reports: started") != std::string::npos; });
     EXPECT_EQ(tarnhost("status --wait 60").wait(), 0u);
     EXPECT_THAT(readFile(report), HasSubstr("verdict: no fault so far; not seen: "));
+    for (int i = 0; i < 2; ++i)
+        EXPECT_EQ(tarnhost("resume-event").wait(), 0u);
+    EXPECT_THAT(lines(), Contains(HasSubstr("power event on thread")).Times(2));
     EXPECT_EQ(tarnhost("stop").wait(), 0u);
     EXPECT_EQ(host.wait(), 0u);
     EXPECT_THAT(checks("FAILED"), ElementsAre("stop")) << readFile(report);
