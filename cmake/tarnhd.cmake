@@ -95,6 +95,11 @@ function(tarnhd_library name)
     endif()
 endfunction()
 
+# Leaves a program's map beside it: what is linked in, and how much of the program it takes.
+function(tarnhd_map name)
+    target_link_options(${name} PRIVATE LINKER:-Map,$<TARGET_FILE:${name}>.map)
+endfunction()
+
 # tarnhd_test(NAME SOURCES source... [LINKS target...] [INSIDE unit...] [NATIVE] [SERIAL] [REAL_LOG] [AT_TOP])
 # A GoogleTest program; INSIDE names the sdk units whose own headers it includes; each case is a ctest test. Without NATIVE it is made in the product flavour
 # only. SERIAL: it uses the product's fixed system names (events, mutexes, registry keys), so no other
@@ -119,6 +124,8 @@ function(tarnhd_test name)
     endif()
     if(NOT WIN32)
         target_link_libraries(${name} PRIVATE native-twins)
+    else()
+        target_link_libraries(${name} PRIVATE support-timelimit)
     endif()
     set(properties TIMEOUT 120)
     if(arg_SERIAL)

@@ -13,6 +13,8 @@ package_time() {
 
 command_package() {
     local arguments=() time
+    # The build and all that it starts are not to have it.
+    export -n PACKAGE_SIGN_PASSWORD
     while [ $# -gt 0 ]; do
         case $1 in
             --sign)
@@ -27,7 +29,11 @@ command_package() {
     install_packages "${package_packages[@]}"
     time=$(package_time) || exit
     build_flavour product
+    # One that makes paths relative gives the symbols, and the library's checksum of them, other names of headers.
+    ! grep -q '^CMAKE_CXX_COMPILER_LAUNCHER:[A-Z]*=.' "$project/build/product/CMakeCache.txt" ||
+        say "built through a compiler cache: the bytes may not be those of a build without it"
     say "packing"
+    [ -z "${PACKAGE_SIGN_PASSWORD+set}" ] || export PACKAGE_SIGN_PASSWORD
     python3 "$project/scripts/package/make.py" --build "$project/build/product" --out "$project/build" \
         --epoch "$time" "${arguments[@]}" || die "there is no package"
 }

@@ -53,7 +53,10 @@ class Signer:
         # Taken away, so that no program which is started from here has it.
         self.password = os.environ.pop("PACKAGE_SIGN_PASSWORD", None)
         if file and self.password is None:
-            self.password = getpass.getpass(f"Password of {file.name}: ")
+            try:
+                self.password = getpass.getpass(f"Password of {file.name}: ")
+            except EOFError:
+                raise SystemExit("package: nobody to ask for the password: set PACKAGE_SIGN_PASSWORD") from None
 
     def sign(self, path):
         if not self.file:
@@ -91,6 +94,18 @@ def copy_pages(names, folder):
             target = folder / path.relative_to(ROOT)
             target.parent.mkdir(parents=True, exist_ok=True)
             shutil.copyfile(path, target)
+
+
+def keep_links(folder):
+    """Makes text of the pages' links to what only the sources have, so that each one leads somewhere."""
+    for page in folder.rglob("*.md"):
+        def kept(match):
+            place = (match[2] or "").split("#")[0]
+            return match[0] if ":" in place or (page.parent / place).exists() else match[1]
+
+        # Code first, where brackets are no links.
+        parts = re.compile(r"```.*?```|`[^`]*`|!?\[([^]]*)\]\(([^)\s]+)\)", re.DOTALL)
+        page.write_bytes(parts.sub(kept, page.read_bytes().decode()).encode())
 
 
 def copy_headers(names, folder):
@@ -134,11 +149,12 @@ class Packaging:
             if name in self.programs:
                 split(self.build / "bin" / name, folder / "bin" / name, symbols / "bin" / f"{name}.debug")
                 self.signer.sign(folder / "bin" / name)
-        components.refuse_unknown(self.build / "bin" / "tarnhd.dll.map", components.LINKED)
+        linked = {name: components.linked_into(self.build, name) for name in PROGRAMS if name in self.programs}
         components.write_licences(components.LINKED, folder / "licences")
         copy_headers(HOST_HEADERS, folder / "include")
         copy_pages(PAGES, folder)
-        spdx.write_list(folder, self.version, components.LINKED, self.epoch, [archive.CHECKSUMS])
+        keep_links(folder)
+        spdx.write_list(folder, self.version, linked, self.epoch, [archive.CHECKSUMS])
 
     def check(self):
         """The product as it is shipped, tests and development host without symbols."""

@@ -11,9 +11,13 @@ UNKNOWN = "NOASSERTION"
 UNSTATED = {"licenseConcluded": UNKNOWN, "copyrightText": UNKNOWN}
 
 
+def file_id(name):
+    return f"SPDXRef-File-{hashlib.sha1(name.encode()).hexdigest()}"
+
+
 def file_entry(folder, path):
     name = path.relative_to(folder).as_posix()
-    return {"SPDXID": f"SPDXRef-File-{hashlib.sha1(name.encode()).hexdigest()}", "fileName": f"./{name}",
+    return {"SPDXID": file_id(name), "fileName": f"./{name}",
             "checksums": [{"algorithm": kind.upper(), "checksumValue": digest(path, kind)}
                           for kind in ("sha1", "sha256")],
             "licenseInfoInFiles": [UNKNOWN], **UNSTATED}
@@ -40,13 +44,14 @@ def relation(subject, kind, related):
     return {"spdxElementId": subject, "relationshipType": kind, "relatedSpdxElement": related}
 
 
-def write_list(folder, version, components, epoch, excluded):
-    """Writes it into the folder, of whose files the excluded ones are not listed."""
+def write_list(folder, version, linked, epoch, excluded):
+    """Writes it into the folder, of whose files the excluded ones are not listed. `linked` names the components of
+    each program."""
     target = folder / f"{folder.name}.spdx.json"
     excluded = [*excluded, target.name]
     files = [file_entry(folder, path) for path in files_of(folder)]
     own = own_entry(folder, version, files, excluded)
-    programs = [entry for entry in files if entry["fileName"].endswith((".dll", ".exe"))]
+    components = sorted(set(sum(linked.values(), [])), key=lambda component: component.name)
     document = {
         "spdxVersion": "SPDX-2.3", "dataLicense": "CC0-1.0", "SPDXID": "SPDXRef-DOCUMENT", "name": folder.name,
         # Unique for this content, and the same for the same.
@@ -62,6 +67,6 @@ def write_list(folder, version, components, epoch, excluded):
         "relationships": [
             relation("SPDXRef-DOCUMENT", "DESCRIBES", own["SPDXID"]),
             *(relation(own["SPDXID"], "CONTAINS", entry["SPDXID"]) for entry in files),
-            *(relation(entry["SPDXID"], "STATIC_LINK", f"SPDXRef-Package-{component.name}")
-              for entry in programs for component in components)]}
+            *(relation(file_id(f"bin/{program}"), "STATIC_LINK", f"SPDXRef-Package-{component.name}")
+              for program in sorted(linked) for component in linked[program])]}
     target.write_text(json.dumps(document, indent=2) + "\n", newline="\n")

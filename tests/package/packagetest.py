@@ -4,6 +4,7 @@ import json
 import os
 import pathlib
 import re
+import shutil
 import subprocess
 import sys
 import tempfile
@@ -11,7 +12,8 @@ import time
 import unittest
 import zipfile
 
-SCRIPTS = pathlib.Path(__file__).resolve().parents[2] / "scripts" / "package"
+ROOT = pathlib.Path(__file__).resolve().parents[2]
+SCRIPTS = ROOT / "scripts" / "package"
 sys.path.insert(0, str(SCRIPTS))
 import archive  # noqa: E402
 import components  # noqa: E402
@@ -19,6 +21,7 @@ import make  # noqa: E402
 
 EPOCH = 1_700_000_000
 BUILD = pathlib.Path(sys.argv.pop()).resolve()
+WINE = BUILD.parent / "wine-prefix"
 
 
 class PackageTest(unittest.TestCase):
@@ -60,9 +63,17 @@ class PackageTest(unittest.TestCase):
         sections = components.output_of("i686-w64-mingw32-objdump", "-s", "-j", ".gnu_debuglink", str(library))
         self.assertIn("tarnhd.dll.debu", sections)
         self.assertIn(".debug_info", components.output_of("i686-w64-mingw32-objdump", "-h", str(symbols)))
+        for program in make.PROGRAMS:
+            with self.subTest(program):
+                path = self.one(out, f"tarnhd-*-win32/bin/{program}")
+                seen = components.output_of("i686-w64-mingw32-objdump", "-x", str(path))
+                flags = int(re.search(r"^DllCharacteristics\s+(\w+)", seen, re.MULTILINE)[1], 16)
+                moves, never_executes_data = 0x40, 0x100
+                self.assertEqual(flags & (moves | never_executes_data), moves | never_executes_data)
+                self.assertRegex(seen, r"\sHIGHLOW\n", "it can't be moved all the same")
         headers = self.one(out, "tarnhd-*-win32/include")
         source = "".join(f'#include "{path.relative_to(headers)}"\n' for path in archive.files_of(headers))
-        subprocess.run(["i686-w64-mingw32-g++-posix", "-std=c++20", "-Wall", "-Wextra", "-Werror", "-fsyntax-only",
+        subprocess.run(["i686-w64-mingw32-g++-posix", "-std=c++17", "-Wall", "-Wextra", "-Werror", "-fsyntax-only",
                         f"-I{headers}", "-xc++", "-"], input=source, text=True, check=True)
         self.assert_guide_is_true(folder=headers.parent)
         # As the compiler of Windows sees it, or its hosts would call without a word by another convention.
@@ -92,16 +103,21 @@ class PackageTest(unittest.TestCase):
             if row["relationshipType"] == "STATIC_LINK":
                 linked.add(row["relatedSpdxElement"])
         self.assertEqual(linked, {f"SPDXRef-Package-{component.name}" for component in components.LINKED})
+        # The programs differ in what their sources include only.
+        names = {program: {component.name for component in components.linked_into(BUILD, program)}
+                 for program in make.PROGRAMS}
+        self.assertEqual(names["tarnhd.dll"], names["tarnctl.exe"] - {"cli11"})
+        self.assertEqual(names["qrl-probe.dll"], names["tarnhd.dll"] - {"json-for-modern-cpp"})
 
     def test_refuses_what_must_not_leave_the_machine(self):
         (self.folder / "planted").write_bytes("in /home/somebody/x".encode("utf-16-le"))
-        link_map = self.folder / "library.map"
-        link_map.write_text(components.output_of("g++", "-print-file-name=libc.a").strip() + "(puts.o)\n")
         rows = {
             "planted holds the path /home/somebody/":
                 lambda: archive.refuse_paths(self.folder, ["/nowhere/", "/home/somebody/"]),
-            "without a licence in components.py: libc6-dev":
-                lambda: components.refuse_unknown(link_map, components.LINKED),
+            "in tarnhd.dll, but without a licence in components.py: header-libraries/nlohmann":
+                lambda: components.linked_into(BUILD, "tarnhd.dll", components.LINKED[1:]),
+            "without a licence in components.py: .*gcc-mingw-w64-i686-posix":
+                lambda: components.linked_into(BUILD, "tarnhd.dll", (components.LINKED[0], components.LINKED[-1])),
             "names what is not built: b-tests":
                 lambda: make.with_all_tests("# x\n\nanywhere b-tests\n", ["a-tests.exe"]),
         }
@@ -110,6 +126,57 @@ class PackageTest(unittest.TestCase):
                 operation()
         self.assertEqual(make.with_all_tests("anywhere b-tests\n", ["a-tests.exe", "b-tests.exe", "host.exe"]),
                          "anywhere b-tests\nnever a-tests nobody has said yet what it changes\n")
+
+    def test_has_no_link_that_leads_out_of_the_archive(self):
+        (self.folder / "pages").mkdir()
+        page = self.folder / "pages" / "page.md"
+        page.write_text("[a](../pages/page.md#x) [b](#x) [c](https://x/y) `[d](none)` [e](none.md) ![f](none.png)\n"
+                        "```\n[g](none)\n``` [h](../none.md#x)")
+        make.keep_links(self.folder)
+        self.assertEqual(page.read_text(), "[a](../pages/page.md#x) [b](#x) [c](https://x/y) `[d](none)` e f\n"
+                                           "```\n[g](none)\n``` h")
+
+    def test_checks_a_machine_and_says_what_came_of_it(self):
+        place = WINE / "drive_c" / f"check (1) & more {os.getpid()}"
+        self.addCleanup(shutil.rmtree, place, ignore_errors=True)
+        (place / "bin").mkdir(parents=True)
+        source = """
+            #include <cstdio>
+            #include <cstring>
+            int main(int count, char** arguments)
+            {
+                const char* const filter = arguments[count - 1];
+                if (count == 3)
+                    return std::puts(std::strstr(filter, "passes")
+                        ? "Case.\\n  passes" : "Case.\\n  passes\\n  fails\\n  isSkipped\\n  hangs") < 0;
+                if (std::strstr(filter, "hangs"))
+                    for (volatile bool isOn = true; isOn;);
+                if (std::strstr(filter, "isSkipped"))
+                    std::puts("[  SKIPPED ] 1 test.");
+                return std::strstr(filter, "fails") ? 7 : 0;
+            }"""
+        subprocess.run(["i686-w64-mingw32-g++-posix", "-static", "-o", str(place / "bin" / "some-tests.exe"), "-xc++",
+                        str(ROOT / "tests/support/src/timelimit.cpp"), "-"], input=source, text=True, check=True)
+        (place / "check.cmd").write_text((SCRIPTS / "check/check.cmd").read_text(), newline="\r\n")
+
+        def check(rows):
+            (place / "tests.txt").write_text(rows, newline="\r\n")
+            return subprocess.run([str(ROOT / "run"), "wine", "cmd", "/c", "check.cmd"], cwd=place,
+                                  env={**os.environ, "TARNHD_TEST_SECONDS": "2"}, stdout=subprocess.DEVNULL).returncode
+
+        self.assertEqual(check("anywhere some-tests Case.passes\nnever other-tests it harms\n"), 0)
+        self.assertEqual(check("# x\nanywhere some-tests Case.*\nanywhere none-tests\nnever other-tests it harms\n"), 1)
+        report = (place / "report.txt").read_text()
+        for line in ("passed: Case.passes", "FAILED with 7: Case.fails", "left out by itself: Case.isSkipped",
+                     "FAILED with 124: Case.hangs", "the time for this test is over",
+                     "== other-tests is left out: it harms", "FAILED: it has no such tests, or does not start",
+                     "1 tests passed, 3 failed, 2 tests or programs were left out"):
+            self.assertIn(f"{line}\n", report)
+        self.assertEqual(check("never other-tests it harms\n"), 1, "none ran")
+        self.assertNotIn("Case.", (place / "report.txt").read_text(), "of an earlier run")
+        (place / "report.txt").unlink()
+        (place / "report.txt").mkdir()
+        self.assertEqual(check("anywhere some-tests\n"), 3)
 
     def test_signs_and_keeps_the_password(self):
         key, certificate, both = (self.folder / name for name in ("key.pem", "certificate.pem", "both.p12"))

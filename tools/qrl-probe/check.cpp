@@ -10,7 +10,7 @@ constexpr std::array<CheckText, checkCount> texts{{
     {"name", "a text of 1 to 259 bytes"},
     {"record", "a plug-in record at an address divisible by 4, writable to its end"},
     {"size", "a size of 0, 24, 28, 32, 36 or more, divisible by 4"},
-    {"hoster", "a host record at an address divisible by 4, readable, whose report function is code"},
+    {"hoster", "a host record at an address divisible by 4, readable, whose report function is code and stays"},
     {"initialize-once", "one call of the export in each load"},
     {"main-once", "one call of main in each load"},
     {"apartment", "main's thread in the multithreaded apartment or in none"},

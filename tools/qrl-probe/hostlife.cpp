@@ -37,6 +37,14 @@ std::size_t comparedBytes(const vx::qrl::pluginAPI& record)
     return std::min<std::size_t>(roomOf(record.size), sizeof record);
 }
 
+/// In the report's own way to write, whatever code page the host's text is in.
+std::string quoted(std::string text)
+{
+    std::ranges::replace_if(
+        text, [](char c) { return c < ' ' || c > '~'; }, '?');
+    return '"' + text + '"';
+}
+
 bool isKnownSize(std::uint32_t size)
 {
     return size == 0 || size == 24 || size == 28 || (size >= 32 && size % 4 == 0);
@@ -88,15 +96,23 @@ void HostLife::judgeRecord(const Arrival& arrival)
     m_findings.judge(Check::SameRecord, arrival.record == m_record,
         arrival.record == m_record ? "the same" : "another one: " + describe(arrival));
     // The record of a plug-in that has ended may be gone, and another one was never looked at.
-    if (arrival.record != m_record || m_phase == Phase::Ended)
+    if (arrival.record == m_record && m_phase != Phase::Ended)
+        judgeMembers(arrival.readable, describe(arrival));
+}
+
+void HostLife::judgeMembers(std::size_t readable, const std::string& when)
+{
+    const auto size = comparedBytes(m_filled);
+    if (readable < size) {
+        m_findings.fail(Check::Members, "memory that can't be read any more: " + when);
         return;
-    const auto* const seen = reinterpret_cast<const unsigned char*>(arrival.record);
+    }
+    const auto* const seen = reinterpret_cast<const unsigned char*>(m_record);
     const auto* const filled = reinterpret_cast<const unsigned char*>(&m_filled);
-    const auto* const end = filled + comparedBytes(m_filled);
-    const auto* const difference = std::mismatch(filled, end, seen).first;
-    const auto place = static_cast<std::size_t>(difference - filled) & ~std::size_t(3);
-    m_findings.judge(Check::Members, difference == end,
-        difference == end ? "the same" : "another value at offset " + std::to_string(place) + ": " + describe(arrival));
+    const auto* const difference = std::mismatch(filled, filled + size, seen).first;
+    const auto place = static_cast<std::size_t>(difference - filled);
+    m_findings.judge(Check::Members, place == size,
+        place == size ? "the same" : "another value at offset " + std::to_string(place / 4 * 4) + ": " + when);
 }
 
 void HostLife::judgeThread(const Arrival& arrival)
@@ -134,7 +150,7 @@ bool HostLife::introduce(const Introduction& introduction)
     const auto size = introduction.size;
     const auto sizeText = size ? std::to_string(*size) + " bytes" : "none that could be read";
     m_findings.judge(Check::Name, introduction.name && !introduction.name->empty(),
-        introduction.name ? "\"" + *introduction.name + "\"" : "none that could be read");
+        introduction.name ? quoted(*introduction.name) : "none that could be read");
     m_findings.judge(Check::Record, introduction.isRecordAligned && introduction.isRecordWritable,
         !introduction.isRecordAligned    ? "an address that is not divisible by 4"
         : !introduction.isRecordWritable ? "null, or memory that can't be written to"
@@ -168,13 +184,19 @@ bool HostLife::beginMain(Apartment apartment)
     return true;
 }
 
+void HostLife::hosterChanged()
+{
+    m_findings.fail(Check::Hoster, "another report function, or memory that can't be read, at a report");
+}
+
 void HostLife::reported(std::uint32_t taken)
 {
     m_findings.judge(Check::Reports, taken == reportArguments, std::to_string(taken) + " bytes taken");
 }
 
-void HostLife::mainEnded()
+void HostLife::mainEnded(std::size_t readable)
 {
+    judgeMembers(readable, "main's end");
     m_phase = Phase::Ended;
     m_findings.pass(Check::EventsAfterStart, "none");
     m_findings.pass(Check::EventsBeforeStop, "none");

@@ -17,6 +17,7 @@ struct Arrival {
     unsigned long thread;
     std::uintptr_t stack; ///< the stack pointer that the call was made with, under the arguments
     const vx::qrl::pluginAPI* record;
+    std::size_t readable; ///< bytes of it, as far as there can be any
 };
 
 /// Follows one load of the library through the host's calls, in their order, and judges them. One thread at a time;
@@ -34,10 +35,12 @@ public:
     void recordFilled(const vx::qrl::pluginAPI& record);
     /// Of main, behind its arrival, right before it reports the start. False when the plug-in is not to run.
     bool beginMain(Apartment apartment);
+    /// The host record is not what it was, right before a report.
+    void hosterChanged();
     /// How many bytes the report function took off the stack.
     void reported(std::uint32_t taken);
-    /// Main has done its work; it is still to leave.
-    void mainEnded();
+    /// Main has done its work; it is still to leave. `readable` bytes of the record are there.
+    void mainEnded(std::size_t readable);
     void unloading();
     void processEnding();
 
@@ -53,6 +56,7 @@ private:
     void judgeCount(Check check, unsigned count);
     void judgeStack(const Arrival& arrival);
     void judgeRecord(const Arrival& arrival);
+    void judgeMembers(std::size_t readable, const std::string& when);
     void judgeThread(const Arrival& arrival);
     void judgeStop(const std::string& what);
     void judgeEvent(const std::string& what);

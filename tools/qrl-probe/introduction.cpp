@@ -2,7 +2,6 @@
 
 #include "qrl-probe/memory.h"
 
-#include <algorithm>
 #include <cstring>
 
 namespace tools::qrlprobe {
@@ -22,10 +21,7 @@ std::optional<std::string> readName(const char* name)
     const auto length = strnlen(name, readable);
     if (length == readable)
         return std::nullopt;
-    std::string text(name, length);
-    std::ranges::replace_if(
-        text, [](char c) { return c < ' ' || c > '~'; }, '?');
-    return text;
+    return std::string(name, length);
 }
 
 } // namespace

@@ -15,7 +15,7 @@ constexpr std::uint32_t roomOf(std::uint32_t size)
 
 /// What the host gives to the export, looked at without trusting any of it.
 struct Introduction {
-    std::optional<std::string> name; ///< nothing where no zero ends it in time; printable ASCII
+    std::optional<std::string> name; ///< as it is; nothing where no zero ends it in time
     bool isRecordAligned = false;
     std::optional<std::uint32_t> size; ///< nothing where the record can't be read
     bool isRecordWritable = false;     ///< to the end that its size tells

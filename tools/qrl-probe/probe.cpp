@@ -1,8 +1,10 @@
 #include "qrl-probe/probe.h"
 
+#include "qrl-probe/memory.h"
 #include "qrl-probe/reportcall.h"
 #include "vxtl/guarded.h"
 
+#include <utility>
 #include <windows.h>
 
 namespace tools::qrlprobe {
@@ -19,6 +21,11 @@ constexpr std::uint32_t stateStarted = 1;
 constexpr std::chrono::seconds unloadTimeout(10);
 constexpr DWORD returnTimeMs = 100;
 
+std::size_t readableOf(const pluginAPI* record)
+{
+    return memory::extent(record, sizeof(*record), memory::Access::Read);
+}
+
 } // namespace
 
 /// A call of the host, from its arrival to its return. Its alignment has whoever makes one realign the stack: over one
@@ -27,7 +34,9 @@ class alignas(16) Probe::Visit {
 public:
     Visit(Probe& probe, Call call, std::uintptr_t stack, const pluginAPI* record) : m_probe(probe)
     {
-        m_probe.change([&](HostLife& life) { life.arrive({call, GetCurrentThreadId(), stack, record}); });
+        m_probe.change([&](HostLife& life) {
+            life.arrive({call, GetCurrentThreadId(), stack, record, readableOf(record)});
+        });
     }
     ~Visit()
     {
@@ -61,6 +70,7 @@ std::uint32_t Probe::initialize(
             return false;
         m_name = introduction.name.value_or("");
         m_hoster = introduction.isReportCode ? hoster : nullptr;
+        m_report = m_hoster ? hoster->reportPluginState : nullptr;
         m_record = record;
         fill(*record);
         change([&](HostLife& life) { life.recordFilled(*record); });
@@ -112,8 +122,10 @@ void Probe::run()
     }
     tellHost(stateStopped);
     change([this](HostLife& life) {
-        life.mainEnded();
-        m_record->pluginContextData = nullptr;
+        life.mainEnded(readableOf(m_record));
+        if (auto* const context = &m_record->pluginContextData;
+            memory::extent(context, sizeof *context, memory::Access::Write) == sizeof *context)
+            *context = nullptr;
     });
 }
 
@@ -121,7 +133,11 @@ void Probe::tellHost(std::uint32_t state)
 {
     if (!m_hoster)
         return;
-    const auto taken = callReport(m_hoster->reportPluginState, m_name.c_str(), state);
+    // One on the stack of a function that has returned would be overwritten by now.
+    if (memory::extent(m_hoster, sizeof(*m_hoster), memory::Access::Read) != sizeof(*m_hoster) ||
+        m_hoster->reportPluginState != m_report)
+        change([](HostLife& life) { life.hosterChanged(); });
+    const auto taken = callReport(m_report, m_name.c_str(), state);
     change([=](HostLife& life) { life.reported(taken); });
 }
 
@@ -172,7 +188,9 @@ void Probe::publish()
     const auto changes = m_life.findings().takeChanges();
     for (const auto check : changes)
         showInDebugger(m_life.findings().line(check));
-    if (!changes.empty() && !m_file.write(report()))
+    // A host that crashes wants to know which call came last.
+    const auto calls = std::exchange(m_writtenCalls, m_life.calls().size());
+    if ((!changes.empty() || calls != m_writtenCalls) && !m_file.write(report()))
         showInDebugger("the report can't be written");
 }
 

@@ -17,7 +17,7 @@ struct Callbacks {
 };
 
 /// The plug-in that does nothing but watch its host, one for each load of the library. Any thread; the host's calls
-/// come with the stack pointer that they were made with. The report is written anew with each change of a finding.
+/// come with the stack pointer that they were made with. The report is written anew with each change of what it says.
 class Probe {
 public:
     explicit Probe(const Callbacks& callbacks) : m_callbacks(callbacks), m_host(describeProcess()) {}
@@ -55,11 +55,13 @@ private:
     const ReportFile m_file;
     std::string m_name;                     ///< written by the first initialize
     vx::qrl::hosterAPI* m_hoster = nullptr; ///< the host's, null where it has no use; written by the first initialize
-    vx::qrl::pluginAPI* m_record = nullptr; ///< the host's; written by the first initialize
-    vx::sync::Mutex m_mutex;                ///< never held across a call into the host
-    vx::sync::ConditionVariable m_changed;  ///< of m_life and m_isLetGo
-    HostLife m_life;                        ///< guarded by m_mutex
-    bool m_isLetGo = false;                 ///< guarded by m_mutex; main is to return without a stop
+    vx::qrl::ReportPluginStateFunction m_report = nullptr; ///< the host record's, as it was at the first initialize
+    vx::qrl::pluginAPI* m_record = nullptr;                ///< the host's; written by the first initialize
+    vx::sync::Mutex m_mutex;                               ///< never held across a call into the host
+    vx::sync::ConditionVariable m_changed;                 ///< of m_life and m_isLetGo
+    HostLife m_life;                                       ///< guarded by m_mutex
+    std::size_t m_writtenCalls = 0;                        ///< guarded by m_mutex; how many of m_life's the report has
+    bool m_isLetGo = false;                                ///< guarded by m_mutex; main is to return without a stop
 };
 
 } // namespace tools::qrlprobe

@@ -5,7 +5,7 @@
 namespace tools::qrlprobe {
 
 /// The report's text file: the one that the environment variable QRL_PROBE_REPORT names, else "qrl-probe.report.txt"
-/// beside the library.
+/// beside the library. It stays the same file wherever the process's current folder goes.
 class ReportFile {
 public:
     /// Reads the environment.

@@ -34,6 +34,14 @@ std::wstring pathFromEnvironment()
     return path;
 }
 
+// From the folder that is the current one now: a host may go elsewhere.
+std::wstring absolute(const std::wstring& path)
+{
+    std::wstring full(0x8000, L'\0');
+    full.resize(GetFullPathNameW(path.c_str(), static_cast<DWORD>(full.size()), full.data(), nullptr));
+    return full;
+}
+
 } // namespace
 
 ReportFile::ReportFile() : m_path(pathFromEnvironment())
@@ -42,6 +50,7 @@ ReportFile::ReportFile() : m_path(pathFromEnvironment())
         const auto library = pathOf(ownModule());
         m_path = library.substr(0, library.find_last_of(L'\\') + 1) + fileName;
     }
+    m_path = absolute(m_path);
     m_path.shrink_to_fit();
 }
 

@@ -32,17 +32,18 @@ struct RunningLife : HostLife {
     }
     void come(Call call, unsigned long thread, std::uintptr_t stack = 0x1000)
     {
-        arrive({call, thread, stack, &record});
+        arrive({call, thread, stack, &record, readable});
     }
     void end()
     {
         come(Call::Stop, 2);
         leave();
-        mainEnded();
+        mainEnded(readable);
         leave();
     }
 
     vx::qrl::pluginAPI record{};
+    std::size_t readable = sizeof record;
 };
 
 } // namespace
@@ -89,6 +90,25 @@ TEST(HostLife, failsWhatHostsDoAtTheWrongMoment)
                 life.end();
             },
             "members", "another value at offset 0: session event on thread 0x2"},
+        {"a host record that is gone",
+            [](auto& life) {
+                life.hosterChanged();
+                life.reported(8);
+            },
+            "hoster", "another report function"},
+        {"a record that is cleared behind the stop",
+            [](auto& life) {
+                life.come(Call::Stop, 2);
+                life.record = {};
+                life.mainEnded(life.readable);
+            },
+            "members", "another value at offset 0: main's end"},
+        {"a record whose memory goes",
+            [](auto& life) {
+                life.readable = 35;
+                life.come(Call::PowerEvent, 2);
+            },
+            "members", "memory that can't be read any more: power event on thread 0x2"},
         {"stacks that go from bad to worse",
             [](auto& life) {
                 life.come(Call::PowerEvent, 2, 0x1004);
@@ -129,7 +149,7 @@ TEST(HostLife, refusesOnlyARecordThatCantHoldTheCallbacks)
         auto given = good;
         row.spoil(given);
         HostLife life;
-        life.arrive({Call::Initialize, 2, 0x1000, nullptr});
+        life.arrive({Call::Initialize, 2, 0x1000, nullptr, 0});
         EXPECT_EQ(life.introduce(given), row.isUsable);
         EXPECT_EQ(life.findings().verdict(), std::string("verdict: FAILED: ") + row.failed);
     }

@@ -10,6 +10,7 @@ namespace {
 
 using namespace devhost::host;
 using namespace support;
+using testing::Contains;
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::UnorderedElementsAreArray;
@@ -22,13 +23,17 @@ protected:
     /// One load, from the beginning to the end; this process is the host.
     void live(const Conduct& conduct, std::uint32_t size = 36)
     {
+        // In no code page of the probe's choice, as that is how a host finds out whose report it is.
+        const std::string name = "s\xE4mple";
         const devhost::ipc::Signal started;
-        const PluginSession::Listener listener{[&](const std::string&, std::uint32_t state) {
+        const PluginSession::Listener listener{[&](const std::string& plugin, std::uint32_t state) {
+                                                   EXPECT_EQ(
+                                                       plugin, std::string_view(conduct.kind) == "name" ? "" : name);
                                                    if (state == 1)
                                                        started.set();
                                                },
             [](std::uint32_t) {}};
-        PluginSession session(library, "sample", size, listener, conduct);
+        PluginSession session(library, name, size, listener, conduct);
         session.start();
         ASSERT_TRUE(started.wait(60'000));
         if (&conduct == &goodConduct && size != 28)
@@ -57,7 +62,7 @@ protected:
     }
 
     const std::filesystem::path library = programFolder() / "qrl-probe.dll";
-    const std::filesystem::path report = folder.path() / "report.txt";
+    const std::filesystem::path report = folder.path() / L"r\u00e4port \u0416.txt";
 };
 
 } // namespace
@@ -96,6 +101,9 @@ TEST_F(ProbeTest, reportsAsTheHostGoesOnAndThatItEndsWithoutAStop)
     waitFor(folder.path(), "the start", [&] { return host.output().find("reports: started") != std::string::npos; });
     EXPECT_EQ(tarnhost("status --wait 60").wait(), 0u);
     EXPECT_THAT(readFile(report), HasSubstr("verdict: no fault so far; not seen: "));
+    for (int i = 0; i < 2; ++i)
+        EXPECT_EQ(tarnhost("resume-event").wait(), 0u);
+    EXPECT_THAT(lines(), Contains(HasSubstr("power event on thread")).Times(2));
     EXPECT_EQ(tarnhost("stop").wait(), 0u);
     EXPECT_EQ(host.wait(), 0u);
     EXPECT_THAT(checks("FAILED"), ElementsAre("stop")) << readFile(report);

@@ -5,7 +5,8 @@
 #include <cstddef>
 #include <cstdint>
 
-/// The records that the plug-in and its host share: the host's memory, an external format of 32-bit words.
+/// The records that the plug-in and its host share: the host's memory, an external format of 32-bit words. Hosts
+/// include this, so it asks for no more than C++17.
 namespace vx::qrl {
 
 struct hosterAPI;

@@ -75,11 +75,32 @@ TEST_F(TarnhdLibrary, givesAnAttackerNeitherAFixedPlaceNorWritableCode)
     EXPECT_EQ(headers().FileHeader.TimeDateStamp, 0u) << "two builds differ";
 }
 
-TEST(TarnhdLoads, leaveNothingBehind)
+/// Loads of the library that run its code, with a log of their own.
+class TarnhdLoads : public testing::Test {
+protected:
+    TarnhdLoads() { SetEnvironmentVariableW(L"ProgramData", folder.c_str()); }
+    ~TarnhdLoads() override { std::filesystem::remove_all(folder); }
+
+    const std::filesystem::path folder =
+        std::filesystem::temp_directory_path() / ("tarnhd-loads-" + std::to_string(GetCurrentProcessId()));
+};
+
+TEST_F(TarnhdLoads, workWhereverThereIsRoom)
+{
+    const HMODULE usual = LoadLibraryW(L"tarnhd.dll");
+    FreeLibrary(usual);
+    void* const taken = VirtualAlloc(usual, 1, MEM_RESERVE, PAGE_NOACCESS);
+    ASSERT_EQ(taken, usual);
+    const HMODULE elsewhere = LoadLibraryW(L"tarnhd.dll");
+    EXPECT_NE(elsewhere, nullptr);
+    EXPECT_NE(elsewhere, usual);
+    FreeLibrary(elsewhere);
+    VirtualFree(taken, 0, MEM_RELEASE);
+}
+
+TEST_F(TarnhdLoads, leaveNothingBehind)
 {
     constexpr int loads = 20;
-    const auto folder = std::filesystem::temp_directory_path() / "tarnhd-loads";
-    SetEnvironmentVariableW(L"ProgramData", folder.c_str());
     // As in every host: otherwise each load would bring it in anew.
     const HMODULE resident = LoadLibraryW(L"advapi32.dll");
     const auto load = [] { EXPECT_TRUE(FreeLibrary(LoadLibraryW(L"tarnhd.dll"))); };
@@ -92,7 +113,6 @@ TEST(TarnhdLoads, leaveNothingBehind)
     EXPECT_EQ(left.threadSlots, 0);
     EXPECT_LT(left.heapBytes, loads * 512);
     FreeLibrary(resident);
-    std::filesystem::remove_all(folder);
 }
 
 } // namespace
