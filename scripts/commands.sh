@@ -221,7 +221,7 @@ command_lint() {
         --suppress=unknownMacro --suppress=throwInNoexceptFunction --suppress=passedByValue --suppress=danglingTemporaryLifetime \
         --suppress=duplInheritedMember \
         -Isrc -Idevhost -Itools $(printf -- '-I%s ' sdk/*/include sdk/*/src) \
-        sdk src devhost tools bench || failed=1
+        sdk src devhost tools docs bench || failed=1
     [ "$failed" -eq 0 ] || die "lint found something"
 }
 

@@ -3,6 +3,7 @@
 import json
 import os
 import pathlib
+import re
 import subprocess
 import sys
 import tempfile
@@ -63,10 +64,19 @@ class PackageTest(unittest.TestCase):
         source = "".join(f'#include "{path.relative_to(headers)}"\n' for path in archive.files_of(headers))
         subprocess.run(["i686-w64-mingw32-g++-posix", "-std=c++20", "-Wall", "-Wextra", "-Werror", "-fsyntax-only",
                         f"-I{headers}", "-xc++", "-"], input=source, text=True, check=True)
+        self.assert_guide_is_true(folder=headers.parent)
         # As the compiler of Windows sees it, or its hosts would call without a word by another convention.
         conventions = components.output_of("i686-w64-mingw32-g++-posix", "-E", "-dM", "-U__i386__", "-D_M_IX86", "-xc++",
                                            str(headers / "delay-load/callingconvention.h"))
         self.assertIn("#define VX_STDCALL __stdcall\n", conventions)
+
+    def assert_guide_is_true(self, folder):
+        """It shows the host as it is, and that one can be built as it says, of nothing but the archive."""
+        guide = (folder / "docs/integration.md").read_text()
+        host = (folder / "docs/examples/minimalhost/minimalhost.cpp").read_text()
+        self.assertIn(f"```cpp\n{host}```\n", guide)
+        command = re.search(r"^i686-w64-mingw32-g\+\+.*", guide, re.MULTILINE)[0].split()
+        subprocess.run([*command, "-Wall", "-Wextra", "-Werror"], cwd=folder, check=True)
 
     def test_lists_every_file_and_component(self):
         folder = self.one(self.product("out"), "tarnhd-*-win32/")
