@@ -19,6 +19,7 @@ usage: ./run COMMAND [ARGS]
        [--sign FILE.p12]  sign library and programs; the password is PACKAGE_SIGN_PASSWORD's or asked for
   host -- ARGS       run the console host under Wine: ./run host -- --help
   wine PROGRAM ARGS  run any program under the project's Wine
+  gdb PROGRAM ARGS   the same in gdb; with a number instead, the process that runs under it: docs/debugging.md
   setup              install packages and make the Wine root, nothing else
   clean              remove what was built here (the Wine root in the cache folder stays)
 END
@@ -125,6 +126,23 @@ command_wine() {
         result=$?
     fi
     return "$result"
+}
+
+# The debugger is this machine's, as the sources are here; in Wine there is only what it talks to. Both know one
+# process. Commands for gdb may come as its input.
+command_gdb() {
+    local port=$((20000 + RANDOM % 10000)) name
+    install_packages gdb
+    [ $# -gt 0 ] || die "gdb takes a program, or the number of a process"
+    wine_start
+    for name in "${!TARNHD_@}"; do wine_extra_env+=("$name=${!name}"); done
+    # Wine's own debugger is off elsewhere, or each crash would wait for it.
+    wine_extra_env+=("WINEDLLOVERRIDES=mscoree=d;mshtml=d")
+    wine_command wine winedbg --gdb --no-start --port "$port" "$@" </dev/null >"$project/build/winedbg.log" 2>&1 &
+    # Wine's own libraries stand in its root.
+    gdb -q -ex "set architecture i386" -ex "set tcp connect-timeout 30" \
+        -ex "set solib-search-path $wine_root/usr/lib/i386-linux-gnu/wine/i386-windows" \
+        -ex "target remote localhost:$port"
 }
 
 # Client, server and program share one core, or the figures swing with the scheduler's mood.
