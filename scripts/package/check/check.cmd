@@ -25,11 +25,11 @@ ver >>"%report%" 2>&1
 >>"%report%" echo %DATE% %TIME%, %PROCESSOR_ARCHITECTURE% %PROCESSOR_ARCHITEW6432%, %NUMBER_OF_PROCESSORS% processors
 chcp >>"%report%" 2>&1
 
-rem What the programs would log for all of the machine goes here, and is gone at the end.
-set "scratch=%TEMP%\tarnhd-check"
+rem What the programs would log for all of the machine goes here, and is gone at the end. Another check has its own.
+set "scratch=%TEMP%\tarnhd-check-%RANDOM%%RANDOM%"
 set "ProgramData=%scratch%"
 set "ALLUSERSPROFILE=%scratch%"
-if not exist "%scratch%" mkdir "%scratch%"
+mkdir "%scratch%"
 rem Windows takes programs with "patch", "update" or "install" in their names for ones that need an administrator.
 set "__COMPAT_LAYER=RunAsInvoker"
 
@@ -106,6 +106,7 @@ exit /b
 for /f "tokens=1" %%c in ("%line%") do set "case=%suite%%%c"
 bin\%program%.exe --gtest_brief=1 --gtest_color=no "--gtest_filter=%case%" >"%scratch%\output.txt" 2>&1 <nul
 set "code=%errorlevel%"
+if not exist "%scratch%\output.txt" set "code=no output"
 if not "%code%"=="0" goto test_failed
 findstr /c:"  SKIPPED " "%scratch%\output.txt" >nul 2>&1
 if not errorlevel 1 goto test_skipped
