@@ -3,8 +3,8 @@
 #include "tarnctl/log/page.h"
 
 #include <algorithm>
+#include <array>
 #include <nlohmann/json.hpp>
-#include <ostream>
 #include <string>
 
 namespace tarnctl::log {
@@ -30,30 +30,16 @@ std::string_view partOfPage(std::string_view from, std::string_view to)
     return page.substr(begin, to.empty() ? std::string_view::npos : page.find(to) - begin);
 }
 
-/// Within the data's element no "<" may stand; the page puts it back.
-void writeText(std::ostream& stream, std::string_view text)
+/// Within the data's element no "<" may stand; the page puts it back. A line of its own began for it behind a
+/// carriage return.
+bool isSpecial(char character)
 {
-    const auto put = [&](std::string_view part) {
-        stream.rdbuf()->sputn(part.data(), static_cast<std::streamsize>(part.size()));
-    };
-    const auto next = [&] { return std::min(text.find('<'), text.find('\x01')); };
-    for (auto place = next(); place != std::string_view::npos; place = next()) {
-        put(text.substr(0, place));
-        put(text[place] == '<' ? "\x01" : " ");
-        text.remove_prefix(place + 1);
-    }
-    put(text);
-    put("\n");
-}
-
-/// JSON is free to spell "<" in another way.
-void writeJson(std::ostream& stream, const Json& object)
-{
-    for (const char character : object.dump(-1, ' ', false, Json::error_handler_t::replace))
-        if (character == '<')
-            stream << "\\u003c";
-        else
-            stream << character;
+    static constexpr auto specials = [] {
+        std::array<bool, 256> table{};
+        table['<'] = table['\x01'] = table['\r'] = true;
+        return table;
+    }();
+    return specials[static_cast<unsigned char>(character)];
 }
 
 Json toJson(const PluginRun& run)
@@ -70,15 +56,6 @@ Json toJson(const AgentStart& start)
     return {{"begin", start.begin}, {"end", start.end}, {"arguments", start.arguments},
         {"outcome", nameOf(start.outcome)}, {"exitCode", start.exitCode ? Json(*start.exitCode) : Json()},
         {"asks", std::move(asks)}};
-}
-
-template <typename Items>
-Json toJsonArray(const Items& items)
-{
-    auto array = Json::array();
-    for (const auto& item : items)
-        array.push_back(toJson(item));
-    return array;
 }
 
 Json finding(std::string_view grade, Moment time, std::string text)
@@ -114,14 +91,54 @@ void addProblems(Json& findings, const Problems& problems)
 
 } // namespace
 
-PageOutput::PageOutput(std::ostream& stream) : m_stream(stream)
+PageOutput::PageOutput(std::ostream& stream) : m_writer(stream)
 {
-    m_stream << partOfPage({}, logMark);
+    m_writer.put(partOfPage({}, logMark));
+}
+
+void PageOutput::writeText(std::string_view text)
+{
+    for (;;) {
+        const auto plain = static_cast<std::size_t>(std::find_if(text.begin(), text.end(), isSpecial) - text.begin());
+        m_writer.put(text.substr(0, plain));
+        if (plain == text.size())
+            return m_writer.put('\n');
+        m_writer.put(text[plain] == '<' ? '\x01' : ' ');
+        text.remove_prefix(plain + 1);
+    }
+}
+
+/// JSON is free to spell "<" in another way.
+void PageOutput::writeJson(const Json& object)
+{
+    const auto text = object.dump(-1, ' ', false, Json::error_handler_t::replace);
+    for (std::string_view rest = text; !rest.empty();) {
+        const auto plain = std::min(rest.find('<'), rest.size());
+        m_writer.put(rest.substr(0, plain));
+        if (plain < rest.size())
+            m_writer.put("\\u003c");
+        rest.remove_prefix(std::min(plain + 1, rest.size()));
+    }
+}
+
+/// One by one: there may be many.
+template <typename Items>
+void PageOutput::writeList(std::string_view name, const Items& items)
+{
+    m_writer.put(",\"");
+    m_writer.put(name);
+    m_writer.put("\":[");
+    for (const auto& item : items) {
+        if (&item != &*items.begin())
+            m_writer.put(',');
+        writeJson(toJson(item));
+    }
+    m_writer.put(']');
 }
 
 void PageOutput::line(std::string_view line, const Record* record)
 {
-    writeText(m_stream, line);
+    writeText(line);
     if (!record)
         return;
     m_story.take(*record);
@@ -141,11 +158,16 @@ void PageOutput::end()
     addProblems(findings, m_problems);
     if (findings.size() > mostFindings)
         findings.erase(findings.begin() + mostFindings, findings.end());
-    m_stream << partOfPage(logMark, storyMark);
-    writeJson(m_stream,
-        {{"first", m_first}, {"last", m_last}, {"findings", std::move(findings)}, {"runs", toJsonArray(m_story.runs())},
-            {"starts", toJsonArray(m_story.starts())}, {"errors", m_errors}});
-    m_stream << partOfPage(storyMark, {});
+    m_writer.put(partOfPage(logMark, storyMark));
+    m_writer.put("{\"first\":" + std::to_string(m_first) + ",\"last\":" + std::to_string(m_last) + ",\"findings\":");
+    writeJson(findings);
+    m_writer.put(",\"errors\":");
+    writeJson(m_errors);
+    writeList("runs", m_story.runs());
+    writeList("starts", m_story.starts());
+    m_writer.put('}');
+    m_writer.put(partOfPage(storyMark, {}));
+    flush();
 }
 
 } // namespace tarnctl::log
