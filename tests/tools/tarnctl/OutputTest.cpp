@@ -122,8 +122,9 @@ TEST(PageOutput, holdsLinesAndFindingsWhateverStandsInThem)
     std::vector<std::string> findings;
     for (const auto& finding : story.at("findings"))
         findings.push_back(finding.at("grade").get<std::string>() + " " + finding.at("text").get<std::string>());
-    EXPECT_THAT(findings, testing::ElementsAre("error agent start failed, exit code 5 after 0 tries",
-                              "error 2 times: Failed </script> \x01\r5"));
+    EXPECT_THAT(
+        findings, testing::ElementsAre("error agent start failed, exit code 5: Internal error; Failed to download.",
+                      "error 2 times: Failed </script> \x01\r5"));
 }
 
 } // namespace

@@ -1,9 +1,11 @@
 #include "tarnctl/log/pageoutput.h"
 
+#include "tarnctl/codes.h"
 #include "tarnctl/log/page.h"
 
 #include <algorithm>
 #include <array>
+#include <map>
 #include <nlohmann/json.hpp>
 #include <string>
 
@@ -65,21 +67,27 @@ Json finding(std::string_view grade, Moment time, std::string text)
 
 void addRuns(Json& findings, const std::vector<PluginRun>& runs)
 {
-    // The last one of each process may be going on.
+    // The last one may be going on, and in a log without banners nothing tells of an end.
     for (std::size_t index = 0; index + 1 < runs.size(); ++index)
-        if (!runs[index].end)
+        if (!runs[index].end && (runs[index].hasBanner || runs[index + 1].hasBanner))
             findings.push_back(finding("warning", runs[index].last,
                 "the plug-in in process " + std::to_string(runs[index].process) + " stops without the end of its log"));
 }
 
+/// Those of one exit code are one finding, or a bad night would hide all others.
 void addStarts(Json& findings, const std::vector<AgentStart>& starts)
 {
+    std::map<std::pair<Outcome, std::optional<std::int64_t>>, std::pair<std::size_t, Moment>> kinds;
     for (const auto& start : starts)
         if (start.outcome == Outcome::Failed || start.outcome == Outcome::Busy)
-            findings.push_back(finding(start.outcome == Outcome::Failed ? "error" : "warning", start.begin,
-                "agent start " + std::string(nameOf(start.outcome)) +
-                    (start.exitCode ? ", exit code " + std::to_string(*start.exitCode) : "") + " after " +
-                    std::to_string(start.tries) + (start.tries == 1 ? " try" : " tries")));
+            ++kinds.try_emplace({start.outcome, start.exitCode}, 0, start.begin).first->second.first;
+    for (const auto& [kind, found] : kinds) {
+        const auto& [outcome, exitCode] = kind;
+        const auto times = found.first > 1 ? std::to_string(found.first) + " times: " : "";
+        const auto code = exitCode ? ", exit code " + std::to_string(*exitCode) + ": " + meaningOf(*exitCode) : "";
+        findings.push_back(finding(outcome == Outcome::Failed ? "error" : "warning", found.second,
+            times + "agent start " + std::string(nameOf(outcome)) + code));
+    }
 }
 
 void addProblems(Json& findings, const Problems& problems)

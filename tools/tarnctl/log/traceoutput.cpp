@@ -1,5 +1,6 @@
 #include "tarnctl/log/traceoutput.h"
 
+#include <algorithm>
 #include <nlohmann/json.hpp>
 #include <string>
 
@@ -32,7 +33,7 @@ Json slice(std::uint16_t process, unsigned track, std::string_view name, logread
     logreading::Moment end, Json arguments)
 {
     return {{"ph", "X"}, {"name", name}, {"pid", process}, {"tid", track}, {"ts", stamp(begin)},
-        {"dur", stamp(end - begin)}, {"args", std::move(arguments)}};
+        {"dur", stamp(std::max<logreading::Moment>(end - begin, 0))}, {"args", std::move(arguments)}};
 }
 
 } // namespace
