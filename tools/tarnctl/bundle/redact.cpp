@@ -12,8 +12,8 @@ constexpr std::string_view hidden = "<hidden>";
 // Anything else may stand in a password.
 constexpr std::string_view between = " \t\"'<>";
 constexpr std::string_view scheme = "://";
-constexpr std::array<std::string_view, 9> secretNames = {
-    "password", "passwd", "pwd", "passphrase", "secret", "token", "apikey", "authorization", "cookie"};
+constexpr std::array<std::string_view, 10> secretNames = {
+    "password", "passwd", "pwd", "passphrase", "secret", "token", "apikey", "credential", "authorization", "cookie"};
 
 std::string lowered(std::string_view text)
 {

@@ -6,7 +6,8 @@ namespace tarnctl::log {
 
 namespace {
 
-constexpr std::size_t blockSize = 262'144;
+// Consoles of older systems refuse more than 64 KiB at once.
+constexpr std::size_t blockSize = 32'768;
 
 } // namespace
 
