@@ -12,9 +12,12 @@ protected:
     LogReaderTest() { create_directories(m_folder); }
     ~LogReaderTest() override { remove_all(m_folder); }
 
-    void write(const char* name, const std::string& text, std::ios::openmode mode = std::ios::trunc) const
+    /// Of ASCII.
+    void write(const char* name, std::string_view text, std::ios::openmode mode = std::ios::trunc) const
     {
-        std::ofstream(m_folder / name, std::ios::binary | std::ios::out | mode) << text;
+        std::ofstream stream(m_folder / name, std::ios::binary | std::ios::out | mode);
+        for (const char character : text)
+            stream.put(character).put('\0');
     }
     std::string read()
     {
@@ -42,7 +45,7 @@ TEST_F(LogReaderTest, goesOnInAFileThatWasCutAndTellsNoOtherTwice)
     EXPECT_EQ(read(), "") << "nothing";
     write("a.log", "7\n8\n", std::ios::app);
     EXPECT_EQ(read(), "7 8 ");
-    resize_file(m_folder / "a.log", 2);
+    resize_file(m_folder / "a.log", 4);
     EXPECT_EQ(read(), "7 ") << "its own front";
 }
 
@@ -54,17 +57,6 @@ TEST_F(LogReaderTest, knowsOlderFilesBehindAMissingNumber)
     EXPECT_TRUE(m_reader.rewind()) << "within a rotation there is no current file";
     write("a.log", "3\n");
     EXPECT_EQ(read(), "1 2 3 ");
-}
-
-TEST_F(LogReaderTest, saysWhatItCannotRead)
-{
-    write("a.log", "1\n");
-    const auto file =
-        CreateFileW((m_folder / "a.log").c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING, 0, nullptr);
-    OVERLAPPED place{};
-    EXPECT_TRUE(LockFileEx(file, LOCKFILE_EXCLUSIVE_LOCK, 0, 100, 0, &place));
-    EXPECT_ANY_THROW(m_reader.rewind());
-    CloseHandle(file);
 }
 
 } // namespace
