@@ -1,5 +1,7 @@
 #include "tarnctl/health/obstacles.h"
+
 #include "tarnctl/health/rows.h"
+#include <limits>
 
 namespace tarnctl::health {
 
@@ -13,9 +15,10 @@ Said checkRequest(const Facts& facts, const Fact<Request>& request, std::optiona
         return good("none is open; the last was " + std::to_string(request->ack));
     auto evidence =
         "request " + std::to_string(request->start) + " is open, the last served was " + std::to_string(request->ack);
-    const auto since = facts.log.isKnown() ? (*facts.log).*asked : std::nullopt;
-    evidence +=
-        since ? "; the plug-in took it up " + ago(*since) : "; the log does not tell that the plug-in took it up";
+    constexpr auto untold = std::numeric_limits<std::int64_t>::max();
+    const auto since = facts.log.isKnown() ? ((*facts.log).*asked).value_or(untold) : untold;
+    evidence += since == untold ? "; the log does not tell that the plug-in took it up"
+                                : "; the plug-in took it up " + ago(since);
     if (isAgentAtWork(facts))
         return good(evidence + ", an agent is at work");
     if (!facts.agentRunSeconds.isKnown())
@@ -23,7 +26,7 @@ Said checkRequest(const Facts& facts, const Fact<Request>& request, std::optiona
     if (const auto reasons = obstacles(facts); !reasons.empty())
         return finding(
             evidence + "; nobody serves it: " + reasons.front(), "remove what keeps the agent from starting");
-    if (since && *since <= underWay)
+    if (since <= underWay)
         return good(evidence);
     return finding(evidence + ", and no agent is at work",
         "what came while the plug-in was not there waits for the next change: write a new number");
