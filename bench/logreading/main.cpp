@@ -1,9 +1,12 @@
 #include "bench/comparison.h"
 #include "bench/datafolder.h"
 #include "logreading/logreader.h"
+#include "tarnctl/log/filter.h"
 #include "tarnctl/log/pageoutput.h"
+#include "tarnctl/log/route.h"
 #include "tarnctl/log/textoutput.h"
 
+#include <array>
 #include <cstdio>
 #include <filesystem>
 #include <fstream>
@@ -17,17 +20,43 @@ namespace {
 constexpr std::size_t logSize = 100'000'000;
 constexpr int repeats = 5;
 
+// What the plug-in writes at its usual level while nothing much happens, and one start of the agent. The longest line
+// is that of a key which was never set.
+constexpr std::array<const char*, 14> idle = {
+    "Failed to read a bool value: windows.tarnpatch.enabled. Exception caught: Type: vx::settings::NotFoundException, "
+    "Setting: windows.tarnpatch.enabled, Reason: Setting in not found, Function: "
+    "vx::meridia::SettingsApi::getBoolValue, File: sdk/meridia-settings/src/storefailure.cpp, Line: 12. Will be used a "
+    "cached value",
+    "Setting 'windows.tarnpatch.enabled' not found - fallback to default value",
+    "Tarnpatch maximum rescanning period is 24 hours. It's 86400 seconds.",
+    "CreateMutex faile. LastError = 0, hanlde = 0x13c", "Windows updates has never been installed on this computer",
+    "Windows update has never been installed",
+    "Setting 'windows.tarnpatch.installation.reboot.ask_user' not found - fallback to default value",
+    "Setup action scheduler. Polling interval: 10 minute(s)", "Time to poll WUS status.", "WUS not running",
+    "{ vx::tarn::TarnHandler::startScan", "  { vx::tarn::common::UpdaterLauncher::startScan",
+    "  } vx::tarn::common::UpdaterLauncher::startScan", "} vx::tarn::TarnHandler::startScan"};
+constexpr std::array<const char*, 7> start = {"Scan start time: 13440000000000000", "tarnag.exe start event signaled.",
+    "Start reason is: 1",
+    "Starting process C:\\Program Files\\agent\\tarnag.exe. Arguments: ", "Process finished with return code: 0",
+    "Update a scanning remote operation status: 7", "Waiting for event..."};
+constexpr std::size_t period = 700; ///< lines from one start to the next
+
+const char* messageOf(std::size_t number)
+{
+    const auto place = number % period;
+    return place < start.size() ? start[place] : idle[place % idle.size()];
+}
+
 std::u16string record(std::size_t number)
 {
-    static const char* const messages[] = {"Waiting for event...", "    { vx::tarn::TarnHandler::startScan",
-        "Setting 'windows.tarnpatch.enabled' not found - fallback to default value", "tarnag.exe start event signaled.",
-        "Process finished with return code: 0"};
-    char text[200];
-    std::snprintf(text, sizeof(text), "2026-11-22 10:%02u:%02u.%03u [0384.%04x]  I: %s\r\n",
-        static_cast<unsigned>(number / 60'000 % 60), static_cast<unsigned>(number / 1000 % 60),
-        static_cast<unsigned>(number % 1000), static_cast<unsigned>(number % 7), messages[number % 5]);
-    const std::string_view view(text);
-    return {view.begin(), view.end()};
+    const auto* message = messageOf(number);
+    char header[64];
+    std::snprintf(header, sizeof(header),
+        "2026-11-22 10:%02u:%02u.%03u [0384.%04x] %s: ", static_cast<unsigned>(number / 60'000 % 60),
+        static_cast<unsigned>(number / 1000 % 60), static_cast<unsigned>(number % 1000),
+        static_cast<unsigned>(number % period < start.size() ? 7 : number % 7), message == idle[0] ? ".W" : " I");
+    const auto line = std::string(header) + message + "\r\n";
+    return {line.begin(), line.end()};
 }
 
 void writeLog(const std::filesystem::path& file)
@@ -45,7 +74,7 @@ void printBare(const std::filesystem::path& log, const std::filesystem::path& ta
 {
     std::ifstream in(log, std::ios::binary);
     std::ofstream out(target, std::ios::binary);
-    std::vector<wchar_t> wide(32'768);
+    std::vector<wchar_t> wide(131'072);
     std::vector<char> narrow(3 * wide.size());
     while (in.read(reinterpret_cast<char*>(wide.data()), static_cast<std::streamsize>(wide.size() * sizeof(wchar_t))),
         in.gcount() > 0) {
@@ -60,12 +89,10 @@ void give(const std::filesystem::path& log, const std::filesystem::path& target)
 {
     std::ofstream stream(target, std::ios::binary);
     Output output(stream);
+    tarnctl::log::Filter filter({});
     logreading::LogReader reader(log);
+    const auto sink = route(filter, output);
     reader.rewind();
-    const auto sink = [&](std::string_view line) {
-        const auto parsed = logreading::parseRecord(line);
-        output.line(line, parsed ? &*parsed : nullptr);
-    };
     reader.read(sink);
     reader.finish(sink);
     output.end();

@@ -5,6 +5,7 @@
 #include "keys/keycatalogue.h"
 #include "logreading/directorywatch.h"
 #include "logreading/logreader.h"
+#include "observer.h"
 #include "reading.h"
 #include "store/client/client.h"
 #include "store/server/server.h"
@@ -183,7 +184,8 @@ bool measureIdle(const std::filesystem::path& plugin, const std::filesystem::pat
     session.start();
     waitForProcessing();
     Sleep(settleMilliseconds);
-    const bool holds = measure(floor);
+    const bool idleHolds = measure(floor);
+    const bool holds = measureHealth(plugin.parent_path()) && idleHolds;
     session.stop();
     if (!session.waitForEnd(deadline))
         throw std::runtime_error("the plug-in does not end");

@@ -51,6 +51,7 @@ bool run()
     bench::Comparison table("The plug-in");
     VxQrlLogging::open("bench", "plugin", infoLevel, 0);
     bool holds = measureStartLatency();
+    holds &= measureObservedStart(folder);
     VxQrlLogging::close();
     holds &= compareSizes(floor, ours);
     table.row("LoadLibrary and FreeLibrary", loading(floor), loading(ours), bench::Reach::timeUpTo(2.0), loads);

@@ -3,6 +3,7 @@
 #include "common/event/event.h"
 #include "common/factory/commonfactory.h"
 #include "common/process/iprocess.h"
+#include "observer.h"
 #include "reading.h"
 #include "settings-api/settings.h"
 #include "tarnhd/manager/tarnpatchmanager.h"
@@ -21,6 +22,7 @@ using vx::SharedHandle;
 constexpr int warmUp = 10;
 constexpr int batches = 5; ///< a single one's p99 swings by a third with what else the machine does
 constexpr int requests = 500;
+constexpr int observedRequests = 150; ///< of a batch
 constexpr DWORD deadline = 30'000;
 /// Lets the manager's thread come to rest in its wait, as it is when a request comes.
 constexpr DWORD restMilliseconds = 5;
@@ -88,12 +90,12 @@ private:
 
 /// Microseconds from each request to the `reached` that it leads to, in ascending order.
 template <typename Request>
-std::vector<double> collect(const LARGE_INTEGER& reached, Request request)
+std::vector<double> collect(const LARGE_INTEGER& reached, int count, Request request)
 {
     LARGE_INTEGER frequency;
     QueryPerformanceFrequency(&frequency);
     std::vector<double> times;
-    for (int i = -warmUp; i < requests; ++i) {
+    for (int i = -warmUp; i < count; ++i) {
         Sleep(restMilliseconds);
         LARGE_INTEGER requested;
         QueryPerformanceCounter(&requested);
@@ -106,7 +108,7 @@ std::vector<double> collect(const LARGE_INTEGER& reached, Request request)
     return times;
 }
 
-std::vector<double> measure()
+std::vector<double> measure(int count)
 {
     const SharedHandle roundEnded = makeEvent(false);
     TimedFactory factory;
@@ -117,7 +119,7 @@ std::vector<double> measure()
         throw std::runtime_error("the agent manager does not start");
     const auto startEvent = vx::tarn::common::openEvent(
         EVENT_MODIFY_STATE | SYNCHRONIZE, L"Global\\ScanEvent{450C4D2D-AE20-440a-9AAA-F770900831AD}", false);
-    auto times = collect(factory.started, [&] {
+    auto times = collect(factory.started, count, [&] {
         startEvent->set();
         if (WaitForSingleObject(roundEnded->get(), deadline) != WAIT_OBJECT_0)
             throw std::runtime_error("a requested start never came");
@@ -127,7 +129,7 @@ std::vector<double> measure()
 }
 
 /// What the machine itself takes to wake a waiting thread: shows how much of the tail is not the manager's.
-std::vector<double> measureBareWakeUp()
+std::vector<double> measureBareWakeUp(int count)
 {
     const SharedHandle request = makeEvent(false);
     const SharedHandle answer = makeEvent(false);
@@ -139,7 +141,7 @@ std::vector<double> measureBareWakeUp()
             SetEvent(answer->get());
         }
     });
-    const std::vector<double> times = collect(woken, [&] {
+    const std::vector<double> times = collect(woken, count, [&] {
         SetEvent(request->get());
         WaitForSingleObject(answer->get(), deadline);
     });
@@ -169,6 +171,24 @@ double largest(const Batches& all)
     return most;
 }
 
+/// Medians of one batch each.
+struct Medians {
+    double bare;
+    double ours;
+};
+
+Medians measureMedians()
+{
+    const auto bare = measureBareWakeUp(observedRequests), ours = measure(observedRequests);
+    return {bare[bare.size() / 2], ours[ours.size() / 2]};
+}
+
+double middle(std::vector<double> values)
+{
+    std::ranges::sort(values);
+    return values[values.size() / 2];
+}
+
 } // namespace
 
 bool measureStartLatency()
@@ -176,8 +196,8 @@ bool measureStartLatency()
     Batches floor;
     Batches ours;
     for (int i = 0; i < batches; ++i) {
-        floor.push_back(measureBareWakeUp());
-        ours.push_back(measure());
+        floor.push_back(measureBareWakeUp(requests));
+        ours.push_back(measure(requests));
     }
     const auto row = [](const char* path, double bare, double time, const char* reach, bool holds) {
         return printReading(path, reading(bare, " us"), reading(time, " us"), reading(time / bare, "x"), reach, holds);
@@ -188,4 +208,21 @@ bool measureStartLatency()
         row("start event set to process made, p99 of 500", percentile(floor, 99), p99, "< 1 ms", p99 < 1000);
     row("start event set to process made, max of 2500", largest(floor), largest(ours), "", true);
     return holds;
+}
+
+bool measureObservedStart(const std::filesystem::path& folder)
+{
+    std::vector<double> bareChanges, changes, ratios;
+    for (int i = 0; i < batches; ++i) {
+        const auto alone = measureMedians();
+        const Observer observer(folder);
+        const auto observed = measureMedians();
+        bareChanges.push_back(observed.bare / alone.bare);
+        changes.push_back(observed.ours / alone.ours);
+        ratios.push_back(changes.back() / bareChanges.back());
+    }
+    const auto [least, most] = std::ranges::minmax(ratios);
+    const auto spread = reading(least, "") + " to " + reading(most, "");
+    return printReading("the p50 while tarnctl health runs, change", reading(middle(bareChanges), "x"),
+        reading(middle(changes), "x"), reading(middle(ratios), "x"), spread, least <= 1);
 }

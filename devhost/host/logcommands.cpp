@@ -47,12 +47,11 @@ ExitCode showLog(const Context& context, const LogOptions& options)
 {
     const auto path =
         options.file.empty() ? logreading::logLocation() : std::filesystem::absolute(vx::str::fromUtf8(options.file));
-    if (!options.follow && !exists(path))
-        throw CommandError(ExitCode::Failed, "there is no log " + toText(path));
     // Watching begins before reading, so that nothing written in between goes unnoticed.
     logreading::DirectoryWatch watch(path.parent_path());
     logreading::LogReader reader(path);
-    reader.rewind();
+    if (!reader.rewind() && !options.follow)
+        throw CommandError(ExitCode::Failed, "there is no log " + toText(path));
     printBeginning(context.printer, reader, options.lines);
     while (
         options.follow && watch.wait(context.stop.handle(), recheckMs) != logreading::DirectoryWatch::Result::Stopped)

@@ -11,8 +11,7 @@ DirectoryWatch::DirectoryWatch(std::filesystem::path folder) : m_folder(std::mov
 
 DirectoryWatch::~DirectoryWatch()
 {
-    if (m_notification)
-        FindCloseChangeNotification(m_notification);
+    close();
 }
 
 void DirectoryWatch::open()
@@ -20,6 +19,13 @@ void DirectoryWatch::open()
     const auto handle = FindFirstChangeNotificationW(m_folder.c_str(), FALSE,
         FILE_NOTIFY_CHANGE_FILE_NAME | FILE_NOTIFY_CHANGE_SIZE | FILE_NOTIFY_CHANGE_LAST_WRITE);
     m_notification = handle == INVALID_HANDLE_VALUE ? nullptr : handle;
+}
+
+void DirectoryWatch::close()
+{
+    if (m_notification)
+        FindCloseChangeNotification(m_notification);
+    m_notification = nullptr;
 }
 
 DirectoryWatch::Result DirectoryWatch::wait(void* stop, unsigned long timeoutMs)
@@ -40,7 +46,9 @@ DirectoryWatch::Result DirectoryWatch::wait(void* stop, unsigned long timeoutMs)
         return Result::TimedOut;
     if (handles[fired - WAIT_OBJECT_0] == stop)
         return Result::Stopped;
-    FindNextChangeNotification(m_notification);
+    // A folder that was removed stays signalled for good: it is looked for anew.
+    if (!FindNextChangeNotification(m_notification))
+        close();
     return Result::Changed;
 }
 

@@ -21,6 +21,7 @@ public:
 
 private:
     void open();
+    void close();
 
     std::filesystem::path m_folder;
     void* m_notification = nullptr;

@@ -1,7 +1,8 @@
 #include "logreading/linesplitter.h"
 
 #include <algorithm>
-#include <cstddef>
+#include <cstdint>
+#include <cstring>
 #include <utility>
 
 namespace logreading {
@@ -47,25 +48,34 @@ bool isLowSurrogate(char32_t unit)
     return unit >= 0xDC00 && unit < 0xE000;
 }
 
-/// The front of the text as far as it is ASCII, which nearly all of a log is; gives how many bytes that were.
-std::size_t appendAscii(std::string& text, std::string_view bytes)
+bool isPlain(const char* unit)
 {
-    const auto before = text.size();
-    text.resize(before + bytes.size() / 2);
-    auto* to = text.data() + before;
-    std::size_t position = 0;
-    while (
-        position + 1 < bytes.size() && bytes[position + 1] == '\0' && static_cast<signed char>(bytes[position]) >= 0) {
-        *to++ = bytes[position];
-        position += 2;
+    return unit[1] == '\0' && static_cast<signed char>(unit[0]) >= 0 && unit[0] != '\n';
+}
+
+/// Copies UTF-16 up to a line feed or what is no ASCII; gives how many units that were. This runs for each character of
+/// a log: two at a time.
+std::size_t copyPlain(const char* from, std::size_t units, char* to)
+{
+    std::size_t done = 0;
+    for (; done + 2 <= units; done += 2) {
+        std::uint32_t pair;
+        std::memcpy(&pair, from + 2 * done, sizeof(pair));
+        // Of ASCII, each half that differs from a line feed carries into its bit 7, and no further.
+        const auto others = ((pair ^ 0x000A'000Au) + 0x007F'007Fu) & 0x0080'0080u;
+        if ((pair & 0xFF80'FF80u) != 0 || others != 0x0080'0080u)
+            break;
+        const auto both = static_cast<std::uint16_t>(pair | pair >> 8);
+        std::memcpy(to + done, &both, sizeof(both));
     }
-    text.resize(static_cast<std::size_t>(to - text.data()));
-    return position;
+    for (; done < units && isPlain(from + 2 * done); ++done)
+        to[done] = from[2 * done];
+    return done;
 }
 
 void appendUtf16(std::string& text, std::string_view bytes)
 {
-    for (auto position = appendAscii(text, bytes); position + 1 < bytes.size(); position += 2) {
+    for (std::size_t position = 0; position + 1 < bytes.size(); position += 2) {
         auto unit = unitAt(bytes, position);
         if (isHighSurrogate(unit) && position + 3 < bytes.size() && isLowSurrogate(unitAt(bytes, position + 2))) {
             position += 2;
@@ -138,17 +148,34 @@ bool isShiftedEnd(std::string_view bytes, std::size_t feed)
 
 void LineSplitter::take(std::string_view bytes, const Sink& sink)
 {
-    if (!m_rest.empty()) {
-        // The line that was begun is completed alone, so that what follows is read where it lies.
-        m_rest += bytes;
-        const auto whole = std::exchange(m_rest, {});
-        return take(whole, sink);
-    }
-    while (const auto length = takeLine(bytes, sink))
+    completeRest(bytes, sink);
+    m_plain.resize(std::max(m_plain.size(), bytes.size() / 2));
+    std::size_t length = 0;
+    while ((length = takePlainLine(bytes, sink)) > 0 || (length = takeLine(bytes, 0, sink)) > 0)
         bytes.remove_prefix(length);
-    m_rest = bytes;
+    m_rest += bytes;
     if (m_rest.size() > longestLine)
         finish(sink);
+}
+
+/// Completes the line that was begun with the front of the bytes, which is taken off, so that what follows is read
+/// where it lies. Nothing is left when that is not enough.
+void LineSplitter::completeRest(std::string_view& bytes, const Sink& sink)
+{
+    while (!m_rest.empty() && !bytes.empty()) {
+        // A line feed that came last is still to be judged, by the byte behind it.
+        const auto judged = m_rest.size() - 1;
+        const auto feed = bytes.find('\n');
+        const auto size = feed == std::string_view::npos ? bytes.size() : std::min(feed + 2, bytes.size());
+        m_rest += bytes.substr(0, size);
+        bytes.remove_prefix(size);
+        const auto length = takeLine(m_rest, judged, sink);
+        if (length == 0)
+            continue;
+        const auto over = m_rest.size() - length;
+        bytes = {bytes.data() - over, bytes.size() + over};
+        m_rest.clear();
+    }
 }
 
 void LineSplitter::finish(const Sink& sink)
@@ -160,11 +187,23 @@ void LineSplitter::finish(const Sink& sink)
         give(rest, sink);
 }
 
-/// How long the first line is with its end; 0 when it isn't complete.
-std::size_t LineSplitter::takeLine(std::string_view bytes, const Sink& sink)
+/// Takes the first line if it is ASCII in UTF-16, as nearly all of a log is; gives its length with the end, or 0.
+std::size_t LineSplitter::takePlainLine(std::string_view bytes, const Sink& sink)
 {
-    const auto zero = bytes.find('\0');
-    for (auto feed = bytes.find('\n'); feed != std::string_view::npos; feed = bytes.find('\n', feed + 1)) {
+    const auto units = bytes.size() / 2;
+    const auto size = copyPlain(bytes.data(), units, m_plain.data());
+    if (size == units || bytes[2 * size] != '\n' || bytes[2 * size + 1] != '\0')
+        return 0;
+    sink({m_plain.data(), size > 0 && m_plain[size - 1] == '\r' ? size - 1 : size});
+    return 2 * (size + 1);
+}
+
+/// Takes the first line, whatever it is, looking for its end from a place on; gives its length with the end, 0 when it
+/// isn't complete.
+std::size_t LineSplitter::takeLine(std::string_view bytes, std::size_t from, const Sink& sink)
+{
+    bool isWide = false;
+    for (auto feed = bytes.find('\n', from); feed != std::string_view::npos; feed = bytes.find('\n', feed + 1)) {
         // Without a zero byte so far it may be one of UTF-8, or the first half of a character's.
         if (feed + 1 == bytes.size())
             return 0;
@@ -172,7 +211,8 @@ std::size_t LineSplitter::takeLine(std::string_view bytes, const Sink& sink)
             give(bytes.substr(0, feed), sink);
             return feed + 2;
         }
-        if (zero > feed) {
+        isWide = isWide || bytes.substr(0, feed).find('\0') != std::string_view::npos;
+        if (!isWide) {
             give(bytes.substr(0, feed), sink);
             return feed + 1;
         }

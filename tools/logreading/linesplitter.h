@@ -1,8 +1,10 @@
 #pragma once
 
+#include <cstddef>
 #include <functional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace logreading {
 
@@ -20,12 +22,15 @@ public:
     void finish(const Sink& sink);
 
 private:
-    std::size_t takeLine(std::string_view bytes, const Sink& sink);
+    void completeRest(std::string_view& bytes, const Sink& sink);
+    std::size_t takePlainLine(std::string_view bytes, const Sink& sink);
+    std::size_t takeLine(std::string_view bytes, std::size_t from, const Sink& sink);
     void give(std::string_view bytes, const Sink& sink);
     void giveLine(const Sink& sink);
 
-    std::string m_rest; ///< bytes of a line that is not complete
-    std::string m_line; ///< kept for its memory
+    std::string m_rest;        ///< bytes of a line that is not complete
+    std::string m_line;        ///< kept for its memory, as the next
+    std::vector<char> m_plain; ///< room for any line of the bytes at hand
 };
 
 } // namespace logreading

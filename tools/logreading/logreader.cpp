@@ -2,13 +2,17 @@
 
 #include "logging-backend/location.h"
 #include "vxtl/handle.h"
+#include "vxtl/scopeexit.h"
 #include "vxtl/str.h"
 #include "vxtl/win32exception.h"
 
 #include <array>
 #include <cstdint>
+#include <optional>
 #include <utility>
 #include <windows.h>
+
+extern "C" LONG NTAPI RtlGetLastNtStatus();
 
 namespace logreading {
 
@@ -16,6 +20,7 @@ namespace {
 
 // The logger keeps at most this many rotated files.
 constexpr unsigned highestIndex = 100;
+constexpr std::size_t bufferSize = 262'144;
 
 std::wstring systemText(DWORD code)
 {
@@ -40,12 +45,18 @@ std::filesystem::path logLocation()
     return std::filesystem::path(logFolder(makerFolder(Location::Machine), L"tarn")) / L"tarnhd.log";
 }
 
-/// Where reading stands while no file is open. The system's number of a file may be given to another one
-/// once the file is deleted, so its first bytes belong to its identity, as far as they were there.
-struct LogReader::Position {
-    std::array<DWORD, 3> number;
+/// Which file it is. The system's number of a file may be given to another one once the file is deleted, so its first
+/// bytes belong to its identity, as far as they were there.
+struct LogReader::Identity {
+    std::array<DWORD, 3> number{};
     std::string head;
-    std::uint64_t offset;
+};
+
+/// Where reading stands while no file is open.
+struct LogReader::Position {
+    Identity file;
+    std::optional<Identity> older; ///< the file before it, if there was one
+    std::uint64_t offset = 0;
 };
 
 /// An open file of the log. While it is open no other file can get its number.
@@ -56,38 +67,57 @@ public:
         const auto handle = CreateFileW(path.c_str(), GENERIC_READ,
             FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr, OPEN_EXISTING, 0, nullptr);
         if (handle != INVALID_HANDLE_VALUE)
-            return std::unique_ptr<File>(new File(handle));
+            return std::unique_ptr<File>(new File(path, handle));
         const auto code = GetLastError();
-        // A file that was deleted while somebody had it open keeps its name for a while.
-        if (code != ERROR_FILE_NOT_FOUND && code != ERROR_PATH_NOT_FOUND && code != ERROR_DELETE_PENDING)
-            VX_THROW_WIN32(code, L"cannot read " + path.native() + L": " + systemText(code));
+        if (code != ERROR_FILE_NOT_FOUND && code != ERROR_PATH_NOT_FOUND && !isBeingDeleted(code))
+            fail(path, code);
         return nullptr;
     }
 
     bool isSame(const File& other) const { return m_number == other.m_number; }
-    bool isAt(const Position& position) const
-    {
-        return m_number == position.number && readHead().starts_with(position.head);
-    }
-    void seek(const Position& position) { m_offset = position.offset; }
-    Position position() const { return {m_number, readHead(), m_offset}; }
+    bool hasNumber(const Identity& identity) const { return m_number == identity.number; }
+    bool is(const Identity& identity) const { return hasNumber(identity) && readHead().starts_with(identity.head); }
+    bool isAt(const Position& position) const { return is(position.file) && size() >= position.offset; }
+    Identity identity() const { return {m_number, readHead()}; }
+    std::uint64_t offset() const { return m_offset; }
+    void seek(std::uint64_t offset) { m_offset = offset; }
 
     /// What was appended since the last call. Empty at the end, also at one that has come closer since.
-    std::string_view readSome()
+    std::string_view readSome(std::vector<char>& buffer)
     {
-        const auto got = readAt(m_offset, m_buffer.data(), static_cast<DWORD>(m_buffer.size()));
+        const auto got = readAt(m_offset, buffer.data(), static_cast<DWORD>(buffer.size()));
         m_offset += got;
-        return {m_buffer.data(), got};
+        return {buffer.data(), got};
     }
 
 private:
     static constexpr DWORD headSize = 256;
 
-    explicit File(HANDLE handle) : m_handle(handle)
+    File(std::filesystem::path path, HANDLE handle) : m_path(std::move(path)), m_handle(handle)
     {
         BY_HANDLE_FILE_INFORMATION information{};
         GetFileInformationByHandle(handle, &information);
         m_number = {information.dwVolumeSerialNumber, information.nFileIndexHigh, information.nFileIndexLow};
+    }
+
+    /// A file that was deleted while somebody had it open keeps its name for a while. Only the system's own status
+    /// tells that from a lack of rights.
+    static bool isBeingDeleted(DWORD code)
+    {
+        constexpr LONG deletePending = static_cast<LONG>(0xC0000056);
+        return code == ERROR_DELETE_PENDING || (code == ERROR_ACCESS_DENIED && RtlGetLastNtStatus() == deletePending);
+    }
+
+    [[noreturn]] static void fail(const std::filesystem::path& path, DWORD code)
+    {
+        VX_THROW_WIN32(code, L"cannot read " + path.native() + L": " + systemText(code));
+    }
+
+    std::uint64_t size() const
+    {
+        LARGE_INTEGER size{};
+        GetFileSizeEx(m_handle.get(), &size);
+        return static_cast<std::uint64_t>(size.QuadPart);
     }
 
     DWORD readAt(std::uint64_t offset, void* buffer, DWORD size) const
@@ -96,7 +126,12 @@ private:
         OVERLAPPED place{};
         place.Offset = static_cast<DWORD>(offset);
         place.OffsetHigh = static_cast<DWORD>(offset >> 32);
-        return ReadFile(m_handle.get(), buffer, size, &got, &place) ? got : 0;
+        if (ReadFile(m_handle.get(), buffer, size, &got, &place))
+            return got;
+        const auto code = GetLastError();
+        if (code != ERROR_HANDLE_EOF)
+            fail(m_path, code);
+        return 0;
     }
 
     std::string readHead() const
@@ -106,48 +141,74 @@ private:
         return head;
     }
 
+    std::filesystem::path m_path;
     vx::KernelHandle m_handle;
     std::array<DWORD, 3> m_number;
     std::uint64_t m_offset = 0;
-    std::array<char, 65536> m_buffer;
 };
 
 LogReader::LogReader(std::filesystem::path file) : m_current(std::move(file)) {}
 
 LogReader::~LogReader() = default;
 
-void LogReader::rewind()
+bool LogReader::rewind()
 {
     m_splitter = {};
     m_position.reset();
     if (const auto oldest = openOldest())
-        m_position = std::make_unique<Position>(oldest->position());
+        m_position = std::make_unique<Position>(positionIn(*oldest));
+    return m_position != nullptr;
 }
 
 void LogReader::read(const LineSplitter::Sink& sink)
 {
-    m_file = m_position ? reopen(sink) : File::open(m_current);
+    // Between the calls nothing is open: the logger could not replace a file that somebody holds.
+    const vx::ScopeExit closing([this] { m_file.reset(); });
+    m_file = m_position ? reopen(sink) : open(0);
     if (m_file) {
         drain(sink);
         while (advance(sink))
             drain(sink);
-        m_position = std::make_unique<Position>(m_file->position());
-        // Between the calls nothing is open: the logger could not replace a file that somebody holds.
-        m_file.reset();
+        m_position = std::make_unique<Position>(positionIn(*m_file));
     }
 }
 
+std::unique_ptr<LogReader::File> LogReader::open(unsigned index) const
+{
+    return File::open(fileName(m_current, index));
+}
+
+/// A number may be missing, for a moment in each rotation or for good; what lies beyond it is older all the same.
 std::unique_ptr<LogReader::File> LogReader::openOldest() const
 {
     std::unique_ptr<File> oldest;
-    for (unsigned index = 0; index <= highestIndex; ++index) {
-        auto file = File::open(fileName(m_current, index));
-        if (file)
+    for (unsigned index = 0; index <= highestIndex; ++index)
+        if (auto file = open(index))
             oldest = std::move(file);
-        else if (index > 0) // the current file is missing for a moment in each rotation
-            break;
-    }
     return oldest;
+}
+
+LogReader::Position LogReader::positionIn(const File& file) const
+{
+    Position position{file.identity(), std::nullopt, file.offset()};
+    for (unsigned index = 0; index <= highestIndex; ++index) {
+        const auto candidate = open(index);
+        if (!candidate || !candidate->isSame(file))
+            continue;
+        if (const auto older = open(index + 1))
+            position.older = older->identity();
+        break;
+    }
+    return position;
+}
+
+/// Whether the file of this index, with the number of the one in which reading stood, is that one and was cut.
+/// Another one that was given the number is newer, and comes after another file.
+bool LogReader::wasCut(unsigned index) const
+{
+    const auto older = open(index + 1);
+    const auto& known = m_position->older;
+    return known ? older && older->is(*known) : !older;
 }
 
 /// The file in which reading stood. Files only move up, so one walk up cannot miss it. When it is gone, the
@@ -155,9 +216,15 @@ std::unique_ptr<LogReader::File> LogReader::openOldest() const
 std::unique_ptr<LogReader::File> LogReader::reopen(const LineSplitter::Sink& sink)
 {
     for (unsigned index = 0; index <= highestIndex; ++index) {
-        auto file = File::open(fileName(m_current, index));
-        if (file && file->isAt(*m_position)) {
-            file->seek(*m_position);
+        auto file = open(index);
+        if (!file || !file->hasNumber(m_position->file))
+            continue;
+        if (file->isAt(*m_position)) {
+            file->seek(m_position->offset);
+            return file;
+        }
+        if (wasCut(index)) {
+            m_splitter.finish(sink);
             return file;
         }
     }
@@ -170,7 +237,7 @@ std::unique_ptr<LogReader::File> LogReader::reopen(const LineSplitter::Sink& sin
 bool LogReader::advance(const LineSplitter::Sink& sink)
 {
     const auto isAt = [this](unsigned index) {
-        const auto file = File::open(fileName(m_current, index));
+        const auto file = open(index);
         return file && file->isSame(*m_file);
     };
     unsigned index = 0;
@@ -195,11 +262,11 @@ bool LogReader::advance(const LineSplitter::Sink& sink)
 std::unique_ptr<LogReader::File> LogReader::openSuccessor(unsigned index) const
 {
     for (unsigned newer = index; newer-- > 0;) {
-        auto file = File::open(fileName(m_current, newer));
+        auto file = open(newer);
         if (!file)
             continue;
         for (unsigned between = newer + 1; between < index; ++between)
-            if (File::open(fileName(m_current, between)))
+            if (open(between))
                 return nullptr;
         return file;
     }
@@ -208,7 +275,8 @@ std::unique_ptr<LogReader::File> LogReader::openSuccessor(unsigned index) const
 
 void LogReader::drain(const LineSplitter::Sink& sink)
 {
-    for (auto bytes = m_file->readSome(); !bytes.empty(); bytes = m_file->readSome())
+    m_buffer.resize(bufferSize);
+    for (auto bytes = m_file->readSome(m_buffer); !bytes.empty(); bytes = m_file->readSome(m_buffer))
         m_splitter.take(bytes, sink);
 }
 

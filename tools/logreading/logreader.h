@@ -5,6 +5,7 @@
 #include <filesystem>
 #include <memory>
 #include <string_view>
+#include <vector>
 
 namespace logreading {
 
@@ -13,8 +14,9 @@ std::filesystem::path logLocation();
 
 /// Reads a rotated UTF-16 log that other programs write: NAME.log is the current file, NAME.1.log the one
 /// before it, and so on. Each call continues where the last one ended, through any number of rotations, so
-/// that no line is lost or told twice as long as its file still exists. Files are opened with full sharing and none
-/// is held between the calls, so it is not in the writers' way. Memory does not grow with the log. One thread.
+/// that no line is lost or told twice as long as its file still exists; a file that was cut is read anew. Files are
+/// opened with full sharing and none is held between the calls, so it is not in the writers' way. Memory does not grow
+/// with the log. One thread.
 class LogReader {
 public:
     /// `file` is the current file; it need not exist yet.
@@ -23,8 +25,8 @@ public:
     LogReader(const LogReader&) = delete;
     LogReader& operator=(const LogReader&) = delete;
 
-    /// Goes to the beginning of the oldest file that is there.
-    void rewind();
+    /// Goes to the beginning of the oldest file that is there; false when there is none. Throws as read.
+    bool rewind();
     /// Gives the lines that were completed since the last call, in UTF-8 and without line ends. Before the first
     /// rewind it starts with the current file. Throws Win32Exception when a file cannot be read.
     void read(const LineSplitter::Sink& sink);
@@ -33,9 +35,13 @@ public:
 
 private:
     class File;
+    struct Identity;
     struct Position;
 
+    std::unique_ptr<File> open(unsigned index) const;
     std::unique_ptr<File> openOldest() const;
+    Position positionIn(const File& file) const;
+    bool wasCut(unsigned index) const;
     std::unique_ptr<File> reopen(const LineSplitter::Sink& sink);
     bool advance(const LineSplitter::Sink& sink);
     std::unique_ptr<File> openSuccessor(unsigned index) const;
@@ -45,6 +51,7 @@ private:
     std::unique_ptr<File> m_file;         ///< the file that is being read, within a call
     std::unique_ptr<Position> m_position; ///< where the last call ended
     LineSplitter m_splitter;
+    std::vector<char> m_buffer;
 };
 
 } // namespace logreading

@@ -28,25 +28,46 @@ constexpr std::array<LevelRow, 6> levels = {{
 constexpr std::string_view headerForm = "dddd-dd-dd dd:dd:dd.ddd [xxxx.xxxx] pp: ";
 constexpr std::string_view momentForm = headerForm.substr(0, headerForm.find(" ["));
 
-bool isDigit(char character)
+constexpr bool isDigit(char character)
 {
     return character >= '0' && character <= '9';
 }
 
-bool isHexadecimal(char character)
+/// The form's characters that a character fits, as bits: of each line so many are looked at that it has to be quick.
+enum Fitting : std::uint8_t { Digit = 1, Hexadecimal = 2, Any = 4, Itself = 8 };
+
+constexpr auto fittings = [] {
+    std::array<std::uint8_t, 256> table{};
+    for (unsigned code = 0; code < table.size(); ++code) {
+        const auto character = static_cast<char>(code);
+        const bool isHexadecimal = isDigit(character) || (character >= 'a' && character <= 'f');
+        table[code] =
+            static_cast<std::uint8_t>(Any | (isDigit(character) ? Digit : 0) | (isHexadecimal ? Hexadecimal : 0));
+    }
+    return table;
+}();
+
+constexpr std::uint8_t wantedBy(char form)
 {
-    return isDigit(character) || (character >= 'a' && character <= 'f');
+    return form == 'd' ? Digit : form == 'x' ? Hexadecimal : form == 'p' ? Any : Itself;
 }
 
-bool hasForm(std::string_view text, std::string_view form)
+constexpr auto headerWants = [] {
+    std::array<std::uint8_t, headerForm.size()> wants{};
+    for (std::size_t place = 0; place < wants.size(); ++place)
+        wants[place] = wantedBy(headerForm[place]);
+    return wants;
+}();
+
+/// Whether the text begins as a header does, for this many characters.
+bool hasForm(std::string_view text, std::size_t size)
 {
-    if (text.size() < form.size())
+    if (text.size() < size)
         return false;
-    for (std::size_t place = 0; place < form.size(); ++place) {
-        const char wanted = form[place], found = text[place];
-        const bool fits = wanted == 'd'   ? isDigit(found)
-                          : wanted == 'x' ? isHexadecimal(found)
-                                          : wanted == 'p' || wanted == found;
+    for (std::size_t place = 0; place < size; ++place) {
+        const auto wanted = headerWants[place];
+        const bool fits = wanted == Itself ? text[place] == headerForm[place]
+                                           : (fittings[static_cast<unsigned char>(text[place])] & wanted) != 0;
         if (!fits)
             return false;
     }
@@ -62,7 +83,8 @@ unsigned number(std::string_view digits, unsigned base = 10)
     return value;
 }
 
-/// Of a text that has the form, or the front of it down to the day.
+/// Of a text that has the form, or the front of it down to the day. Small numbers up to the last step: each line of a
+/// log comes by here.
 std::optional<Moment> momentOf(std::string_view text)
 {
     using namespace std::chrono;
@@ -71,26 +93,33 @@ std::optional<Moment> momentOf(std::string_view text)
     };
     const year_month_day date(
         year(part(0, 4)), month(static_cast<unsigned>(part(5, 2))), day(static_cast<unsigned>(part(8, 2))));
-    if (!date.ok() || part(11, 2) > 23 || part(14, 2) > 59 || part(17, 2) > 59)
+    const int hour = part(11, 2), minute = part(14, 2), second = part(17, 2);
+    if (!date.ok() || hour > 23 || minute > 59 || second > 59)
         return std::nullopt;
-    const auto time = hours(part(11, 2)) + minutes(part(14, 2)) + seconds(part(17, 2)) + milliseconds(part(20, 3));
-    return (duration_cast<milliseconds>(sys_days(date).time_since_epoch()) + time).count();
+    constexpr Moment dayLength = 86'400'000;
+    const int inDay = ((hour * 60 + minute) * 60 + second) * 1000 + part(20, 3);
+    return sys_days(date).time_since_epoch().count() * dayLength + inDay;
 }
 
 std::optional<Level> levelOfPrefix(std::string_view prefix)
 {
-    const auto row = std::find_if(
-        levels.begin(), levels.end(), [prefix](const LevelRow& candidate) { return candidate.prefix == prefix; });
-    return row == levels.end() ? std::nullopt : std::optional(row->level);
+    for (const auto& row : levels)
+        if (row.prefix[0] == prefix[0] && row.prefix[1] == prefix[1])
+            return row.level;
+    return std::nullopt;
 }
 
 void readMessage(Record& record)
 {
-    const auto blanks = std::min(record.message.find_first_not_of(' '), record.message.size());
+    std::size_t blanks = 0;
+    while (blanks < record.message.size() && record.message[blanks] == ' ')
+        ++blanks;
     record.depth = static_cast<std::uint16_t>(blanks / 2);
     record.message.remove_prefix(blanks);
-    const bool entered = record.message.starts_with("{ ");
-    if (!entered && !record.message.starts_with("} "))
+    if (record.message.size() < 2)
+        return;
+    const bool entered = record.message.front() == '{';
+    if ((!entered && record.message.front() != '}') || record.message[1] != ' ')
         return;
     record.scope = entered ? Scope::Entered : Scope::Left;
     record.message.remove_prefix(2);
@@ -112,10 +141,9 @@ std::optional<Level> levelOf(std::string_view name)
 
 std::optional<Moment> parseMoment(std::string_view text)
 {
-    constexpr std::string_view form = momentForm;
-    const bool isWhole = text.size() == form.size();
+    const bool isWhole = text.size() == momentForm.size();
     const bool isFront = text.size() == 10 || text.size() == 16 || text.size() == 19;
-    return (isWhole || isFront) && hasForm(text, form.substr(0, text.size())) ? momentOf(text) : std::nullopt;
+    return (isWhole || isFront) && hasForm(text, text.size()) ? momentOf(text) : std::nullopt;
 }
 
 std::string formatMoment(Moment moment)
@@ -134,7 +162,7 @@ std::string formatMoment(Moment moment)
 
 std::optional<Record> parseRecord(std::string_view line)
 {
-    if (!hasForm(line, headerForm))
+    if (!hasForm(line, headerForm.size()))
         return std::nullopt;
     const auto time = momentOf(line.substr(0, momentForm.size()));
     const auto level = levelOfPrefix(line.substr(36, 2));

@@ -32,7 +32,7 @@ constexpr std::string_view switchedOnText = "Tarnpatch enabled status: wasEnable
 constexpr std::string_view signalText = "Scan start time: ";
 constexpr std::string_view takenText = "tarnag.exe start event signaled.";
 constexpr std::string_view bannerText = "***  LOGGING STARTED";
-constexpr std::string_view closingText = "***  LOGGING ENDED";
+constexpr std::array<std::string_view, 2> closingTexts = {"***  LOGGING ENDED", "***  LOG AUTO-CLOSED"};
 
 std::optional<std::int64_t> numberAt(std::string_view text)
 {
@@ -78,12 +78,23 @@ Cause servedBy(std::int64_t reason)
     return reason == 1 ? Cause::RemoteScan : reason == 2 ? Cause::RemoteInstallation : Cause::Unknown;
 }
 
+/// A remote scan request says nothing before its signal.
+void nameCause(AgentStart& start)
+{
+    for (auto ask = start.asks.rbegin(); start.serves == Cause::RemoteScan && ask != start.asks.rend(); ++ask)
+        if (ask->cause == Cause::Unknown) {
+            ask->cause = Cause::RemoteScan;
+            return;
+        }
+}
+
 /// Takes one line about a start; false when it is none of them.
 bool tell(AgentStart& start, const Record& record)
 {
     const auto message = record.message;
     if (const auto reason = behind(message, "Start reason is: ")) {
         start.serves = servedBy(numberAt(*reason).value_or(0));
+        nameCause(start);
     } else if (const auto process = behind(message, "Starting process ")) {
         constexpr std::string_view mark = ". Arguments: ";
         const auto place = process->rfind(mark);
@@ -156,23 +167,40 @@ void Story::takeRun(const Record& record)
     if (isBanner || m_latestRun >= m_runs.size() || m_runs[m_latestRun].process != record.process) {
         const auto known = m_runOfProcess.find(record.process);
         if (isBanner || known == m_runOfProcess.end())
-            return beginRun(record);
+            return beginRun(record, isBanner);
         m_latestRun = known->second;
     }
     auto& run = m_runs[m_latestRun];
     run.last = record.time;
     if (record.message == "Run processing")
         run.serving = record.time;
-    else if (record.message.starts_with(closingText))
+    else if (record.message.starts_with(signalText))
+        run.lastSignal = record.time;
+    else if (record.message.starts_with(closingTexts[0]) || record.message.starts_with(closingTexts[1]))
         run.end = record.time;
 }
 
-void Story::beginRun(const Record& record)
+void Story::beginRun(const Record& record, bool hasBanner)
 {
+    if (hasBanner)
+        forgetLives();
     m_latestRun = m_runOfProcess[record.process] = m_runs.size();
     auto& run = m_runs.emplace_back();
     run.process = record.process;
+    run.hasBanner = hasBanner;
     run.begin = run.last = record.time;
+}
+
+/// With its process the start event goes, and who waited for an agent; ids are given anew.
+void Story::forgetLives()
+{
+    for (const auto& [thread, place] : m_startOfThread)
+        if (m_starts[place].outcome == Outcome::Open)
+            m_starts[place].outcome = Outcome::Abandoned;
+    m_startOfThread.clear();
+    m_reasonOfThread.clear();
+    m_switchedOn.clear();
+    m_asks.clear();
 }
 
 void Story::takeAsk(const Record& record, Thread thread)
@@ -214,6 +242,24 @@ void Story::takeStart(const Record& record, Thread thread)
         start.end = record.time;
     else if (record.message == "Waiting for event..." || record.message == "Tarnpatch action thread exited")
         m_startOfThread.erase(known);
+}
+
+std::optional<Moment> Story::openSince(Cause kind) const
+{
+    std::optional<Moment> since;
+    const auto note = [&](const std::vector<Ask>& asks) {
+        for (const auto& ask : asks)
+            if (!since && (ask.cause == kind || (kind == Cause::RemoteScan && ask.cause == Cause::Unknown)))
+                since = ask.time;
+    };
+    for (const auto& start : m_starts) {
+        if (start.serves == kind && start.acknowledged)
+            since.reset();
+        else if (start.serves == kind)
+            note(start.asks);
+    }
+    note(m_asks);
+    return since;
 }
 
 void Story::takeReboot(const Record& record)

@@ -39,7 +39,7 @@ enum class Outcome : std::uint8_t {
     Finished,  ///< exit code 0
     Failed,    ///< another exit code, or no process
     Busy,      ///< another agent was at work at every try
-    Abandoned, ///< the plug-in stopped first; the agent goes on alone
+    Abandoned, ///< the plug-in stopped or died first; the agent goes on alone
 };
 
 std::string_view nameOf(Outcome outcome);
@@ -63,10 +63,12 @@ struct AgentStart {
 /// One life of the plug-in in a host.
 struct PluginRun {
     std::uint16_t process = 0;
-    Moment begin = 0;              ///< the banner
-    Moment last = 0;               ///< its last line so far
-    std::optional<Moment> serving; ///< when it had begun to watch the store
-    std::optional<Moment> end;     ///< the closing banner
+    Moment begin = 0;                 ///< the banner
+    Moment last = 0;                  ///< its last line so far
+    bool hasBanner = false;           ///< it begins with one, so it has one at its end, too
+    std::optional<Moment> serving;    ///< when it had begun to watch the store
+    std::optional<Moment> lastSignal; ///< to start the agent
+    std::optional<Moment> end;        ///< the closing banner
 };
 
 /// A step on the way to a reboot of the machine.
@@ -84,12 +86,16 @@ public:
     const std::vector<PluginRun>& runs() const { return m_runs; }
     const std::vector<AgentStart>& starts() const { return m_starts; }
     const std::vector<RebootStep>& rebootSteps() const { return m_rebootSteps; }
+    /// When the plug-in took up the remote request of this kind that no start has acknowledged yet; empty when the log
+    /// tells of none.
+    std::optional<Moment> openSince(Cause kind) const;
 
 private:
     using Thread = std::uint32_t;
 
     void takeRun(const Record& record);
-    void beginRun(const Record& record);
+    void beginRun(const Record& record, bool hasBanner);
+    void forgetLives();
     void takeAsk(const Record& record, Thread thread);
     void takeStart(const Record& record, Thread thread);
     void takeReboot(const Record& record);

@@ -86,7 +86,7 @@ std::string textOf(const ordered_json& value)
     return value.is_null() ? "-" : value.dump(-1, ' ', false, ordered_json::error_handler_t::replace);
 }
 
-void printKey(std::ostream& output, const ordered_json& key)
+void printKey(std::ostream& output, const ordered_json& key, bool isRead)
 {
     output << std::left << std::setw(82) << key.at("key").get<std::string>() << std::setw(7)
            << key.at("type").get<std::string>();
@@ -96,7 +96,7 @@ void printKey(std::ostream& output, const ordered_json& key)
         output << textOf(key.at("value"))
                << (key.at("value") == key.at("default") ? "" : "  (default " + textOf(key.at("default")) + ")");
     else
-        output << textOf(key.at("default")) << "  (not set)";
+        output << textOf(key.at("default")) << (isRead ? "  (not set)" : "  (default)");
     output << (key.contains("unit") ? "  " + key.at("unit").get<std::string>() : "") << '\n';
 }
 
@@ -116,7 +116,7 @@ ExitCode printKeys(const Context& context)
         if (context.json)
             context.output << object.dump(-1, ' ', false, ordered_json::error_handler_t::replace) << '\n';
         else
-            printKey(context.output, object);
+            printKey(context.output, object, store && key.kind->type != KeyType::Untold);
     }
     if (!store)
         throw CommandError(ExitCode::Unreadable, "present values can't be read: " + trouble);

@@ -47,6 +47,8 @@ TEST(LineSplitter, givesTheSameLinesHoweverTheBytesCome)
             {"\uFFFD\uFFFD \uFFFD\uFFFD\uFFFD \uFFFD\uFFFD\uFFFD \uFFFD\uFFFD\uFFFD\uFFFD"}},
         {"a record cut within a character", wide(u"cut he") + "r" + wide(u"2026-11-22\r\nnext\r\n"),
             {"cut he", "2026-11-22", "next"}},
+        {"line feeds that end nothing", std::string("\0\n\1\n\2\n", 6) + wide(u"\nnext\n"),
+            {"\u0A00\u0A01\u0A02", "next"}},
         {"half a character at the end", wide(u"one\r\ntwo") + "x", {"one", "two"}},
         {"the end of UTF-8", "one\n", {"one"}},
         {"nothing", "", {}},

@@ -1,4 +1,5 @@
 #include "logreading/story.h"
+#include "logreading/gaps.h"
 
 #include <gtest/gtest.h>
 
@@ -83,6 +84,53 @@ TEST(Story, knowsWhoAskedForAStartAndHowItEnded)
     EXPECT_EQ(start.end - start.begin, 7000);
     EXPECT_EQ(story.starts()[1].outcome, Outcome::Open);
     EXPECT_TRUE(story.starts()[1].asks.empty());
+}
+
+TEST(Story, beginsAnewWithANewLife)
+{
+    auto story = tell({
+        "0001 ***  LOGGING STARTED  ***",
+        "0003 Scan start time: 1",
+        "0009 tarnag.exe start event signaled.",
+        "0009 Start reason is: 1",
+        "0003 Scan start time: 2",
+        "0001 ***  LOGGING STARTED  ***",
+        "0003 Scan start time: 3",
+        "0009 tarnag.exe start event signaled.",
+        "0009 Start reason is: 0",
+    });
+    ASSERT_EQ(story.runs().size(), 2u);
+    EXPECT_EQ(story.runs()[1].lastSignal, parseMoment("2026-11-22 10:00:06"));
+    ASSERT_EQ(story.starts().size(), 2u);
+    EXPECT_EQ(story.starts()[0].outcome, Outcome::Abandoned);
+    EXPECT_EQ(story.starts()[0].asks.at(0).cause, Cause::RemoteScan) << "told by the reason alone";
+    EXPECT_EQ(story.starts()[1].asks.size(), 1u) << "the event went with its process";
+    EXPECT_EQ(story.openSince(Cause::RemoteScan), parseMoment("2026-11-22 10:00:01"));
+    EXPECT_FALSE(story.openSince(Cause::RemoteInstallation));
+    for (const char* line : {"2026-11-22 10:01:00.000 [0010.0009]  I: Start reason is: 1",
+             "2026-11-22 10:01:00.000 [0010.0009]  I: Update a scanning remote operation status: 7"})
+        story.take(*parseRecord(line));
+    EXPECT_FALSE(story.openSince(Cause::RemoteScan));
+}
+
+TEST(Gaps, areWhereAThreadLeavesWhatItDidNotEnter)
+{
+    const struct {
+        std::size_t gaps;
+        std::vector<const char*> messages;
+    } rows[] = {
+        {0, {"    } the log begins within", "  } scopes", "  { again", "  } again"}},
+        {0, {"{ a", "  { b", "      text of any depth", "  } b", "} a", "{ c"}},
+        {1, {"{ a", "  } b", "} a"}},
+        {1, {"{ a", "    { c", "    } c"}},
+        {0, {"{ a", "***  LOGGING STARTED", "{ a"}},
+    };
+    for (const auto& [count, messages] : rows) {
+        Gaps gaps;
+        for (const std::string message : messages)
+            gaps.take(*parseRecord("2026-11-22 10:00:00.000 [0010.0009]  D: " + message));
+        EXPECT_EQ(gaps.count(), count) << messages[1];
+    }
 }
 
 } // namespace

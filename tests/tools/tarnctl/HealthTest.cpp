@@ -1,8 +1,10 @@
 #include "tarnctl/health/checks.h"
+#include "tarnctl/health/gather.h"
 #include "tarnctl/why/conditions.h"
+#include "vxtl/win32exception.h"
 
 #include <functional>
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 
 namespace tarnctl::health {
 namespace {
@@ -25,13 +27,14 @@ Facts healthy()
     facts.proxy.value.emplace();
     facts.agentProgram.value = "C:\\tarnag.exe";
     facts.agentRunSeconds.value.emplace();
-    facts.pluginProcesses.value = 1;
+    facts.pluginProcesses.value = {0x1234};
     facts.patchStorage.value = false;
     facts.task.value = ScheduledTask{};
     facts.stopRequest.value = StopRequest{};
-    facts.updates.value = PausedUpdates{};
-    facts.log.value = LogFacts{
-        .path = "C:\\log", .isWritable = true, .level = 4, .endsMissing = 0, .unreadableLines = 0, .exitCodes = {}};
+    facts.rebootDue.value.emplace();
+    facts.updates.value.emplace();
+    facts.logPlace.value = LogPlace{"C:\\log", true, LogPlace::Access::Writable, 4};
+    facts.log.value.emplace();
     return facts;
 }
 
@@ -54,7 +57,10 @@ TEST(Health, findsWhatIsWrongAndNothingElse)
         std::function<void(Facts&)> change;
     } const cases[] = {
         {"", [](Facts&) {}},
-        {"plug-in", [](Facts& f) { f.pluginProcesses.value = 2; }},
+        {"plug-in",
+            [](Facts& f) {
+                f.pluginProcesses.value = {1, 2};
+            }},
         {"profile", [](Facts& f) { f.profileTime.value = 0; }},
         {"feature", [](Facts& f) { f.enabledOn.value = false; }},
         {"scan request",
@@ -69,9 +75,30 @@ TEST(Health, findsWhatIsWrongAndNothingElse)
         {"plug-in, installation request",
             [](Facts& f) {
                 f.installation.value = Request{1, 2};
-                f.pluginProcesses.value = 0;
+                f.pluginProcesses.value.emplace();
+            }},
+        {"",
+            [](Facts& f) {
+                f.installation.value = Request{4, 3};
+                f.log.value->installationAsked = 60;
+            }},
+        {"installation request",
+            [](Facts& f) {
+                f.installation.value = Request{4, 3};
+                f.log.value->installationAsked = 61;
+            }},
+        {"feature, scan request",
+            [](Facts& f) {
+                f.scan.value = Request{4, 3};
+                f.log.value->scanAsked = 1;
+                f.enabledOn.value = false;
             }},
         {"deployment queue", [](Facts& f) { f.queued.value = 1; }},
+        {"",
+            [](Facts& f) {
+                f.queued.value = 1;
+                f.completion.value = CompletionWait{true, f.now, 15};
+            }},
         {"deployment", [](Facts& f) { f.deploymentInProgress.value = true; }},
         {"",
             [](Facts& f) {
@@ -84,7 +111,7 @@ TEST(Health, findsWhatIsWrongAndNothingElse)
             }},
         {"agent program",
             [](Facts& f) {
-                f.agentProgram = {{}, "not there"};
+                f.agentProgram = {{}, "not there", true};
             }},
         {"agent run",
             [](Facts& f) {
@@ -100,6 +127,7 @@ TEST(Health, findsWhatIsWrongAndNothingElse)
             }},
         {"last scan", [](Facts& f) { f.lastScan.value = f.now - 48 * hour - 1; }},
         {"last scan", [](Facts& f) { f.lastScan.value = -1; }},
+        {"last scan", [](Facts& f) { f.lastScan.value = f.now + 1; }},
         {"scheduled task", [](Facts& f) { f.task.value->wanted = true; }},
         {"scheduled task",
             [](Facts& f) {
@@ -107,29 +135,33 @@ TEST(Health, findsWhatIsWrongAndNothingElse)
             }},
         {"update service",
             [](Facts& f) {
-                f.stopRequest.value = StopRequest{true, true, {}};
+                f.stopRequest.value = StopRequest{true, true};
             }},
-        {"forced reboot",
-            [](Facts& f) {
-                f.stopRequest.value = StopRequest{true, false, f.now - 1};
-            }},
-        {"",
-            [](Facts& f) {
-                f.stopRequest.value = StopRequest{true, false, f.now};
-            }},
+        {"forced reboot", [](Facts& f) { f.rebootDue.value = f.now - 61; }},
+        {"", [](Facts& f) { f.rebootDue.value = f.now - 60; }},
         {"automatic updates",
             [](Facts& f) {
-                f.updates.value = PausedUpdates{true, true};
+                f.updates.value = UpdatesFact{true, true};
             }},
         {"",
             [](Facts& f) {
-                f.updates.value = PausedUpdates{true, true};
+                f.updates.value = UpdatesFact{true, true};
                 f.agentRunSeconds.value = {5};
             }},
         {"proxy", [](Facts& f) { f.proxy.value->fault = "no host"; }},
-        {"log folder", [](Facts& f) { f.log.value->isWritable = false; }},
+        {"log folder", [](Facts& f) { f.logPlace.value->access = LogPlace::Access::Refused; }},
+        {"log folder", [](Facts& f) { f.logPlace.value->exists = false; }},
         {"log lines", [](Facts& f) { f.log.value->endsMissing = 1; }},
-        {"log level", [](Facts& f) { f.log.value->level = 6; }},
+        {"log lines", [](Facts& f) { f.log.value->gaps = 1; }},
+        {"log lines", [](Facts& f) { f.pluginProcesses.value = {0x10000}; }},
+        {"", [](Facts& f) { f.log.value->isLastOpen = true; }},
+        {"plug-in, log lines",
+            [](Facts& f) {
+                f.log.value->isLastOpen = true;
+                f.pluginProcesses.value.emplace();
+            }},
+        {"log level", [](Facts& f) { f.logPlace.value->level = 6; }},
+        {"log level", [](Facts& f) { f.logPlace.value->level = -1; }},
     };
     for (const auto& [found, change] : cases) {
         auto facts = healthy();
@@ -152,20 +184,50 @@ TEST(Why, saysWhatKeepsAStartAndWhenTheNextIsDue)
     facts.scan.value = Request{4, 3};
     EXPECT_EQ(
         conditions(facts, Subject::Scan), (std::vector<std::string>{"the feature is off", "request 4 is open", due}));
-    facts.stopRequest.value = StopRequest{true, true, facts.now};
+    facts.log.value->lastSignal = 23 * hour;
+    EXPECT_THAT(conditions(facts, Subject::Scan).back(), testing::HasSubstr("in 60 minutes")) << "the log knows better";
+    facts.stopRequest.value = StopRequest{true, true};
+    facts.rebootDue.value = facts.now;
     EXPECT_EQ(conditions(facts, Subject::Reboot).back(), "one is forced now");
 }
 
-TEST(Health, tellsWhatCouldNotBeRead)
+TEST(Health, tellsWhatCouldNotBeReadFromWhatIsWrong)
 {
     Facts facts;
     facts.storeTrouble = "away";
     for (const auto& verdict : examine(facts))
-        EXPECT_NE(verdict.grade, Grade::Good) << verdict.check;
+        EXPECT_EQ(verdict.grade, Grade::Unreadable) << verdict.check;
     facts = healthy();
-    facts.queued = {{}, "element 2: type must be object"};
+    facts.queued = {{}, "element 2: type must be object", true};
+    facts.pluginProcesses = {{}, "2 processes may not be looked into", false};
+    facts.agentRunSeconds.value = {5, std::nullopt};
+    facts.logPlace.value->access = LogPlace::Access::Unknown;
+    std::string unreadable;
     for (const auto& verdict : examine(facts))
-        EXPECT_EQ(verdict.grade == Grade::Unreadable, verdict.check == "deployment queue");
+        unreadable += verdict.grade == Grade::Unreadable ? std::string(verdict.check) + ", " : "";
+    EXPECT_EQ(unreadable, "plug-in, agent run, log folder, ");
+    EXPECT_EQ(findings(facts), "deployment queue");
+}
+
+TEST(Health, knowsAWrongValueByTheException)
+{
+    const struct {
+        std::function<int()> read;
+        bool isWrong;
+    } rows[] = {
+        {[]() -> int { throw WrongError("missing"); }, true},
+        {[]() -> int { return nlohmann::json::parse("{"); }, true},
+        {[]() -> int { VX_THROW(vx::settings::InvalidTypeException, L"key"); }, true},
+        {[]() -> int { VX_THROW(vx::BaseException, L"another type"); }, true},
+        {[]() -> int { throw std::invalid_argument("no enumerator"); }, true},
+        {[]() -> int { VX_THROW(vx::settings::ServerUnreachableException, L"key"); }, false},
+        {[]() -> int { VX_THROW_WIN32(5); }, false},
+    };
+    for (const auto& [read, isWrong] : rows) {
+        Fact<int> fact;
+        gather(fact, read);
+        EXPECT_EQ(fact.isWrong, isWrong) << fact.trouble;
+    }
 }
 
 } // namespace

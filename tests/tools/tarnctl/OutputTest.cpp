@@ -16,10 +16,10 @@ using nlohmann::json;
 const std::vector<std::string> lines = {
     "2026-11-22 10:00:00.000 [0010.0001]  D:   } vx::before",
     "2026-11-22 10:00:01.000 [0010.0001]  D: { vx::f",
-    "2026-11-22 10:00:02.000 [0010.0002] *E: Failed </script> \x01 5",
+    "2026-11-22 10:00:02.000 [0010.0002] *E: Failed </script> \x01\r5",
     "a line of another program",
     "2026-11-22 10:00:03.000 [0010.0001]  D: } vx::f",
-    "2026-11-22 10:00:03.500 [0010.0002] *E: Failed </script> \x01 6",
+    "2026-11-22 10:00:03.500 [0010.0002] *E: Failed </script> \x01\r6",
     "2026-11-22 10:00:04.000 [0010.0003]  I: tarnag.exe start event signaled.",
     "2026-11-22 10:00:05.000 [0010.0003]  I: Process finished with return code: 5",
 };
@@ -51,15 +51,34 @@ TEST(Filter, letsALineOfAnotherProgramGoWithTheRecordBeforeIt)
         return places;
     };
     const auto now = *logreading::parseMoment("2026-11-22 10:01");
+    const auto since = [&](const char* text) { return Wanted{parseSince(text, now), {}, {}, {}, {}}; };
     EXPECT_EQ(passed({}), "01234567");
-    EXPECT_EQ(
-        passed({.since = parseSince("2026-11-22 10:00:02", now), .level = {}, .thread = {}, .pattern = {}}), "234567");
-    EXPECT_EQ(passed({.since = parseSince("57s", now), .level = {}, .thread = {}, .pattern = {}}), "4567");
-    EXPECT_EQ(passed({.since = {}, .level = logreading::Level::Error, .thread = {}, .pattern = {}}), "235");
-    EXPECT_EQ(passed({.since = {}, .level = {}, .thread = 2, .pattern = {}}), "235");
-    EXPECT_EQ(passed({.since = {}, .level = {}, .thread = {}, .pattern = std::regex("o[tf]")}), "3");
+    EXPECT_EQ(passed(since("2026-11-22 10:00:02")), "234567");
+    EXPECT_EQ(passed(since("57s")), "4567");
+    EXPECT_EQ(passed({{}, logreading::Level::Error, {}, {}, {}}), "235");
+    EXPECT_EQ(passed({{}, {}, {}, 2, {}}), "235");
+    EXPECT_EQ(passed({{}, {}, 0x11, 2, {}}), "");
+    EXPECT_EQ(passed({{}, {}, {}, {}, Pattern("o[tf]")}), "3");
     for (const char* text : {"", "5", "5w", "m", "-1m", "2026-13-01", "2026-11-22 10"})
         EXPECT_FALSE(parseSince(text, now)) << text;
+}
+
+TEST(Pattern, isFoundInTimeAndForCharacters)
+{
+    const std::string hard(20'000, 'a');
+    const struct {
+        const char* pattern;
+        std::string line;
+        bool found;
+    } rows[] = {
+        {"b", "abc", true}, {"^b", "abc", false}, {"[b-z]$", "abc", true}, {"x|^abc", "abc", true},
+        {"^.\u00FC{2}[\u00E9\u00E8]$", "\u00E4\u00FC\u00FC\u00E8", true},
+        {"(a+)+$", hard + 'b', false}, // backtracks for ever where it may
+    };
+    for (const auto& [pattern, line, found] : rows)
+        EXPECT_EQ(Pattern(pattern).isIn(line), found) << pattern;
+    for (const char* pattern : {"[", "a)(b", "(a)\\1", "a{2,1}"})
+        EXPECT_THROW(Pattern{pattern}, std::regex_error) << pattern;
 }
 
 TEST(JsonOutput, givesThePartsOfARecord)
@@ -103,8 +122,9 @@ TEST(PageOutput, holdsLinesAndFindingsWhateverStandsInThem)
     std::vector<std::string> findings;
     for (const auto& finding : story.at("findings"))
         findings.push_back(finding.at("grade").get<std::string>() + " " + finding.at("text").get<std::string>());
-    EXPECT_THAT(findings, testing::ElementsAre("error agent start failed, exit code 5 after 0 tries",
-                              "error 2 times: Failed </script> \x01 5"));
+    EXPECT_THAT(
+        findings, testing::ElementsAre("error agent start failed, exit code 5: Internal error; Failed to download.",
+                      "error 2 times: Failed </script> \x01\r5"));
 }
 
 } // namespace

@@ -8,6 +8,7 @@
 #include "vxtl/str.h"
 
 #include <memory>
+#include <nlohmann/json.hpp>
 #include <ostream>
 #include <sstream>
 #include <windows.h>
@@ -82,7 +83,10 @@ ExitCode makeBundle(const Context& context, const Options& options)
     cabinet.add("registry.txt", redactLines(registryText()));
     cabinet.add("versions.txt", versionsText());
     cabinet.finish();
-    context.output << "wrote " << options.file << "; passwords are hidden in it\n";
+    if (context.json)
+        context.output << nlohmann::ordered_json{{"file", options.file}}.dump() << '\n';
+    else
+        context.output << "wrote " << options.file << "; passwords are hidden in it\n";
     return ExitCode::Healthy;
 }
 

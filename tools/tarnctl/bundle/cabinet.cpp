@@ -18,8 +18,8 @@ namespace tarnctl::bundle {
 
 namespace {
 
-// What the library asks of its caller: files by descriptors of the run-time library, memory. Names are narrow there:
-// all are made here, in ASCII, but for the folder of temporary files, which its short name makes so.
+// What the library asks of its caller: files by descriptors of the run-time library, memory. Names are narrow there,
+// and only come back to the functions here: all are UTF-8, whatever the system's code page.
 
 void* DIAMONDAPI allocate(ULONG size)
 {
@@ -32,7 +32,7 @@ void DIAMONDAPI release(void* memory)
 
 INT_PTR DIAMONDAPI openFile(char* name, int flags, int mode, int* error, void*)
 {
-    const int file = _open(name, flags | _O_BINARY, mode);
+    const int file = _wopen(vx::str::fromUtf8(name).c_str(), flags | _O_BINARY, mode);
     if (file == -1)
         *error = errno;
     return file;
@@ -67,17 +67,10 @@ LONG DIAMONDAPI seekFile(INT_PTR file, LONG distance, int origin, int* error, vo
 }
 int DIAMONDAPI deleteFile(char* name, int* error, void*)
 {
-    const int result = _unlink(name);
+    const int result = _wunlink(vx::str::fromUtf8(name).c_str());
     if (result == -1)
         *error = errno;
     return result;
-}
-
-std::string narrowFolder(const std::filesystem::path& folder)
-{
-    wchar_t name[MAX_PATH];
-    const auto size = GetShortPathNameW(folder.c_str(), name, MAX_PATH);
-    return vx::str::toMultibyte(size > 0 && size < MAX_PATH ? name : folder.native());
 }
 
 /// A folder for the library's files and the contents, gone with this.
@@ -106,8 +99,11 @@ private:
 } // namespace
 
 struct Cabinet::State {
-    explicit State(std::filesystem::path target) : file(std::move(target)), narrow(narrowFolder(folder.path()) + '\\')
+    explicit State(std::filesystem::path target)
+        : file(std::move(target)), narrow(vx::str::toUtf8(folder.path().native()) + '\\')
     {
+        if (narrow.size() >= CB_MAX_CAB_PATH)
+            throw std::runtime_error("the way to the folder for temporary files is too long");
         parameters.cb = 0x7FFFFFFF; // never a second cabinet
         parameters.cbFolderThresh = 0x7FFFFFFF;
         std::strncpy(parameters.szCab, "bundle.cab", CB_MAX_CABINET_NAME);
@@ -190,7 +186,7 @@ void Cabinet::finish()
     copy_file(
         state.folder.path() / "bundle.cab", state.file, std::filesystem::copy_options::overwrite_existing, failed);
     if (failed)
-        throw std::runtime_error("the cabinet can't be put at its place: " + failed.message());
+        throw std::runtime_error("the cabinet can't be put at its place: error " + std::to_string(failed.value()));
 }
 
 } // namespace tarnctl::bundle

@@ -11,7 +11,8 @@ namespace tarnctl::health {
 template <typename T>
 struct Fact {
     std::optional<T> value;
-    std::string trouble; ///< when there is no value
+    std::string trouble;  ///< when there is no value
+    bool isWrong = false; ///< the trouble is with what was read: it is missing, of another type, or malformed
 
     bool isKnown() const { return value.has_value(); }
     const T& operator*() const { return *value; }
@@ -44,7 +45,6 @@ struct ScheduledTask {
 struct StopRequest {
     bool isThere = false;
     bool serviceRuns = false;
-    std::optional<std::int64_t> rebootDue; ///< seconds since the Unix epoch; empty: no reboot is forced
 };
 
 /// The proxy of downloads.
@@ -53,19 +53,32 @@ struct ProxyFact {
     std::string fault; ///< why the configured text can't be used; empty for none
 };
 
-/// Automatic updates, when the agent has paused them.
-struct PausedUpdates {
-    bool isSaved = false; ///< a state to go back to is kept
-    bool isOff = false;   ///< the policy switches them off
+/// Automatic updates of Windows.
+struct UpdatesFact {
+    bool isPaused = false; ///< as a deployment leaves them until it resumes them
+    bool isOff = false;    ///< the policy switches them off, whoever wanted that
 };
 
-struct LogFacts {
+/// Where the log is written, and how much of it.
+struct LogPlace {
+    enum class Access { Writable, Refused, Unknown };
+
     std::string path;
-    bool isWritable = false;
-    std::int32_t level = 4;              ///< as configured: 4 is info, 6 verbose
-    std::size_t endsMissing = 0;         ///< lives of the plug-in without an end, but the last
-    std::size_t unreadableLines = 0;     ///< lines that are no record
-    std::vector<std::int64_t> exitCodes; ///< of the last agent starts, in their order
+    bool exists = false;
+    Access access = Access::Unknown; ///< for who asks, which counts for the plug-in if that is an administrator
+    std::int32_t level = 4;          ///< as configured: 4 is info, 6 verbose
+};
+
+/// What the log tells.
+struct LogFacts {
+    std::size_t endsMissing = 0;           ///< lives of the plug-in without an end, but the last
+    bool isLastOpen = false;               ///< the last one has no end
+    std::size_t unreadableLines = 0;       ///< lines that are no record
+    std::size_t gaps = 0;                  ///< places where records are missing
+    std::vector<std::int64_t> exitCodes;   ///< of the last agent starts, in their order
+    std::optional<std::int64_t> scanAsked; ///< how many seconds ago the plug-in took up what is not acknowledged yet
+    std::optional<std::int64_t> installationAsked;
+    std::optional<std::int64_t> lastSignal; ///< how many seconds ago this life of the plug-in asked for a start
 };
 
 /// Everything that the checks look at. Gathered at one time, without a trace on the machine.
@@ -88,13 +101,15 @@ struct Facts {
     Fact<std::size_t> publishedPatches;
     Fact<ProxyFact> proxy;
 
-    Fact<std::string> agentProgram;                  ///< its path, when the file is there
-    Fact<std::vector<std::int64_t>> agentRunSeconds; ///< of each agent that runs
-    Fact<std::size_t> pluginProcesses;
-    Fact<bool> patchStorage; ///< whether it holds a deployment
+    Fact<std::string> agentProgram;                                 ///< its path, when the file is there
+    Fact<std::vector<std::optional<std::int64_t>>> agentRunSeconds; ///< of each agent that runs; empty when not told
+    Fact<std::vector<std::uint32_t>> pluginProcesses;               ///< ids of those that have it loaded
+    Fact<bool> patchStorage;                                        ///< whether it holds a deployment
     Fact<ScheduledTask> task;
     Fact<StopRequest> stopRequest;
-    Fact<PausedUpdates> updates;
+    Fact<std::optional<std::int64_t>> rebootDue; ///< seconds since the Unix epoch; empty: no reboot is forced
+    Fact<UpdatesFact> updates;
+    Fact<LogPlace> logPlace;
     Fact<LogFacts> log;
 };
 

@@ -1,6 +1,8 @@
 #include "tarnctl/health/gatherfacts.h"
 
+#include "common/settings/hostsettings.h"
 #include "meridia-settings/meridiasettingsapi.h"
+#include "settings-api/exceptions.h"
 #include "settings-api/settings.h"
 #include "tarnctl/health/gather.h"
 #include "tarnctl/health/machinefacts.h"
@@ -12,13 +14,27 @@ namespace tarnctl::health {
 
 namespace {
 
+/// A library may be content before the first question. Any answer will do.
+void askStore(const std::shared_ptr<vx::settings::Settings>& store)
+{
+    try {
+        vx::tarn::HostSettings(store).lastSuccessfulUpdateTimestamp();
+    } catch (const vx::settings::ServerUnreachableException&) {
+        throw;
+    } catch (const std::exception&) {
+        // An answer.
+    }
+}
+
 /// Without the plug-in's cache, which would answer for a store that is away. Null when the store can't be reached,
 /// which is noted.
 std::shared_ptr<vx::settings::Settings> openStore(Facts& facts)
 {
     try {
-        return std::make_shared<vx::settings::Settings>(
+        auto store = std::make_shared<vx::settings::Settings>(
             std::make_shared<vx::meridia::SettingsApi>(L"safe", L"S-1-5-18", L"Vantorix Tarnpatch Observer"));
+        askStore(store);
+        return store;
     } catch (const std::exception& exception) {
         noteStoreTrouble(textOf(exception), facts);
         return nullptr;

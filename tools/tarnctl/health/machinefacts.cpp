@@ -3,11 +3,8 @@
 #include "common/patchstorage/patchstorageplace.h"
 #include "common/settings/tarnpatchsettings.h"
 #include "common/windowsupdates/windowsupdatesplaces.h"
-#include "logging-backend/configuration.h"
-#include "logging-backend/location.h"
-#include "logreading/logreader.h"
-#include "logreading/story.h"
 #include "tarnctl/health/gather.h"
+#include "tarnctl/health/logfacts.h"
 #include "tarnctl/health/processfacts.h"
 #include "tarnctl/health/taskfacts.h"
 #include "tarnhd/wusstopper/rebootrequest.h"
@@ -16,7 +13,10 @@
 #include "vxtl/parsejson.h"
 #include "vxtl/registry.h"
 #include "vxtl/service.h"
+#include "vxtl/win32exception.h"
 
+#include <algorithm>
+#include <array>
 #include <filesystem>
 #include <nlohmann/json.hpp>
 #include <windows.h>
@@ -30,12 +30,17 @@ namespace {
 
 std::string readAgentProgram(const Registry& registry)
 {
-    const auto key = registry.openKey(L"HKEY_LOCAL_MACHINE\\Software\\Vantorix\\tarn");
-    const auto path = std::filesystem::path(key->getStringValue(L"InstallationDirectory")) / L"tarnag.exe";
+    constexpr auto keyName = L"HKEY_LOCAL_MACHINE\\Software\\Vantorix\\tarn", valueName = L"InstallationDirectory";
+    if (!registry.doesKeyExist(keyName) || !registry.openKey(keyName)->doesValueExist(valueName))
+        throw WrongError("the registry's value InstallationDirectory is not there");
+    const auto path = std::filesystem::path(registry.openKey(keyName)->getStringValue(valueName)) / L"tarnag.exe";
     auto text = vx::str::toUtf8Lossy(path.native());
-    if (!exists(path))
-        throw std::runtime_error("there is no " + text);
-    return text;
+    if (GetFileAttributesW(path.c_str()) != INVALID_FILE_ATTRIBUTES)
+        return text;
+    const auto code = GetLastError();
+    if (code != ERROR_FILE_NOT_FOUND && code != ERROR_PATH_NOT_FOUND)
+        VX_THROW_WIN32(code);
+    throw WrongError("there is no " + text);
 }
 
 bool readPatchStorage(const Registry& registry)
@@ -52,90 +57,67 @@ bool readPatchStorage(const Registry& registry)
     return any;
 }
 
-std::optional<std::int64_t> readRebootDue(const vx::registry::RegistryKey& trigger, const RebootSettings& reboot)
+std::optional<std::int64_t> readRebootDue(
+    const Registry& registry, const std::shared_ptr<vx::settings::Settings>& store)
 {
-    if (reboot.askUser() || !trigger.doesValueExist(triggerTimeValue))
+    if (!registry.doesKeyExist(triggerKey))
         return std::nullopt;
-    const auto created = trigger.getInt64Value(triggerTimeValue);
+    if (!store)
+        throw std::runtime_error("whether users are asked can't be read without the store");
+    const RebootSettings reboot(store);
+    const auto trigger = registry.openKey(triggerKey);
+    if (reboot.askUser() || !trigger->doesValueExist(triggerTimeValue))
+        return std::nullopt;
+    const auto created = trigger->getInt64Value(triggerTimeValue);
     if (created == 0)
         return std::nullopt;
     const RebootRequest request{vx::saturatingMultiply(created, vx::ticksPerSecond), reboot.forcedDelay()};
     return request.deadline() / vx::ticksPerSecond;
 }
 
-StopRequest readStopRequest(const Registry& registry, const std::shared_ptr<vx::settings::Settings>& store)
+bool doesServiceRun(const wchar_t* name)
 {
-    StopRequest request;
-    request.isThere = registry.doesKeyExist(triggerKey);
-    if (!request.isThere)
-        return request;
-    request.serviceRuns = vx::Service(L"wuauserv").getState() == vx::ServiceState::Running;
-    if (store)
-        request.rebootDue = readRebootDue(*registry.openKey(triggerKey), RebootSettings(store));
-    return request;
+    try {
+        return vx::Service(name).getState() == vx::ServiceState::Running;
+    } catch (const vx::Win32Exception& exception) {
+        if (exception.code() != ERROR_SERVICE_DOES_NOT_EXIST)
+            throw;
+        return false;
+    }
 }
 
-bool isSet(const Registry& registry, const common::WindowsUpdatesPlace& place)
+StopRequest readStopRequest(const Registry& registry)
 {
+    const bool isThere = registry.doesKeyExist(triggerKey);
+    return {isThere, isThere && doesServiceRun(L"wuauserv")};
+}
+
+using Numbers = std::array<std::optional<std::int32_t>, 4>;
+
+/// What is missing or no number is empty.
+Numbers readNumbers(const Registry& registry, const common::WindowsUpdatesPlace& place)
+{
+    Numbers numbers;
     if (!registry.doesKeyExist(place.key))
-        return false;
+        return numbers;
     const auto key = registry.openKey(place.key);
-    return key->doesValueExist(place.names[0]) && key->getInt32Value(place.names[0]) != 0;
+    for (std::size_t index = 0; index < numbers.size(); ++index) {
+        Fact<std::int32_t> number;
+        gather(number, [&] { return key->getInt32Value(place.names[index]); });
+        numbers[index] = number.value;
+    }
+    return numbers;
 }
 
-bool isKept(const Registry& registry, const common::WindowsUpdatesPlace& place)
+/// A pause leaves exactly these numbers in the policy, and what it has found beside. Zeros stay there for good, so they
+/// tell nothing; an administrator who has switched updates off himself has no reason for the other three.
+UpdatesFact readUpdates(const Registry& registry)
 {
-    if (!registry.doesKeyExist(place.key))
-        return false;
-    const auto key = registry.openKey(place.key);
-    return std::all_of(
-        place.names.begin(), place.names.end(), [&](const wchar_t* name) { return key->doesValueExist(name); });
-}
-
-PausedUpdates readUpdates(const Registry& registry)
-{
-    return {isKept(registry, common::savedWindowsUpdates), isSet(registry, common::windowsUpdatesPolicy)};
-}
-
-/// Asks for the right to make a file there, and makes none.
-bool isWritable(const std::filesystem::path& folder)
-{
-    const auto handle =
-        CreateFileW(folder.c_str(), FILE_ADD_FILE, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,
-            OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS, nullptr);
-    if (handle == INVALID_HANDLE_VALUE)
-        return false;
-    CloseHandle(handle);
-    return true;
-}
-
-LogFacts readLog()
-{
-    constexpr unsigned long usualLevel = 4;
-    const auto path = logreading::logLocation();
-    LogFacts log;
-    log.path = vx::str::toUtf8Lossy(path.parent_path().native());
-    log.isWritable = isWritable(path.parent_path());
-    log.level = static_cast<std::int32_t>(
-        VxQrlLogging::Configuration(L"tarn", L"tarnhd").number(L"LogLevel").value_or(usualLevel));
-    logreading::Story story;
-    const auto sink = [&](std::string_view line) {
-        if (const auto record = logreading::parseRecord(line))
-            story.take(*record);
-        else if (!line.empty())
-            ++log.unreadableLines;
-    };
-    logreading::LogReader reader(path);
-    reader.rewind();
-    reader.read(sink);
-    reader.finish(sink);
-    for (const auto& start : story.starts())
-        if (start.exitCode)
-            log.exitCodes.push_back(*start.exitCode);
-    const auto& runs = story.runs();
-    for (std::size_t index = 0; index + 1 < runs.size(); ++index)
-        log.endsMissing += runs[index].end ? 0 : 1;
-    return log;
+    constexpr Numbers paused = {1, 0, 0, 0};
+    const auto policy = readNumbers(registry, common::windowsUpdatesPolicy);
+    const auto saved = readNumbers(registry, common::savedWindowsUpdates);
+    const bool isSaved = std::find(saved.begin(), saved.end(), std::nullopt) == saved.end();
+    return {policy == paused && isSaved && saved[0] != 1, policy[0].value_or(0) != 0};
 }
 
 } // namespace
@@ -146,8 +128,10 @@ void gatherFromMachine(const std::shared_ptr<vx::settings::Settings>& store, Fac
     gatherProcesses(facts);
     gather(facts.agentProgram, [&] { return readAgentProgram(*registry); });
     gather(facts.patchStorage, [&] { return readPatchStorage(*registry); });
-    gather(facts.stopRequest, [&] { return readStopRequest(*registry, store); });
+    gather(facts.stopRequest, [&] { return readStopRequest(*registry); });
+    gather(facts.rebootDue, [&] { return readRebootDue(*registry, store); });
     gather(facts.updates, [&] { return readUpdates(*registry); });
+    gather(facts.logPlace, [&] { return readLogPlace(); });
     gather(facts.log, [&] { return readLog(); });
     if (store)
         gather(facts.task, [&] { return readTask(store); });

@@ -1,8 +1,9 @@
 #include "tarnctl/health/processfacts.h"
 
+#include "tarnctl/health/gather.h"
 #include "vxtl/handle.h"
-#include "vxtl/str.h"
 #include "vxtl/win32exception.h"
+#include "vxtl/wow64.h"
 
 #include <functional>
 #include <windows.h>
@@ -32,17 +33,41 @@ void forEachProcess(const std::function<void(const PROCESSENTRY32W&)>& visit)
         visit(process);
 }
 
-bool hasPlugin(DWORD processId)
+enum class Look { Has, HasNot, Refused };
+
+/// A 64-bit process can't have a 32-bit library, and need not be looked into.
+bool canHavePlugin(HANDLE process)
 {
-    const vx::KernelHandle snapshot(CreateToolhelp32Snapshot(TH32CS_SNAPMODULE | TH32CS_SNAPMODULE32, processId));
+    static const bool isSystemWider = vx::wow64::isWow64();
+    BOOL isNarrow = TRUE;
+    return !isSystemWider || !IsWow64Process(process, &isNarrow) || isNarrow;
+}
+
+/// Module lists of a process that is just starting or loading are refused for the moment.
+vx::KernelHandle takeModules(DWORD processId)
+{
+    constexpr int tries = 20;
+    for (int attempt = 1;; ++attempt) {
+        const auto snapshot = CreateToolhelp32Snapshot(TH32CS_SNAPMODULE | TH32CS_SNAPMODULE32, processId);
+        if (snapshot != INVALID_HANDLE_VALUE || GetLastError() != ERROR_BAD_LENGTH || attempt == tries)
+            return vx::KernelHandle(snapshot);
+    }
+}
+
+Look lookForPlugin(DWORD processId)
+{
+    const vx::KernelHandle process(OpenProcess(PROCESS_QUERY_LIMITED_INFORMATION, FALSE, processId));
+    if (process.isValid() ? !canHavePlugin(process.get()) : GetLastError() != ERROR_ACCESS_DENIED)
+        return Look::HasNot;
+    const auto snapshot = takeModules(processId);
     if (!snapshot.isValid())
-        return false;
+        return GetLastError() == ERROR_ACCESS_DENIED ? Look::Refused : Look::HasNot;
     MODULEENTRY32W module{};
     module.dwSize = sizeof(module);
     for (auto more = Module32FirstW(snapshot.get(), &module); more; more = Module32NextW(snapshot.get(), &module))
         if (isSameName(module.szModule, pluginName))
-            return true;
-    return false;
+            return Look::Has;
+    return Look::HasNot;
 }
 
 std::int64_t ticksOf(const FILETIME& time)
@@ -50,35 +75,49 @@ std::int64_t ticksOf(const FILETIME& time)
     return std::int64_t{time.dwHighDateTime} << 32 | time.dwLowDateTime;
 }
 
-/// 0 for one that may not be asked.
-std::int64_t secondsSinceStart(DWORD processId)
+/// Adds how long an agent runs, empty for one that may not be asked; nothing for one that has just ended.
+void addAgent(std::vector<std::optional<std::int64_t>>& agents, DWORD processId)
 {
     const vx::KernelHandle process(OpenProcess(PROCESS_QUERY_LIMITED_INFORMATION, FALSE, processId));
+    if (!process.isValid()) {
+        if (GetLastError() == ERROR_ACCESS_DENIED)
+            agents.emplace_back();
+        return;
+    }
     FILETIME started, exited, kernel, user, now;
-    if (!process.isValid() || !GetProcessTimes(process.get(), &started, &exited, &kernel, &user))
-        return 0;
+    if (!GetProcessTimes(process.get(), &started, &exited, &kernel, &user))
+        return agents.emplace_back(), void();
     GetSystemTimeAsFileTime(&now);
-    return (ticksOf(now) - ticksOf(started)) / 10'000'000;
+    if (ticksOf(exited) == 0)
+        agents.emplace_back((ticksOf(now) - ticksOf(started)) / 10'000'000);
 }
 
 } // namespace
 
 void gatherProcesses(Facts& facts)
 {
+    std::vector<std::optional<std::int64_t>> agents;
+    std::vector<std::uint32_t> hosts;
+    std::size_t refused = 0;
     try {
-        std::vector<std::int64_t> agents;
-        std::size_t hosts = 0;
         forEachProcess([&](const PROCESSENTRY32W& process) {
             if (isSameName(process.szExeFile, agentName))
-                agents.push_back(secondsSinceStart(process.th32ProcessID));
-            else
-                hosts += hasPlugin(process.th32ProcessID) ? 1 : 0;
+                return addAgent(agents, process.th32ProcessID);
+            const auto look = lookForPlugin(process.th32ProcessID);
+            if (look == Look::Has)
+                hosts.push_back(process.th32ProcessID);
+            refused += look == Look::Refused ? 1 : 0;
         });
-        facts.agentRunSeconds.value = std::move(agents);
-        facts.pluginProcesses.value = hosts;
-    } catch (const vx::Win32Exception& exception) {
-        facts.agentRunSeconds.trouble = facts.pluginProcesses.trouble = vx::str::toUtf8Lossy(exception.wideWhat());
+    } catch (const std::exception& exception) {
+        facts.agentRunSeconds.trouble = facts.pluginProcesses.trouble = textOf(exception);
+        return;
     }
+    facts.agentRunSeconds.value = std::move(agents);
+    // It may be in one of those.
+    if (hosts.empty() && refused > 0)
+        facts.pluginProcesses.trouble = std::to_string(refused) + " processes may not be looked into";
+    else
+        facts.pluginProcesses.value = std::move(hosts);
 }
 
 } // namespace tarnctl::health

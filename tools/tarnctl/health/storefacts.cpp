@@ -24,12 +24,12 @@ template <typename Record>
 std::size_t countRecords(const nlohmann::json& list)
 {
     if (!list.is_array())
-        throw std::runtime_error(std::string("the list is no array but a ") + list.type_name());
+        throw WrongError(std::string("the list is no array but a ") + list.type_name());
     for (std::size_t index = 0; index < list.size(); ++index) {
         try {
             common::fromJson<Record>(list[index]);
         } catch (const std::exception& exception) {
-            throw std::runtime_error("element " + std::to_string(index) + ": " + exception.what());
+            throw WrongError("element " + std::to_string(index) + ": " + exception.what());
         }
     }
     return list.size();
@@ -39,7 +39,10 @@ std::size_t countRecords(const nlohmann::json& list)
 std::size_t countPublished(const vx::settings::Settings& store, const wchar_t* key)
 {
     try {
-        return store.getJsonValue(key).size();
+        const auto list = store.getJsonValue(key);
+        if (!list.is_array())
+            throw WrongError(std::string("the list is no array but a ") + list.type_name());
+        return list.size();
     } catch (const vx::settings::NotFoundException&) {
         return 0;
     }

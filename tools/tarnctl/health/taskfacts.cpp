@@ -29,6 +29,7 @@ struct Task {
     std::wstring arguments;
     std::wstring start;    ///< of the first trigger: "2026-11-22T12:00:00"
     std::int32_t days = 0; ///< 0 for each day
+    bool isEnabled = true;
 };
 
 void check(HRESULT result, const wchar_t* call)
@@ -104,7 +105,10 @@ Task readTask(IRegisteredTask& registered)
 {
     ComPtr<ITaskDefinition> definition;
     check(registered.get_Definition(definition.put()), L"get_Definition");
+    VARIANT_BOOL enabled = VARIANT_TRUE;
+    check(registered.get_Enabled(&enabled), L"get_Enabled");
     Task task;
+    task.isEnabled = enabled != VARIANT_FALSE;
     task.arguments = readArguments(*definition);
     readTrigger(*definition, task);
     return task;
@@ -112,6 +116,8 @@ Task readTask(IRegisteredTask& registered)
 
 std::string differenceOf(const Task& task, const AutomaticInstallationSettings& automatic)
 {
+    if (!task.isEnabled)
+        return "it is switched off in the Task Scheduler";
     const auto severity = severityOf(automatic.mode());
     if (!task.arguments.ends_with(L'=' + severity))
         return "it installs \"" + vx::str::toUtf8Lossy(task.arguments) + "\", wanted is " + vx::str::toUtf8(severity);

@@ -36,6 +36,16 @@ std::optional<Moment> parseSince(std::string_view text, Moment now)
     return unit ? std::optional(now - count * *unit) : std::nullopt;
 }
 
+bool Filter::passesAll() const
+{
+    return !asksForRecords() && !m_wanted.pattern;
+}
+
+bool Filter::asksForRecords() const
+{
+    return m_wanted.since || m_wanted.level || m_wanted.process || m_wanted.thread;
+}
+
 bool Filter::passes(std::string_view line, const Record* record)
 {
     if (record) {
@@ -43,14 +53,15 @@ bool Filter::passes(std::string_view line, const Record* record)
         m_any = true;
     }
     // Before the first record nothing is known of a line but its text.
-    const bool inWantedPlace = m_any ? m_passed : !m_wanted.since && !m_wanted.level && !m_wanted.thread;
-    return inWantedPlace && (!m_wanted.pattern || std::regex_search(line.begin(), line.end(), *m_wanted.pattern));
+    const bool inWantedPlace = m_any ? m_passed : !asksForRecords();
+    return inWantedPlace && (!m_wanted.pattern || m_wanted.pattern->isIn(line));
 }
 
 bool Filter::isWanted(const Record& record) const
 {
     return (!m_wanted.since || record.time >= *m_wanted.since) &&
            (!m_wanted.level || record.level <= *m_wanted.level) &&
+           (!m_wanted.process || record.process == *m_wanted.process) &&
            (!m_wanted.thread || record.thread == *m_wanted.thread);
 }
 

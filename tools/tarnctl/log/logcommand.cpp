@@ -5,6 +5,7 @@
 #include "tarnctl/log/console.h"
 #include "tarnctl/log/filter.h"
 #include "tarnctl/log/pageoutput.h"
+#include "tarnctl/log/route.h"
 #include "tarnctl/log/textoutput.h"
 #include "tarnctl/log/traceoutput.h"
 #include "vxtl/str.h"
@@ -41,21 +42,28 @@ CommandError badUsage(const std::string& line)
     return {ExitCode::BadUsage, line};
 }
 
-/// "0384" or "0123.0384", as it stands in the log.
-std::uint16_t parseThread(const std::string& text)
+std::uint16_t parseId(std::string_view digits)
 {
-    const auto digits = std::string_view(text).substr(text.find('.') + 1);
-    std::uint16_t thread = 0;
-    const auto [end, error] = std::from_chars(digits.data(), digits.data() + digits.size(), thread, 16);
+    std::uint16_t id = 0;
+    const auto [end, error] = std::from_chars(digits.data(), digits.data() + digits.size(), id, 16);
     if (error != std::errc() || end != digits.data() + digits.size())
-        throw badUsage("--thread takes a thread's id as it stands in the log, for example 0384");
-    return thread;
+        throw badUsage("--thread takes a thread's id as it stands in the log, for example 0384 or 0123.0384");
+    return id;
 }
 
-std::regex parsePattern(const std::string& text)
+/// "0384", or "0123.0384" with its process.
+void setThread(Wanted& wanted, std::string_view text)
+{
+    const auto point = text.find('.');
+    if (point != std::string_view::npos)
+        wanted.process = parseId(text.substr(0, point));
+    wanted.thread = parseId(text.substr(point + 1));
+}
+
+Pattern parsePattern(const std::string& text)
 {
     try {
-        return std::regex(text, std::regex::ECMAScript | std::regex::optimize);
+        return Pattern(text);
     } catch (const std::regex_error& error) {
         throw badUsage("--grep: " + std::string(error.what()));
     }
@@ -69,7 +77,7 @@ Wanted wantedBy(const Options& options)
     if (!options.level.empty())
         wanted.level = logreading::levelOf(options.level);
     if (!options.thread.empty())
-        wanted.thread = parseThread(options.thread);
+        setThread(wanted, options.thread);
     if (!options.pattern.empty())
         wanted.pattern = parsePattern(options.pattern);
     return wanted;
@@ -104,30 +112,25 @@ ExitCode showLog(const Context& context, const Options& options)
     const auto path =
         options.file.empty() ? logreading::logLocation() : std::filesystem::absolute(vx::str::fromUtf8(options.file));
     Filter filter(wantedBy(options));
-    if (!options.follow && !exists(path))
+    LogReader reader(path);
+    // Watching begins before reading, so that nothing written in between goes unnoticed.
+    DirectoryWatch watch(path.parent_path());
+    if (!reader.rewind() && !options.follow)
         throw CommandError(ExitCode::Unreadable, "there is no log " + vx::str::toUtf8Lossy(path.native()));
     const auto file = openTarget(options);
     auto& stream = file ? *file : context.output;
     const auto output = makeOutput(options, context, stream);
-    const auto sink = [&](std::string_view line) {
-        const auto record = logreading::parseRecord(line);
-        const auto* known = record ? &*record : nullptr;
-        if (filter.passes(line, known))
-            output->line(line, known);
-    };
-    // Watching begins before reading, so that nothing written in between goes unnoticed.
-    DirectoryWatch watch(path.parent_path());
-    LogReader reader(path);
-    reader.rewind();
+    const auto sink = route(filter, *output);
     reader.read(sink);
-    while (options.follow) {
-        stream.flush();
+    // Whoever reads a pipe may have had enough.
+    while (options.follow && stream) {
+        output->flush();
         watch.wait(nullptr, recheckMs);
         reader.read(sink);
     }
     reader.finish(sink);
     output->end();
-    if (!stream.flush())
+    if (!stream)
         throw CommandError(ExitCode::Unreadable, "the output cannot be written");
     return ExitCode::Healthy;
 }

@@ -1,10 +1,12 @@
 #include "tarnctl/log/pageoutput.h"
 
+#include "tarnctl/codes.h"
 #include "tarnctl/log/page.h"
 
 #include <algorithm>
+#include <array>
+#include <map>
 #include <nlohmann/json.hpp>
-#include <ostream>
 #include <string>
 
 namespace tarnctl::log {
@@ -30,30 +32,16 @@ std::string_view partOfPage(std::string_view from, std::string_view to)
     return page.substr(begin, to.empty() ? std::string_view::npos : page.find(to) - begin);
 }
 
-/// Within the data's element no "<" may stand; the page puts it back.
-void writeText(std::ostream& stream, std::string_view text)
+/// Within the data's element no "<" may stand; the page puts it back. A line of its own began for it behind a
+/// carriage return.
+bool isSpecial(char character)
 {
-    const auto put = [&](std::string_view part) {
-        stream.rdbuf()->sputn(part.data(), static_cast<std::streamsize>(part.size()));
-    };
-    const auto next = [&] { return std::min(text.find('<'), text.find('\x01')); };
-    for (auto place = next(); place != std::string_view::npos; place = next()) {
-        put(text.substr(0, place));
-        put(text[place] == '<' ? "\x01" : " ");
-        text.remove_prefix(place + 1);
-    }
-    put(text);
-    put("\n");
-}
-
-/// JSON is free to spell "<" in another way.
-void writeJson(std::ostream& stream, const Json& object)
-{
-    for (const char character : object.dump(-1, ' ', false, Json::error_handler_t::replace))
-        if (character == '<')
-            stream << "\\u003c";
-        else
-            stream << character;
+    static constexpr auto specials = [] {
+        std::array<bool, 256> table{};
+        table['<'] = table['\x01'] = table['\r'] = true;
+        return table;
+    }();
+    return specials[static_cast<unsigned char>(character)];
 }
 
 Json toJson(const PluginRun& run)
@@ -72,15 +60,6 @@ Json toJson(const AgentStart& start)
         {"asks", std::move(asks)}};
 }
 
-template <typename Items>
-Json toJsonArray(const Items& items)
-{
-    auto array = Json::array();
-    for (const auto& item : items)
-        array.push_back(toJson(item));
-    return array;
-}
-
 Json finding(std::string_view grade, Moment time, std::string text)
 {
     return {{"grade", grade}, {"time", time}, {"text", std::move(text)}};
@@ -88,21 +67,27 @@ Json finding(std::string_view grade, Moment time, std::string text)
 
 void addRuns(Json& findings, const std::vector<PluginRun>& runs)
 {
-    // The last one of each process may be going on.
+    // The last one may be going on, and in a log without banners nothing tells of an end.
     for (std::size_t index = 0; index + 1 < runs.size(); ++index)
-        if (!runs[index].end)
+        if (!runs[index].end && (runs[index].hasBanner || runs[index + 1].hasBanner))
             findings.push_back(finding("warning", runs[index].last,
                 "the plug-in in process " + std::to_string(runs[index].process) + " stops without the end of its log"));
 }
 
+/// Those of one exit code are one finding, or a bad night would hide all others.
 void addStarts(Json& findings, const std::vector<AgentStart>& starts)
 {
+    std::map<std::pair<Outcome, std::optional<std::int64_t>>, std::pair<std::size_t, Moment>> kinds;
     for (const auto& start : starts)
         if (start.outcome == Outcome::Failed || start.outcome == Outcome::Busy)
-            findings.push_back(finding(start.outcome == Outcome::Failed ? "error" : "warning", start.begin,
-                "agent start " + std::string(nameOf(start.outcome)) +
-                    (start.exitCode ? ", exit code " + std::to_string(*start.exitCode) : "") + " after " +
-                    std::to_string(start.tries) + (start.tries == 1 ? " try" : " tries")));
+            ++kinds.try_emplace({start.outcome, start.exitCode}, 0, start.begin).first->second.first;
+    for (const auto& [kind, found] : kinds) {
+        const auto& [outcome, exitCode] = kind;
+        const auto times = found.first > 1 ? std::to_string(found.first) + " times: " : "";
+        const auto code = exitCode ? ", exit code " + std::to_string(*exitCode) + ": " + meaningOf(*exitCode) : "";
+        findings.push_back(finding(outcome == Outcome::Failed ? "error" : "warning", found.second,
+            times + "agent start " + std::string(nameOf(outcome)) + code));
+    }
 }
 
 void addProblems(Json& findings, const Problems& problems)
@@ -114,14 +99,54 @@ void addProblems(Json& findings, const Problems& problems)
 
 } // namespace
 
-PageOutput::PageOutput(std::ostream& stream) : m_stream(stream)
+PageOutput::PageOutput(std::ostream& stream) : m_writer(stream)
 {
-    m_stream << partOfPage({}, logMark);
+    m_writer.put(partOfPage({}, logMark));
+}
+
+void PageOutput::writeText(std::string_view text)
+{
+    for (;;) {
+        const auto plain = static_cast<std::size_t>(std::find_if(text.begin(), text.end(), isSpecial) - text.begin());
+        m_writer.put(text.substr(0, plain));
+        if (plain == text.size())
+            return m_writer.put('\n');
+        m_writer.put(text[plain] == '<' ? '\x01' : ' ');
+        text.remove_prefix(plain + 1);
+    }
+}
+
+/// JSON is free to spell "<" in another way.
+void PageOutput::writeJson(const Json& object)
+{
+    const auto text = object.dump(-1, ' ', false, Json::error_handler_t::replace);
+    for (std::string_view rest = text; !rest.empty();) {
+        const auto plain = std::min(rest.find('<'), rest.size());
+        m_writer.put(rest.substr(0, plain));
+        if (plain < rest.size())
+            m_writer.put("\\u003c");
+        rest.remove_prefix(std::min(plain + 1, rest.size()));
+    }
+}
+
+/// One by one: there may be many.
+template <typename Items>
+void PageOutput::writeList(std::string_view name, const Items& items)
+{
+    m_writer.put(",\"");
+    m_writer.put(name);
+    m_writer.put("\":[");
+    for (const auto& item : items) {
+        if (&item != &*items.begin())
+            m_writer.put(',');
+        writeJson(toJson(item));
+    }
+    m_writer.put(']');
 }
 
 void PageOutput::line(std::string_view line, const Record* record)
 {
-    writeText(m_stream, line);
+    writeText(line);
     if (!record)
         return;
     m_story.take(*record);
@@ -141,11 +166,16 @@ void PageOutput::end()
     addProblems(findings, m_problems);
     if (findings.size() > mostFindings)
         findings.erase(findings.begin() + mostFindings, findings.end());
-    m_stream << partOfPage(logMark, storyMark);
-    writeJson(m_stream,
-        {{"first", m_first}, {"last", m_last}, {"findings", std::move(findings)}, {"runs", toJsonArray(m_story.runs())},
-            {"starts", toJsonArray(m_story.starts())}, {"errors", m_errors}});
-    m_stream << partOfPage(storyMark, {});
+    m_writer.put(partOfPage(logMark, storyMark));
+    m_writer.put("{\"first\":" + std::to_string(m_first) + ",\"last\":" + std::to_string(m_last) + ",\"findings\":");
+    writeJson(findings);
+    m_writer.put(",\"errors\":");
+    writeJson(m_errors);
+    writeList("runs", m_story.runs());
+    writeList("starts", m_story.starts());
+    m_writer.put('}');
+    m_writer.put(partOfPage(storyMark, {}));
+    flush();
 }
 
 } // namespace tarnctl::log

@@ -1,10 +1,11 @@
 #pragma once
 
 #include "logreading/story.h"
+#include "tarnctl/log/blockwriter.h"
 #include "tarnctl/log/output.h"
 #include "tarnctl/log/problems.h"
 
-#include <iosfwd>
+#include <nlohmann/json_fwd.hpp>
 
 namespace tarnctl::log {
 
@@ -16,10 +17,16 @@ public:
     explicit PageOutput(std::ostream& stream);
 
     void line(std::string_view line, const logreading::Record* record) override;
+    void flush() override { m_writer.flush(); }
     void end() override;
 
 private:
-    std::ostream& m_stream;
+    void writeText(std::string_view text);
+    void writeJson(const nlohmann::ordered_json& object);
+    template <typename Items>
+    void writeList(std::string_view name, const Items& items);
+
+    BlockWriter m_writer;
     logreading::Story m_story;
     Problems m_problems;
     std::vector<logreading::Moment> m_errors; ///< a bounded number

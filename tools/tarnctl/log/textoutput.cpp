@@ -2,7 +2,6 @@
 
 #include <cstdio>
 #include <nlohmann/json.hpp>
-#include <ostream>
 
 namespace tarnctl::log {
 
@@ -44,17 +43,11 @@ std::string_view nameOf(Scope scope)
 void TextOutput::line(std::string_view line, const Record* record)
 {
     const auto colour = m_colours == Colours::ByLevel ? colourOf(record) : std::string_view();
-    // Past the stream's formatting, which costs more than the line.
-    auto& target = *m_stream.rdbuf();
-    const auto put = [&](std::string_view text) {
-        if (target.sputn(text.data(), static_cast<std::streamsize>(text.size())) !=
-            static_cast<std::streamsize>(text.size()))
-            m_stream.setstate(std::ios::badbit);
-    };
+    m_writer.put(colour);
+    m_writer.put(line);
     if (!colour.empty())
-        put(colour);
-    put(line);
-    put(colour.empty() ? "\n" : "\x1b[0m\n");
+        m_writer.put("\x1b[0m");
+    m_writer.put('\n');
 }
 
 void JsonOutput::line(std::string_view line, const Record* record)
@@ -70,7 +63,8 @@ void JsonOutput::line(std::string_view line, const Record* record)
     } else {
         object["line"] = line;
     }
-    m_stream << object.dump(-1, ' ', false, nlohmann::json::error_handler_t::replace) << '\n';
+    m_writer.put(object.dump(-1, ' ', false, nlohmann::json::error_handler_t::replace));
+    m_writer.put('\n');
 }
 
 } // namespace tarnctl::log

@@ -1,8 +1,7 @@
 #pragma once
 
+#include "tarnctl/log/blockwriter.h"
 #include "tarnctl/log/output.h"
-
-#include <iosfwd>
 
 namespace tarnctl::log {
 
@@ -13,12 +12,14 @@ public:
     enum class Colours { None, ByLevel };
 
     /// The stream is borrowed.
-    TextOutput(std::ostream& stream, Colours colours) : m_stream(stream), m_colours(colours) {}
+    TextOutput(std::ostream& stream, Colours colours) : m_writer(stream), m_colours(colours) {}
 
+    bool needsRecords() const override { return m_colours != Colours::None; }
     void line(std::string_view line, const logreading::Record* record) override;
+    void flush() override { m_writer.flush(); }
 
 private:
-    std::ostream& m_stream;
+    BlockWriter m_writer;
     Colours m_colours;
 };
 
@@ -26,12 +27,13 @@ private:
 class JsonOutput : public Output {
 public:
     /// The stream is borrowed.
-    explicit JsonOutput(std::ostream& stream) : m_stream(stream) {}
+    explicit JsonOutput(std::ostream& stream) : m_writer(stream) {}
 
     void line(std::string_view line, const logreading::Record* record) override;
+    void flush() override { m_writer.flush(); }
 
 private:
-    std::ostream& m_stream;
+    BlockWriter m_writer;
 };
 
 } // namespace tarnctl::log

@@ -1,7 +1,7 @@
 #include "tarnctl/log/traceoutput.h"
 
+#include <algorithm>
 #include <nlohmann/json.hpp>
-#include <ostream>
 #include <string>
 
 namespace tarnctl::log {
@@ -33,20 +33,21 @@ Json slice(std::uint16_t process, unsigned track, std::string_view name, logread
     logreading::Moment end, Json arguments)
 {
     return {{"ph", "X"}, {"name", name}, {"pid", process}, {"tid", track}, {"ts", stamp(begin)},
-        {"dur", stamp(end - begin)}, {"args", std::move(arguments)}};
+        {"dur", stamp(std::max<logreading::Moment>(end - begin, 0))}, {"args", std::move(arguments)}};
 }
 
 } // namespace
 
-TraceOutput::TraceOutput(std::ostream& stream) : m_stream(stream)
+TraceOutput::TraceOutput(std::ostream& stream) : m_writer(stream)
 {
-    m_stream << R"({"displayTimeUnit":"ms","traceEvents":[)";
+    m_writer.put(R"({"displayTimeUnit":"ms","traceEvents":[)");
 }
 
 template <typename Object>
 void TraceOutput::event(const Object& object)
 {
-    m_stream << (m_first ? "\n" : ",\n") << object.dump(-1, ' ', false, Json::error_handler_t::replace);
+    m_writer.put(m_first ? "\n" : ",\n");
+    m_writer.put(object.dump(-1, ' ', false, Json::error_handler_t::replace));
     m_first = false;
 }
 
@@ -93,7 +94,8 @@ void TraceOutput::end()
     }
     for (const auto& start : m_story.starts())
         agentStart(start);
-    m_stream << "\n]}\n";
+    m_writer.put("\n]}\n");
+    flush();
 }
 
 } // namespace tarnctl::log

@@ -1,9 +1,9 @@
 #pragma once
 
 #include "logreading/story.h"
+#include "tarnctl/log/blockwriter.h"
 #include "tarnctl/log/output.h"
 
-#include <iosfwd>
 #include <map>
 
 namespace tarnctl::log {
@@ -16,13 +16,14 @@ public:
     explicit TraceOutput(std::ostream& stream);
 
     void line(std::string_view line, const logreading::Record* record) override;
+    void flush() override { m_writer.flush(); }
     void end() override;
 
 private:
     void scope(const logreading::Record& record);
     void agentStart(const logreading::AgentStart& start);
 
-    std::ostream& m_stream;
+    BlockWriter m_writer;
     logreading::Story m_story;
     std::map<std::pair<std::uint16_t, std::uint16_t>, unsigned> m_openScopes; ///< by process and thread
     bool m_first = true;

@@ -1,39 +1,26 @@
 #include "tarnctl/why/conditions.h"
 
+#include "tarnctl/health/obstacles.h"
+
 namespace tarnctl::why {
 
-using health::Fact;
 using health::Facts;
 
 namespace {
 
 constexpr std::int64_t hour = 3600;
 
-bool isTrue(const Fact<bool>& fact)
-{
-    return fact.isKnown() && *fact;
-}
-
 std::string inMinutes(std::int64_t seconds)
 {
     return seconds <= 0 ? "now" : "in " + std::to_string((seconds + 59) / 60) + " minutes";
 }
 
-/// What keeps every start of the agent.
-void addObstacles(std::vector<std::string>& lines, const Facts& facts)
+/// By the plug-in's last request in this life, which is what it goes by; the last scan is the best guess without a log.
+std::int64_t secondsToNextScan(const Facts& facts)
 {
-    if (!facts.storeTrouble.empty())
-        lines.push_back("the store can't be read: " + facts.storeTrouble);
-    if (facts.pluginProcesses.isKnown() && *facts.pluginProcesses == 0)
-        lines.push_back("no process has the plug-in loaded");
-    if (!facts.agentProgram.isKnown())
-        lines.push_back("there is no agent to start: " + facts.agentProgram.trouble);
-    if (facts.enabledOn.isKnown() && !isTrue(facts.enabledOn))
-        lines.push_back("the feature is off");
-    if (facts.profileTime.isKnown() && *facts.profileTime <= 0)
-        lines.push_back("the plug-in waits for the store's profile");
-    if (facts.completion.isKnown() && facts.completion->wait)
-        lines.push_back("a deployment is waited for, and no agent starts before it is over");
+    const auto age =
+        facts.log.isKnown() && facts.log->lastSignal ? *facts.log->lastSignal : facts.now - *facts.lastScan;
+    return *facts.scanPeriodHours * hour - age;
 }
 
 void addScan(std::vector<std::string>& lines, const Facts& facts)
@@ -41,8 +28,7 @@ void addScan(std::vector<std::string>& lines, const Facts& facts)
     if (facts.scan.isKnown() && facts.scan->isOpen())
         lines.push_back("request " + std::to_string(facts.scan->start) + " is open");
     if (facts.lastScan.isKnown() && facts.scanPeriodHours.isKnown())
-        lines.push_back("without a request the next scan is due " +
-                        inMinutes(*facts.lastScan + *facts.scanPeriodHours * hour - facts.now) +
+        lines.push_back("without a request the next scan is due " + inMinutes(secondsToNextScan(facts)) +
                         ", at the plug-in's next look at what is due");
 }
 
@@ -64,9 +50,10 @@ void addReboot(std::vector<std::string>& lines, const Facts& facts)
         return lines.push_back("whether one is asked for can't be read: " + facts.stopRequest.trouble);
     if (!facts.stopRequest->isThere)
         return lines.push_back("nobody asks for one");
-    const auto& due = facts.stopRequest->rebootDue;
-    lines.push_back(due ? "one is forced " + inMinutes(*due - facts.now)
-                        : "none is forced: the user is asked, or the request names no time");
+    if (!facts.rebootDue.isKnown())
+        return lines.push_back("whether one is forced can't be read: " + facts.rebootDue.trouble);
+    lines.push_back(*facts.rebootDue ? "one is forced " + inMinutes(**facts.rebootDue - facts.now)
+                                     : "none is forced: the user is asked, or the request names no time");
 }
 
 } // namespace
@@ -76,7 +63,8 @@ std::vector<std::string> conditions(const Facts& facts, Subject subject)
     std::vector<std::string> lines;
     if (subject != Subject::Reboot && facts.agentRunSeconds.isKnown() && !facts.agentRunSeconds->empty())
         lines.push_back("an agent is at work");
-    addObstacles(lines, facts);
+    for (auto& line : health::obstacles(facts))
+        lines.push_back(std::move(line));
     switch (subject) {
     case Subject::Scan: addScan(lines, facts); break;
     case Subject::Install: addInstallation(lines, facts); break;

@@ -37,8 +37,11 @@ bool concerns(const AgentStart& start, Subject subject)
                                      [subject](const Ask& ask) { return concerns(ask.cause, subject); });
 }
 
+/// The log's clock is the local one, which may be set back.
 std::string seconds(logreading::Moment duration)
 {
+    if (duration < 0)
+        return "an unknown time: the clock was set back";
     char text[32];
     std::snprintf(text, sizeof(text), "%.1f s", static_cast<double>(duration) / 1000);
     return text;

@@ -8,6 +8,7 @@
 
 #include <map>
 #include <memory>
+#include <optional>
 
 namespace tarnctl::why {
 
@@ -26,20 +27,21 @@ ExitCode tellWhy(const Context& context, const Options& options)
 {
     const auto path =
         options.file.empty() ? logreading::logLocation() : std::filesystem::absolute(vx::str::fromUtf8(options.file));
-    if (!options.file.empty() && !exists(path))
-        throw CommandError(ExitCode::Unreadable, "there is no log " + vx::str::toUtf8Lossy(path.native()));
     logreading::Story story;
     const auto sink = [&](std::string_view line) {
         if (const auto record = logreading::parseRecord(line))
             story.take(*record);
     };
     logreading::LogReader reader(path);
-    reader.rewind();
+    const bool isThere = reader.rewind();
+    if (!options.file.empty() && !isThere)
+        throw CommandError(ExitCode::Unreadable, "there is no log " + vx::str::toUtf8Lossy(path.native()));
     reader.read(sink);
     reader.finish(sink);
     const auto explanations = explain(story, options.subject, options.last);
-    const auto now =
-        options.file.empty() ? conditions(health::gatherFacts(), options.subject) : std::vector<std::string>();
+    // Of a log from elsewhere this machine tells nothing.
+    const auto facts = options.file.empty() ? std::optional(health::gatherFacts()) : std::nullopt;
+    const auto now = facts ? conditions(*facts, options.subject) : std::vector<std::string>();
     for (const auto& [lines, object] : explanations)
         if (context.json)
             context.output << object.dump(-1, ' ', false, nlohmann::json::error_handler_t::replace) << '\n';
@@ -47,7 +49,7 @@ ExitCode tellWhy(const Context& context, const Options& options)
             for (const auto& line : lines)
                 context.output << line << '\n';
     if (explanations.empty() && !context.json)
-        context.output << "the log tells of none\n";
+        context.output << (isThere ? "the log tells of none\n" : "there is no log\n");
     for (const auto& line : now)
         if (context.json)
             context.output << nlohmann::ordered_json{{"now", line}}.dump(
@@ -55,7 +57,7 @@ ExitCode tellWhy(const Context& context, const Options& options)
                            << '\n';
         else
             context.output << "now: " << line << '\n';
-    return ExitCode::Healthy;
+    return isThere && (!facts || facts->storeTrouble.empty()) ? ExitCode::Healthy : ExitCode::Unreadable;
 }
 
 } // namespace
