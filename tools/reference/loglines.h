@@ -25,7 +25,7 @@ struct LogHelper {
 };
 using LogHelpers = std::map<std::string, LogHelper, std::less<>>;
 
-/// Those of a source, beside the ones that are known already.
+/// Those of a source, beside the ones that are known already; each may use those above it.
 void findHelpers(Tokens source, LogHelpers& known);
 
 /// All lines of a source that have a text of their own, each once and in its order; then its other texts of several

@@ -27,7 +27,7 @@ struct Scanned {
     std::vector<Token> tokens;
 };
 
-/// What a source may mean by a name: its own constants, else those of its unit's headers.
+/// What a source may mean by a name: its own constants and those of its unit's headers.
 class UnitConstants {
 public:
     explicit UnitConstants(const std::vector<Scanned>& all)
@@ -53,10 +53,7 @@ private:
 LogHelpers helpersOf(const Scanned& one)
 {
     LogHelpers helpers = {{"succeeded", {1, "error"}}};
-    for (std::size_t count = 0; count != helpers.size();) {
-        count = helpers.size();
-        findHelpers(one.tokens, helpers);
-    }
+    findHelpers(one.tokens, helpers);
     return helpers;
 }
 

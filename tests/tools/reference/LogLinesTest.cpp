@@ -40,8 +40,8 @@ TEST(LogLines, areFoundInEachFormOfAStatement)
             "error: a <time><lastError><p><kind><o><list><i + 1><exception>\n"},
         {"choice", R"(LogStream(Level::Info) << "it " << (on ? "is" : other);)", "info: it (is|<other>)\n"},
         {"constant", R"(constexpr auto what = "was it"; const int most = 3'600; constexpr int few = 7;
-                LogStream(Level::Debug) << what << most << few;)",
-            "debug: was it<most>7\n"},
+                auto now = "no"; LogStream(Level::Debug) << what << most << few << now;)",
+            "debug: was it<most>7<now>\n"},
         {"several constants", R"(struct A { static constexpr const char* t = "an a"; };
                 struct B { static constexpr const char* t = "a b"; }; LogStream(Level::Info) << Kind::t << '.';)",
             "info: an a.\ninfo: a b.\n"},
@@ -54,9 +54,10 @@ TEST(LogLines, areFoundInEachFormOfAStatement)
             "debug: name: <name>, static_cast<int>( kind): <kind>\ndebug: url: <url>, file: <file>\n"},
         {"formats", R"(constexpr int bad = 2; log(bad, L"was %08X of %s\n", code, text.c_str());)",
             "error: was <code> of <text>\n"},
-        {"exceptions", R"(VX_THROW(E, L"one " + a); VX_THROW_WIN32(GetLastError(), L"two"); throw x::E("three");
+        {"exceptions",
+            R"(VX_THROW(E, L"one " + a); VX_THROW_WIN32(GetLastError(), L"two"); throw x::E(std::string("three ") + a);
                 VX_THROW_AS(E, L"f", 1, L"four");)",
-            "exception: one <a>\nexception: two\nexception: three\nexception: four\n"},
+            "exception: one <a>\nexception: two\nexception: three <a>\nexception: four\n"},
         {"helpers", R"(bool ok(long r, std::string_view m) noexcept { LogStream(Level::Error) << m << r; }
                 bool put(int p, std::string_view failure) { return ok(p, failure); } void f() { put(1, "no put "); })",
             "error: no put <result>\n"},
