@@ -104,7 +104,7 @@ endfunction()
 # A GoogleTest program; INSIDE names the sdk units whose own headers it includes; each case is a ctest test. Without NATIVE it is made in the product flavour
 # only. SERIAL: it uses the product's fixed system names (events, mutexes, registry keys), so no other
 # SERIAL test runs beside it. REAL_LOG: links the real logger instead of the one that captures lines. AT_TOP: it runs in
-# the project's folder, where it finds pages by a path that is no machine's own.
+# the project's folder, where it finds pages and sources by paths that are no machine's own.
 function(tarnhd_test name)
     cmake_parse_arguments(arg "NATIVE;SERIAL;REAL_LOG;AT_TOP" "" "SOURCES;LINKS;INSIDE" ${ARGN})
     if(NOT WIN32 AND NOT arg_NATIVE)

@@ -14,7 +14,7 @@ usage: ./run COMMAND [ARGS]
   bench [ARGS]       build and run the benchmarks, pinned to one core
   fuzz [SECONDS]     run every fuzz target for that long (60), from its inputs and what it found before
   lint               check the format, what the pages quote, and run the static checks
-  docs               make docs/keys.md anew from the table of keys
+  docs               make docs/keys.md and docs/reference anew from the code
   package            make the archives to hand out: build/tarnhd-VERSION-*.zip and their checksums
        [--sign FILE.p12]  sign library and programs; the password is PACKAGE_SIGN_PASSWORD's or asked for
   host -- ARGS       run the console host under Wine: ./run host -- --help
@@ -246,10 +246,10 @@ command_lint() {
 }
 
 command_docs() {
-    build_flavour product keyspage
+    build_flavour product referencepages
     wine_start
     cd "$project" || exit 1
-    wine_command wine build/product/bin/keyspage.exe docs/keys.md || die "docs/keys.md can't be written"
+    wine_command wine build/product/bin/referencepages.exe || die "the pages can't be written"
 }
 
 command_clean() {

@@ -12,13 +12,13 @@ namespace devhost::host {
 
 namespace {
 
-constexpr auto footer = R"(Exit codes:
-  0  done
-  1  failed
-  2  bad usage
-  3  no host of this instance is running, or the store is unreachable
-  4  time-out
-  5  a host of this instance is already running)";
+std::string exitCodes()
+{
+    std::string text = "Exit codes:";
+    for (int code = 0; const char* words = wordsOf(static_cast<ExitCode>(code)); ++code)
+        text += "\n  " + std::to_string(code) + "  " + words;
+    return text;
+}
 
 /// What all commands share of the command line.
 struct SharedOptions {
@@ -28,7 +28,7 @@ struct SharedOptions {
 
 void describe(CLI::App& app, SharedOptions& shared)
 {
-    app.footer(footer);
+    app.footer(exitCodes());
     app.add_option("--instance", shared.instance, "which host and store; one host runs per instance")
         ->envname("TARNHD_INSTANCE")
         ->capture_default_str();

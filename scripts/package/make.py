@@ -27,7 +27,7 @@ PAGES = ("README.md", "ARCHITECTURE.md", "docs", "tools/tarnctl/lnav")
 # What a host's engineer includes; what these include comes along.
 HOST_HEADERS = ("qrl-plugin/hostrecords.h",)
 # What is of no use on another machine: figures are taken beside the build's own, and pages are made for the sources.
-STAYS = re.compile(r"bench-|keyspage")
+STAYS = re.compile(r"bench-|referencepages")
 
 
 def run(*command, **options):
@@ -170,7 +170,6 @@ class Packaging:
                 text = with_all_tests(text, self.programs)
             (folder / path.name).write_text(text, newline="\r\n")
         components.write_licences(components.LINKED_FOR_CHECKS, folder / "licences")
-        copy_pages(["docs/keys.md"], folder)
 
     def write(self):
         archives = []

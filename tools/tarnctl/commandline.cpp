@@ -12,11 +12,13 @@ constexpr auto description =
     R"(tarnctl: looks at the patch management plug-in of this machine, and explains. It changes nothing: it writes no key,
 holds no lock of the plug-in, and is in nobody's way.)";
 
-constexpr auto footer = R"(Exit codes:
-  0  healthy, or what was asked for was given
-  1  findings
-  2  bad usage
-  3  something could not be read)";
+std::string exitCodes()
+{
+    std::string text = "Exit codes:";
+    for (int code = 0; const char* words = wordsOf(static_cast<ExitCode>(code)); ++code)
+        text += "\n  " + std::to_string(code) + "  " + words;
+    return text;
+}
 
 } // namespace
 
@@ -31,7 +33,7 @@ int runCommandLine(const std::vector<std::string>& arguments, const std::vector<
     CLI::App app(description, "tarnctl");
     Context context{output};
     Action chosen;
-    app.footer(footer);
+    app.footer(exitCodes());
     app.add_flag("--json", context.json, "print one JSON object per line");
     app.require_subcommand(0, 1);
     app.fallthrough();

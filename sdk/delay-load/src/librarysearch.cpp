@@ -36,8 +36,8 @@ std::wstring beside(const std::wstring& executable, const std::wstring& name)
 std::wstring registryKey(std::uint32_t component)
 {
     if (component == 0)
-        return L"Software\\Lindhaven\\Vantorix\\Delay Loading";
-    return L"Software\\Vantorix\\QRL\\Delay Loading\\" + std::to_wstring(component);
+        return unnumberedLibrariesKey;
+    return librariesKey + (L'\\' + std::to_wstring(component));
 }
 
 Module withDependencies(ILoader& loader, const LoadContext& context, Module module)

@@ -38,10 +38,10 @@ bool FileContext::open()
     // Set first: a failure below leaves a log without a file, not one that tries again at each record.
     m_initialised = true;
     const Configuration configuration(m_name1, m_name2);
-    m_rotateCount = std::min<unsigned>(configuration.number(L"LogRotateCount").value_or(2), mostRotatedFiles);
-    m_maxSize = std::max<unsigned>(configuration.number(L"LogMaxSizeKB").value_or(100) * 1024, smallestMaxSize);
-    m_logLevel = configuration.number(L"LogLevel");
-    m_debugOutput = configuration.number(L"DebugOutputLogging").value_or(0) != 0;
+    m_rotateCount = std::min<unsigned>(configuration.number(rotateCountValue).value_or(2), mostRotatedFiles);
+    m_maxSize = std::max<unsigned>(configuration.number(maxSizeValue).value_or(100) * 1024, smallestMaxSize);
+    m_logLevel = configuration.number(logLevelValue);
+    m_debugOutput = configuration.number(debugOutputValue).value_or(0) != 0;
     try {
         place();
     } catch (...) {
@@ -162,7 +162,7 @@ void FileContext::deleteFile(const std::wstring& path)
 
 std::wstring FileContext::mutexName(bool local) const
 {
-    std::wstring name = (local ? L"Local\\VxQrlLogging_" : L"Global\\VxQrlLogging_") + m_fileBase;
+    std::wstring name = (local ? localMutexPrefix : mutexPrefix) + m_fileBase;
     std::replace(name.begin() + mutexPathStart, name.end(), L'\\', L'_');
     return name;
 }

@@ -8,8 +8,6 @@ namespace VxQrlLogging {
 
 namespace {
 
-constexpr const wchar_t* shellFolders = L"SOFTWARE\\Microsoft\\Windows\\CurrentVersion\\Explorer\\Shell Folders";
-
 std::wstring expand(const wchar_t* text)
 {
     const DWORD size = ExpandEnvironmentStringsW(text, nullptr, 0);
@@ -26,7 +24,7 @@ std::wstring expand(const wchar_t* text)
 
 std::wstring configuredRoot(HKEY hive, const wchar_t* folder, const wchar_t* variable)
 {
-    std::wstring root = registryText(hive, loggingKey, KEY_QUERY_VALUE | KEY_WOW64_32KEY, L"RootPath");
+    std::wstring root = registryText(hive, loggingKey, KEY_QUERY_VALUE | KEY_WOW64_32KEY, rootPathValue);
     if (root.empty())
         root = registryText(hive, shellFolders, KEY_QUERY_VALUE, folder);
     if (root.empty())
@@ -37,11 +35,11 @@ std::wstring configuredRoot(HKEY hive, const wchar_t* folder, const wchar_t* var
 std::wstring rootOf(Location location)
 {
     switch (location) {
-    case Location::Machine: return configuredRoot(HKEY_LOCAL_MACHINE, L"Common AppData", L"%ProgramData%");
-    case Location::User: return configuredRoot(HKEY_CURRENT_USER, L"Local AppData", L"%LOCALAPPDATA%");
+    case Location::Machine: return configuredRoot(HKEY_LOCAL_MACHINE, machineFolderValue, L"%ProgramData%");
+    case Location::User: return configuredRoot(HKEY_CURRENT_USER, userFolderValue, L"%LOCALAPPDATA%");
     case Location::LowIntegrity: break;
     }
-    return registryText(HKEY_CURRENT_USER, shellFolders, KEY_QUERY_VALUE, L"{A520A1A4-1780-4FF6-BD18-167343C5AF16}");
+    return registryText(HKEY_CURRENT_USER, shellFolders, KEY_QUERY_VALUE, lowIntegrityFolderValue);
 }
 
 } // namespace

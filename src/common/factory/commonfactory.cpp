@@ -27,6 +27,7 @@
 #include "common/timeout/expbackofftimeout.h"
 #include "common/updaterlauncher/updaterlauncher.h"
 #include "common/usersessions/usersessions.h"
+#include "common/utils/objectnames.h"
 #include "common/windowsupdates/automaticupdatesdriver.h"
 #include "common/windowsupdates/grouppolicy.h"
 #include "common/windowsupdates/grouppolicydriver.h"
@@ -45,9 +46,6 @@
 namespace vx::tarn::common {
 
 namespace {
-
-// The agent takes the same one: the queue is read, changed and written back as a whole.
-constexpr wchar_t deploymentQueueMutex[] = L"TARN - DEPLOYMENT QUEUE - {D8AFE2BA-BD53-4D73-81D7-C8EF0DC5E27E}";
 
 // Two layers, as a store that is away for a while must not stop the plug-in: the cache answers and keeps what it is to
 // write until the store is back.
@@ -239,7 +237,7 @@ std::shared_ptr<IDeploymentQueue> CommonFactory::createDeploymentQueue()
 std::shared_ptr<IDeploymentQueue> CommonFactory::createDeploymentQueue(std::shared_ptr<settings::Settings> settings)
 {
     return std::make_shared<DeploymentQueue>(
-        std::move(settings), std::make_shared<sync::GlobalMutex>(deploymentQueueMutex, true, m_stopEvent));
+        std::move(settings), std::make_shared<sync::GlobalMutex>(deploymentQueueMutexName, true, m_stopEvent));
 }
 
 } // namespace vx::tarn::common

@@ -3,6 +3,7 @@
 #include "common/process/iprocess.h"
 #include "common/reboot/restartarguments.h"
 #include "common/usersessions/iusersessions.h"
+#include "common/utils/productplaces.h"
 #include "vxtl-process/process/credentials.h"
 #include "vxtl-process/process/redirect.h"
 #include "vxtl/guarded.h"
@@ -19,8 +20,6 @@ using logging::LogStream;
 
 namespace {
 
-constexpr wchar_t restartKey[] = L"HKEY_LOCAL_MACHINE\\SOFTWARE\\Vantorix\\Unitide";
-
 constexpr std::string_view failure = "Failed to trigger reboot through VX restart: ";
 
 } // namespace
@@ -36,7 +35,7 @@ bool VxRestart::getExecutable(std::wstring& executable, std::wstring& arguments)
     VX_LOG_SCOPE();
     return guarded("Failed to get executable params: ", [&] {
         const auto& settings = m_tarnpatchSettings.installation.reboot;
-        executable = m_registry->openKey(restartKey)->getStringValue(L"RestartCommand");
+        executable = m_registry->openKey(suiteKey)->getStringValue(restartCommand);
         const std::chrono::seconds forceTime = settings.forcedDelay();
         const std::int64_t forceAt = restartForceTime(m_now(), forceTime);
         arguments = restartArguments(settings.postponeFor(), forceAt);

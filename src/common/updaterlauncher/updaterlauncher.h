@@ -2,6 +2,7 @@
 
 #include "common/event/event.h"
 #include "common/updaterlauncher/iupdaterlauncher.h"
+#include "common/utils/objectnames.h"
 #include "vxtl/globalmutex.h"
 
 #include <chrono>
@@ -13,8 +14,8 @@ namespace vx::tarn::common {
 
 /// Names and times of a launcher; the defaults are the product's.
 struct UpdaterLauncherOptions {
-    std::wstring mutexName = L"Global\\ScanMutex{450C4D2D-AE20-440a-9AAA-F770900831AD}";
-    std::wstring eventName = L"Global\\ScanEvent{450C4D2D-AE20-440a-9AAA-F770900831AD}";
+    std::wstring mutexName = startMutexName;
+    std::wstring eventName = startEventName;
     std::chrono::milliseconds openTimeout = std::chrono::seconds(60);
     std::chrono::milliseconds openPause = std::chrono::milliseconds(100);
 };

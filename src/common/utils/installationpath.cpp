@@ -1,5 +1,6 @@
 #include "common/utils/folders.h"
 
+#include "common/utils/productplaces.h"
 #include "vxtl/guarded.h"
 #include "vxtl/registry.h"
 
@@ -12,10 +13,8 @@ std::wstring getInstallationPath(const std::shared_ptr<registry::Registry>& regi
         return {};
     }
     std::wstring path;
-    guarded("Failed to get installation path. Exception caught: ", [&] {
-        path = registry->openKey(L"HKEY_LOCAL_MACHINE\\Software\\Vantorix\\tarn")
-                   ->getStringValue(L"InstallationDirectory");
-    });
+    guarded("Failed to get installation path. Exception caught: ",
+        [&] { path = registry->openKey(installationKey)->getStringValue(installationDirectory); });
     return path;
 }
 

@@ -1,5 +1,6 @@
 #include "tarnhd/autoinstallation/autoinstallation.h"
 
+#include "common/utils/productplaces.h"
 #include "tarnhd/autoinstallation/schedule.h"
 #include "tarnhd/scheduler/scheduler.h"
 #include "tarnhd/scheduler/task.h"
@@ -25,8 +26,8 @@ namespace {
 
 std::wstring agentPath(const registry::Registry& registry)
 {
-    const auto key = registry.openKey(L"HKEY_LOCAL_MACHINE\\Software\\Vantorix\\tarn");
-    return (std::filesystem::path(key->getStringValue(L"InstallationDirectory")) / L"tarnag.exe").wstring();
+    const auto key = registry.openKey(common::installationKey);
+    return (std::filesystem::path(key->getStringValue(common::installationDirectory)) / L"tarnag.exe").wstring();
 }
 
 std::shared_ptr<Trigger> makeDailyTrigger(Ticks now)

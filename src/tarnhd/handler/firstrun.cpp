@@ -4,6 +4,7 @@
 #include "common/globalatom/iglobalatom.h"
 #include "common/settings/tarnpatchsettings.h"
 #include "common/settings/tarnpatchstatus.h"
+#include "common/utils/objectnames.h"
 #include "logging/logstream.h"
 #include "tarnhd/actions/startupautoscan.h"
 #include "tarnhd/actions/startupdeploywatchdog.h"
@@ -15,12 +16,6 @@ namespace vx::tarn {
 using logging::Level;
 using logging::LogStream;
 
-namespace {
-
-constexpr wchar_t postRebootAtom[] = L"Global\\PostRebootATOM{894D1810-89A9-4363-A8C5-9F429B518809}";
-
-} // namespace
-
 FirstRun::FirstRun(common::CommonFactory& commonFactory, const TarnpatchSettings& settings,
     const TarnpatchStatus& status, ActionScheduler& scheduler, WUSStopper& wusStopper)
     : m_commonFactory(commonFactory), m_settings(settings), m_status(status), m_scheduler(scheduler),
@@ -31,7 +26,7 @@ void FirstRun::process()
 {
     // The log knows it as the handler's.
     const logging::LogScope scope("vx::tarn::TarnHandler::processFirstRun");
-    const auto atom = m_commonFactory.createGlobalAtom(postRebootAtom);
+    const auto atom = m_commonFactory.createGlobalAtom(common::postRebootAtomName);
     if (atom->exists())
         return;
     LogStream(Level::Info) << "It's a first run after reboot.";

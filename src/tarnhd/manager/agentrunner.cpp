@@ -4,6 +4,7 @@
 #include "common/exitstatus/exitstatus.h"
 #include "common/factory/commonfactory.h"
 #include "common/process/iprocess.h"
+#include "common/utils/productplaces.h"
 #include "vxtl-process/process/credentials.h"
 #include "vxtl/exception.h"
 #include "vxtl/guarded.h"
@@ -19,8 +20,6 @@ using logging::Level;
 using logging::LogStream;
 
 namespace {
-
-constexpr auto installationKey = L"HKEY_LOCAL_MACHINE\\Software\\Vantorix\\tarn";
 
 class WaitableHandle : public IWaitable {
 public:
@@ -143,8 +142,8 @@ AgentRunner::Result AgentRunner::runAgent(AgentStartReason reason, common::Event
 
 bool AgentRunner::startProcess(common::IProcess& process, const std::wstring& args)
 {
-    const auto key = m_commonFactory->createRegistry()->openKey(installationKey);
-    const std::wstring directory = key->getStringValue(L"InstallationDirectory");
+    const auto key = m_commonFactory->createRegistry()->openKey(common::installationKey);
+    const std::wstring directory = key->getStringValue(common::installationDirectory);
     const std::wstring path = (std::filesystem::path(directory) / L"tarnag.exe").wstring();
     LogStream(Level::Info) << "Starting process " << path << ". Arguments: " << args;
     return process.start(path, args, process::Credentials{});

@@ -2,6 +2,7 @@
 
 #include "common/event/event.h"
 #include "common/factory/commonfactory.h"
+#include "common/utils/objectnames.h"
 #include "tarnhd/manager/agentrunner.h"
 #include "tarnhd/threads/pinnedthread.h"
 #include "vxtl/globalmutex.h"
@@ -14,18 +15,12 @@ namespace vx::tarn {
 using logging::Level;
 using logging::LogStream;
 
-namespace {
-
-constexpr auto startEventName = L"Global\\ScanEvent{450C4D2D-AE20-440a-9AAA-F770900831AD}";
-
-} // namespace
-
 TarnpatchManager::TarnpatchManager(const std::shared_ptr<settings::Settings>& settings,
     common::CommonFactory* commonFactory, std::chrono::milliseconds retryPause, std::chrono::milliseconds stopTimeout,
     WallClock now)
     : m_commonFactory(commonFactory), m_settings(settings), m_status(settings),
-      m_startEvent(
-          commonFactory->createEvent(false, false, startEventName, false, sync::accessibleSecurityDescriptor())),
+      m_startEvent(commonFactory->createEvent(
+          false, false, common::startEventName, false, sync::accessibleSecurityDescriptor())),
       m_stopEvent(createStopEvent()), m_runner(std::make_shared<AgentRunner>(m_settings, m_status, commonFactory,
                                           m_startEvent, retryPause, std::move(now))),
       m_stopTimeout(stopTimeout)

@@ -19,7 +19,6 @@ using logging::LogStream;
 namespace {
 
 constexpr wchar_t serviceName[] = L"wuauserv";
-constexpr wchar_t watchedKey[] = L"Software\\Vantorix";
 
 bool isSet(const common::Event& event)
 {

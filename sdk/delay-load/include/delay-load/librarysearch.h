@@ -8,6 +8,11 @@
 
 namespace vx::delayload {
 
+/// Where the machine's hive says which file is the library that a value is named after; the component's number follows.
+inline constexpr wchar_t librariesKey[] = L"Software\\Vantorix\\QRL\\Delay Loading";
+/// The same for component 0.
+inline constexpr wchar_t unnumberedLibrariesKey[] = L"Software\\Lindhaven\\Vantorix\\Delay Loading";
+
 /// How libraries are looked for.
 struct LoadContext {
     std::wstring directory; ///< searched first; empty for none

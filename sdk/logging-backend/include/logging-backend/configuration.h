@@ -11,6 +11,12 @@ namespace VxQrlLogging {
 
 /// The logger's key, below the machine's or the user's hive, in the 32-bit view.
 inline constexpr const wchar_t* loggingKey = L"SOFTWARE\\Vantorix\\QRL\\Logging";
+/// Its values: 32-bit numbers, and a text for the folder of all logs.
+inline constexpr const wchar_t* logLevelValue = L"LogLevel";
+inline constexpr const wchar_t* maxSizeValue = L"LogMaxSizeKB";
+inline constexpr const wchar_t* rotateCountValue = L"LogRotateCount";
+inline constexpr const wchar_t* debugOutputValue = L"DebugOutputLogging";
+inline constexpr const wchar_t* rootPathValue = L"RootPath";
 
 /// A text value; empty when there is none. `access` is what the key is opened with.
 std::wstring registryText(HKEY__* hive, const wchar_t* key, unsigned long access, const wchar_t* value);

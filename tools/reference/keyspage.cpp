@@ -1,4 +1,4 @@
-#include "keyspage/keyspage.h"
+#include "reference/keyspage.h"
 
 #include "common/settings/keylist.h"
 #include "vxtl/str.h"
