@@ -1,5 +1,7 @@
 #include "tarnctl/commandline.h"
 
+#include "tarnctl/health/gather.h"
+
 #include <ostream>
 
 namespace tarnctl {
@@ -21,7 +23,7 @@ constexpr auto footer = R"(Exit codes:
 int runCommandLine(const std::vector<std::string>& arguments, const std::vector<AddCommand>& commands,
     std::ostream& output, std::ostream& errors)
 {
-    const auto fail = [&](ExitCode code, const char* line) {
+    const auto fail = [&](ExitCode code, const std::string& line) {
         output.flush();
         errors << "tarnctl: " << line << std::endl;
         return static_cast<int>(code);
@@ -47,7 +49,7 @@ int runCommandLine(const std::vector<std::string>& arguments, const std::vector<
     } catch (const CommandError& error) {
         return fail(error.code(), error.what());
     } catch (const std::exception& exception) {
-        return fail(ExitCode::Unreadable, exception.what());
+        return fail(ExitCode::Unreadable, health::textOf(exception));
     }
 }
 

@@ -5,6 +5,7 @@
 #include "tarnctl/health/gather.h"
 #include "tarnctl/health/machinefacts.h"
 #include "tarnctl/health/storefacts.h"
+#include "tarnctl/store.h"
 #include "vxtl/clock.h"
 #include "vxtl/comutils.h"
 
@@ -12,13 +13,11 @@ namespace tarnctl::health {
 
 namespace {
 
-/// Without the plug-in's cache, which would answer for a store that is away. Null when the store can't be reached,
-/// which is noted.
+/// Null when the store can't be reached, which is noted.
 std::shared_ptr<vx::settings::Settings> openStore(Facts& facts)
 {
     try {
-        return std::make_shared<vx::settings::Settings>(
-            std::make_shared<vx::meridia::SettingsApi>(L"safe", L"S-1-5-18", L"Vantorix Tarnpatch Observer"));
+        return std::make_shared<vx::settings::Settings>(tarnctl::openStore());
     } catch (const std::exception& exception) {
         noteStoreTrouble(textOf(exception), facts);
         return nullptr;

@@ -38,8 +38,8 @@ ExitCode tellWhy(const Context& context, const Options& options)
     reader.read(sink);
     reader.finish(sink);
     const auto explanations = explain(story, options.subject, options.last);
-    const auto now =
-        options.file.empty() ? conditions(health::gatherFacts(), options.subject) : std::vector<std::string>();
+    const auto facts = options.file.empty() ? health::gatherFacts() : health::Facts();
+    const auto now = options.file.empty() ? conditions(facts, options.subject) : std::vector<std::string>();
     for (const auto& [lines, object] : explanations)
         if (context.json)
             context.output << object.dump(-1, ' ', false, nlohmann::json::error_handler_t::replace) << '\n';
@@ -55,7 +55,7 @@ ExitCode tellWhy(const Context& context, const Options& options)
                            << '\n';
         else
             context.output << "now: " << line << '\n';
-    return ExitCode::Healthy;
+    return facts.storeTrouble.empty() ? ExitCode::Healthy : ExitCode::Unreadable;
 }
 
 } // namespace
