@@ -67,9 +67,19 @@ public:
     bool isSame(const File& other) const { return m_number == other.m_number; }
     bool isAt(const Position& position) const
     {
-        return m_number == position.number && readHead().starts_with(position.head);
+        const auto head = readHead();
+        // The shorter one is of a file that has shrunk to less since.
+        return m_number == position.number && (head.starts_with(position.head) || position.head.starts_with(head));
     }
-    void seek(const Position& position) { m_offset = position.offset; }
+    /// False, and at the beginning, when the file has shrunk to less than that.
+    bool seek(const Position& position)
+    {
+        LARGE_INTEGER size{};
+        GetFileSizeEx(m_handle.get(), &size);
+        const bool isThere = position.offset <= static_cast<std::uint64_t>(size.QuadPart);
+        m_offset = isThere ? position.offset : 0;
+        return isThere;
+    }
     Position position() const { return {m_number, readHead(), m_offset}; }
 
     /// What was appended since the last call. Empty at the end, also at one that has come closer since.
@@ -96,7 +106,11 @@ private:
         OVERLAPPED place{};
         place.Offset = static_cast<DWORD>(offset);
         place.OffsetHigh = static_cast<DWORD>(offset >> 32);
-        return ReadFile(m_handle.get(), buffer, size, &got, &place) ? got : 0;
+        if (ReadFile(m_handle.get(), buffer, size, &got, &place))
+            return got;
+        if (const auto code = GetLastError(); code != ERROR_HANDLE_EOF)
+            VX_THROW_WIN32(code, L"cannot read on: " + systemText(code));
+        return 0;
     }
 
     std::string readHead() const
@@ -157,7 +171,8 @@ std::unique_ptr<LogReader::File> LogReader::reopen(const LineSplitter::Sink& sin
     for (unsigned index = 0; index <= highestIndex; ++index) {
         auto file = File::open(fileName(m_current, index));
         if (file && file->isAt(*m_position)) {
-            file->seek(*m_position);
+            if (!file->seek(*m_position))
+                m_splitter.finish(sink);
             return file;
         }
     }

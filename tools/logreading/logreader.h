@@ -13,8 +13,9 @@ std::filesystem::path logLocation();
 
 /// Reads a rotated UTF-16 log that other programs write: NAME.log is the current file, NAME.1.log the one
 /// before it, and so on. Each call continues where the last one ended, through any number of rotations, so
-/// that no line is lost or told twice as long as its file still exists. Files are opened with full sharing and none
-/// is held between the calls, so it is not in the writers' way. Memory does not grow with the log. One thread.
+/// that no line is lost or told twice as long as its file still exists; one that has shrunk to less than what was read
+/// is told from its beginning. Files are opened with full sharing and none is held between the calls, so it is not in
+/// the writers' way. Memory does not grow with the log. One thread.
 class LogReader {
 public:
     /// `file` is the current file; it need not exist yet.
