@@ -30,13 +30,14 @@ std::string_view partOfPage(std::string_view from, std::string_view to)
     return page.substr(begin, to.empty() ? std::string_view::npos : page.find(to) - begin);
 }
 
-/// Within the data's element no "<" may stand; the page puts it back.
+/// Within the data's element no "<" may stand; the page puts it back. A browser takes a carriage return for the end of
+/// a line.
 void writeText(std::ostream& stream, std::string_view text)
 {
     const auto put = [&](std::string_view part) {
         stream.rdbuf()->sputn(part.data(), static_cast<std::streamsize>(part.size()));
     };
-    const auto next = [&] { return std::min(text.find('<'), text.find('\x01')); };
+    const auto next = [&] { return std::min({text.find('<'), text.find('\x01'), text.find('\r')}); };
     for (auto place = next(); place != std::string_view::npos; place = next()) {
         put(text.substr(0, place));
         put(text[place] == '<' ? "\x01" : " ");
