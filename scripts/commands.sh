@@ -1,6 +1,8 @@
 # Sourced by ./run: one function per command.
 
 flavours=(product asan tsan fuzz)
+# Opens the pages that tarnctl writes. Of Debian's browsers the one without windows and what these need.
+browser_package=chromium-headless-shell
 
 command_help() {
     cat <<'END'
@@ -91,7 +93,7 @@ command_test() {
     for flavour in fuzz asan tsan product; do
         [[ " ${selected[*]} " == *" $flavour "* ]] || continue
         if [ "$flavour" = product ]; then
-            install_packages "${package_packages[@]}" osslsigncode
+            install_packages "${package_packages[@]}" osslsigncode "$browser_package"
             trap 'servers_stop; wine_stop' EXIT
             servers_start
             wine_start
@@ -148,7 +150,7 @@ command_gdb() {
 # Client, server and program share one core, or the figures swing with the scheduler's mood.
 command_bench() {
     local name
-    install_packages python3
+    install_packages python3 "$browser_package"
     build_flavour product all
     (
         taskset -cp "$(($(nproc) - 1))" "$BASHPID" >/dev/null
@@ -164,7 +166,12 @@ command_bench() {
             say "${name%.exe}"
             sync # what the one before has written is not to be written under this one
             command_wine "./$name" || failed=1
-            [ "$name" != bench-plugin.exe ] || python3 "$project/scripts/unitsizes.py" tarnhd.dll.map
+            case $name in
+                bench-plugin.exe) python3 "$project/scripts/unitsizes.py" tarnhd.dll.map ;;
+                bench-logreading.exe)
+                    python3 "$project/bench/logreading/pageopening.py" tarnctl.exe "$project/run" wine || failed=1
+                    ;;
+            esac
         done
         exit "${failed:-0}"
     ) || die "a figure is out of reach; see NO above"

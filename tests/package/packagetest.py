@@ -1,5 +1,7 @@
 #!/usr/bin/env python3
-"""Tests of scripts/package on a finished build: packagetest.py BUILD."""
+"""Tests of scripts/package on a finished build: packagetest.py BUILD [RUNNER...].
+
+RUNNER is what runs a program of Windows here."""
 import json
 import os
 import pathlib
@@ -20,13 +22,14 @@ import components  # noqa: E402
 import make  # noqa: E402
 
 EPOCH = 1_700_000_000
-BUILD = pathlib.Path(sys.argv.pop()).resolve()
+BUILD, RUNNER = pathlib.Path(sys.argv[1]).resolve(), sys.argv[2:]
 WINE = BUILD.parent / "wine-prefix"
 
 
 class PackageTest(unittest.TestCase):
     def setUp(self):
-        folder = tempfile.TemporaryDirectory()
+        # Not in the folder for temporary files, which the programs may not see.
+        folder = tempfile.TemporaryDirectory(dir=BUILD)
         self.addCleanup(folder.cleanup)
         self.folder = pathlib.Path(folder.name)
 
@@ -88,6 +91,29 @@ class PackageTest(unittest.TestCase):
         self.assertIn(f"```cpp\n{host}```\n", guide)
         command = re.search(r"^i686-w64-mingw32-g\+\+.*", guide, re.MULTILINE)[0].split()
         subprocess.run([*command, "-Wall", "-Wextra", "-Werror"], cwd=folder, check=True)
+
+    def test_its_tarnctl_serves_in_an_empty_folder(self):
+        """Without the host's library anywhere near."""
+        tarnctl = self.one(self.product("out"), "tarnhd-*-win32/bin/tarnctl.exe")
+        empty = self.folder / "an empty folder"
+        empty.mkdir()
+        (empty / "t.log").write_bytes("2026-11-22 10:00:00.000 [0010.0001]  I: one\r\n".encode("utf-16"))
+        rows = {
+            ("--help",): (0, "usage: tarnctl"),
+            ("codes",): (0, "8  Internal error; Resource already exists."),
+            ("log", "--file", "t.log", "--grep", "one"): (0, "[0010.0001]  I: one"),
+            ("log", "--file", "u.log"): (3, "tarnctl: there is no log "),
+            ("--json", "keys"): (3, '"trouble":"the store can\'t be reached"'),
+            ("proxy", "http://server/"): (3, "tarnctl: the settings can't be read: "),
+            ("log", "--since", "then"): (2, "tarnctl: --since takes a time"),
+            ("bundle", "b.cab"): (0, "wrote b.cab"),
+        }
+        for arguments, (code, text) in rows.items():
+            with self.subTest(arguments):
+                done = subprocess.run([*RUNNER, str(tarnctl), *arguments], cwd=empty, capture_output=True, text=True)
+                self.assertEqual(done.returncode, code, done.stderr)
+                self.assertIn(text.lower(), (done.stdout + done.stderr).lower())
+        self.assertEqual({path.name for path in empty.iterdir()}, {"t.log", "b.cab"})
 
     def test_lists_every_file_and_component(self):
         folder = self.one(self.product("out"), "tarnhd-*-win32/")
@@ -195,4 +221,4 @@ class PackageTest(unittest.TestCase):
 
 
 if __name__ == "__main__":
-    unittest.main()
+    unittest.main(argv=sys.argv[:1])

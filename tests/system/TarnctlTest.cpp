@@ -74,7 +74,7 @@ TEST_F(TarnctlTest, looksWithoutATrace)
     const auto before = logCount("");
     const auto values = client.list();
     for (const char* command :
-        {"health", "keys", "codes", "why scan", "why install", "why reboot", "log --level error"})
+        {"health", "keys", "codes", "why scan", "why install", "why reboot", "log --level error", "proxy http://s/"})
         EXPECT_LT(ask(command).code, 2u) << command;
     EXPECT_EQ(logCount(""), before);
     EXPECT_EQ(client.list(), values);
@@ -91,6 +91,24 @@ TEST_F(TarnctlTest, saysWhatItCouldNotRead)
         EXPECT_EQ(ask(command).code, 3u) << command;
     for (const char* command : {"", "nothing", "log --since yesterday", "log --grep [", "log --thread xyz", "why"})
         EXPECT_EQ(ask(command).code, 2u) << command;
+}
+
+TEST_F(TarnctlTest, findsTheHostsLibraryBesideTheAgent)
+{
+    startStoreAlone();
+    const auto alone = folder.path() / "alone" / "tarnctl.exe";
+    create_directories(alone.parent_path());
+    copy_file(programFolder() / "tarnctl.exe", alone);
+    const auto ask = [&] {
+        const ChildProcess process(alone, L"keys", folder.path());
+        const auto code = process.wait();
+        return std::pair(code, process.errors());
+    };
+    EXPECT_EQ(ask().first, 0u);
+    remove(agentFolder / "vx_qrl_meridia_32.dll");
+    const auto [code, errors] = ask();
+    EXPECT_EQ(code, 3u);
+    EXPECT_THAT(errors, HasSubstr("vx_qrl_meridia_32.dll is nowhere: put tarnctl beside the host's program"));
 }
 
 /// Where a cabinet is unpacked to, and what is in it.

@@ -1,5 +1,7 @@
 #include "logreading/linesplitter.h"
 
+#include "logreading/record.h"
+
 #include <algorithm>
 #include <cstdint>
 #include <cstring>
@@ -10,6 +12,7 @@ namespace logreading {
 namespace {
 
 constexpr char32_t replacement = 0xFFFD;
+constexpr std::string_view replacementText = "\xEF\xBF\xBD";
 constexpr char32_t byteOrderMark = 0xFEFF;
 // Far beyond the longest record: what goes on so long without an end is no log, and is not to fill the memory.
 constexpr std::size_t longestLine = 1'048'576;
@@ -50,7 +53,7 @@ bool isLowSurrogate(char32_t unit)
 
 bool isPlain(const char* unit)
 {
-    return unit[1] == '\0' && static_cast<signed char>(unit[0]) >= 0 && unit[0] != '\n';
+    return unit[1] == '\0' && static_cast<signed char>(unit[0]) > 0 && unit[0] != '\n';
 }
 
 /// Copies UTF-16 up to a line feed or what is no ASCII; gives how many units that were. This runs for each character of
@@ -61,8 +64,9 @@ std::size_t copyPlain(const char* from, std::size_t units, char* to)
     for (; done + 2 <= units; done += 2) {
         std::uint32_t pair;
         std::memcpy(&pair, from + 2 * done, sizeof(pair));
-        // Of ASCII, each half that differs from a line feed carries into its bit 7, and no further.
-        const auto others = ((pair ^ 0x000A'000Au) + 0x007F'007Fu) & 0x0080'0080u;
+        // Of ASCII, each half that is not zero carries into its bit 7, and no further. Neither half may be a line feed
+        // or zero.
+        const auto others = ((pair ^ 0x000A'000Au) + 0x007F'007Fu) & (pair + 0x007F'007Fu) & 0x0080'0080u;
         if ((pair & 0xFF80'FF80u) != 0 || others != 0x0080'0080u)
             break;
         const auto both = static_cast<std::uint16_t>(pair | pair >> 8);
@@ -83,8 +87,11 @@ void appendUtf16(std::string& text, std::string_view bytes)
         } else if (isHighSurrogate(unit) || isLowSurrogate(unit)) {
             unit = replacement;
         }
+        // A machine that goes down may leave thousands of zeros for what was not written any more.
+        if (unit == 0 && text.ends_with(replacementText))
+            continue;
         if (unit != byteOrderMark)
-            append(text, unit);
+            append(text, unit == 0 ? replacement : unit);
     }
 }
 
@@ -125,17 +132,48 @@ void appendUtf8(std::string& text, std::string_view bytes)
     }
 }
 
-/// Where a record's header "2026-" begins at an odd place, behind one that was cut in the middle of a character.
+/// Whether a record's header "2026-" stands there in UTF-16.
+bool isYearAt(std::string_view bytes, std::size_t start)
+{
+    const auto unit = [&](std::size_t index) { return unitAt(bytes, start + 2 * index); };
+    const auto isDigit = [&](std::size_t index) { return unit(index) >= '0' && unit(index) <= '9'; };
+    return start + 2 * 5 <= bytes.size() && isDigit(0) && isDigit(1) && isDigit(2) && isDigit(3) && unit(4) == '-';
+}
+
+/// Where a record's header begins at an odd place, behind one that was cut in the middle of a character.
 std::size_t findShiftedRecord(std::string_view bytes)
 {
-    constexpr std::size_t dateSize = 2 * 5;
-    for (std::size_t start = 1; start + dateSize <= bytes.size(); start += 2) {
-        const auto unit = [&](std::size_t index) { return unitAt(bytes, start + 2 * index); };
-        const auto isDigit = [&](std::size_t index) { return unit(index) >= '0' && unit(index) <= '9'; };
-        if (isDigit(0) && isDigit(1) && isDigit(2) && isDigit(3) && unit(4) == '-')
+    for (std::size_t start = 1; start < bytes.size(); start += 2)
+        if (isYearAt(bytes, start))
             return start;
-    }
     return std::string_view::npos;
+}
+
+/// How many bytes of another program, which wrote no end of a line, stand before the record.
+std::size_t foreignFront(std::string_view bytes, std::size_t zero)
+{
+    constexpr std::size_t markSize = 2;
+    return zero > markSize + 1 && isYearAt(bytes, zero - 1) ? zero - 1 : 0;
+}
+
+/// Where in the line another record begins, as the one before it was cut short; 0 for nowhere.
+std::size_t findNextRecord(std::string_view line)
+{
+    // The bracket is rare in a message.
+    constexpr auto bracket = std::string_view("2026-11-22 10:00:00.000 ").size();
+    for (auto place = line.find('[', bracket + 1); place != std::string_view::npos; place = line.find('[', place + 1))
+        if (parseRecord(line.substr(place - bracket)))
+            return place - bracket;
+    return 0;
+}
+
+void giveRecords(std::string_view line, const LineSplitter::Sink& sink)
+{
+    while (const auto next = findNextRecord(line)) {
+        sink(line.substr(0, next));
+        line.remove_prefix(next);
+    }
+    sink(line);
 }
 
 /// The end of a line in UTF-16 whose bytes have slipped by one.
@@ -194,7 +232,7 @@ std::size_t LineSplitter::takePlainLine(std::string_view bytes, const Sink& sink
     const auto size = copyPlain(bytes.data(), units, m_plain.data());
     if (size == units || bytes[2 * size] != '\n' || bytes[2 * size + 1] != '\0')
         return 0;
-    sink({m_plain.data(), size > 0 && m_plain[size - 1] == '\r' ? size - 1 : size});
+    giveRecords({m_plain.data(), size > 0 && m_plain[size - 1] == '\r' ? size - 1 : size}, sink);
     return 2 * (size + 1);
 }
 
@@ -222,9 +260,14 @@ std::size_t LineSplitter::takeLine(std::string_view bytes, std::size_t from, con
 
 void LineSplitter::give(std::string_view bytes, const Sink& sink)
 {
-    if (bytes.find('\0') == std::string_view::npos) {
+    const auto zero = bytes.find('\0');
+    if (zero == std::string_view::npos) {
         appendUtf8(m_line, bytes);
         return giveLine(sink);
+    }
+    if (const auto front = foreignFront(bytes, zero)) {
+        give(bytes.substr(0, front), sink);
+        bytes.remove_prefix(front);
     }
     const auto shifted = bytes.size() % 2 == 1 ? findShiftedRecord(bytes) : std::string_view::npos;
     appendUtf16(m_line, bytes.substr(0, shifted));
@@ -239,7 +282,7 @@ void LineSplitter::giveLine(const Sink& sink)
 {
     if (m_line.ends_with('\r'))
         m_line.pop_back();
-    sink(m_line);
+    giveRecords(m_line, sink);
     m_line.clear();
 }
 

@@ -9,8 +9,9 @@
 namespace logreading {
 
 /// Cuts the bytes of a log into lines of UTF-8, without their ends. A log is UTF-16, and what else got into it comes
-/// through as well as it can: a line without a zero byte is one of UTF-8 that somebody appended, a record that was cut
-/// in the middle of a character ends where the next one begins, and U+FFFD stands for what is no text. One thread.
+/// through as well as it can: a line without a zero byte is one of UTF-8 that somebody appended, a record that was cut,
+/// be it in the middle of a character, ends where the next one begins, and U+FFFD stands for what is no text, and once
+/// for any number of zeros. One thread.
 class LineSplitter {
 public:
     /// Borrowed for the call.

@@ -3,6 +3,7 @@
 #include "tarnctl/bundle/bundlecommand.h"
 #include "tarnctl/health/healthcommand.h"
 #include "tarnctl/log/logcommand.h"
+#include "tarnctl/proxycommand.h"
 #include "tarnctl/tablescommand.h"
 #include "tarnctl/why/whycommand.h"
 
@@ -10,8 +11,8 @@ namespace tarnctl {
 
 const std::vector<AddCommand>& allCommands()
 {
-    static const std::vector<AddCommand> commands{
-        health::addHealthCommand, why::addWhyCommand, log::addLogCommand, addTablesCommands, bundle::addBundleCommand};
+    static const std::vector<AddCommand> commands{health::addHealthCommand, why::addWhyCommand, log::addLogCommand,
+        addProxyCommand, addTablesCommands, bundle::addBundleCommand};
     return commands;
 }
 

@@ -5,6 +5,7 @@
 #include "meridia-settings/meridiasettingsapi.h"
 #include "settings-api/exceptions.h"
 #include "tarnctl/health/gather.h"
+#include "tarnctl/store.h"
 #include "vxtl/credentials.h"
 
 #include <iomanip>
@@ -69,7 +70,9 @@ ordered_json describe(SettingsApi* store, const KeyInfo& key)
     if (key.kind->unit)
         object["unit"] = key.kind->unit;
     try {
-        if (store && key.kind->type != KeyType::Untold)
+        if (key.kind->type != KeyType::Untold && !store)
+            object["trouble"] = "the store can't be reached";
+        else if (key.kind->type != KeyType::Untold)
             object["value"] = readValue(*store, key);
     } catch (const vx::settings::NotFoundException&) {
         // Not set: the default counts.
@@ -91,7 +94,8 @@ void printKey(std::ostream& output, const ordered_json& key, bool isRead)
     output << std::left << std::setw(82) << key.at("key").get<std::string>() << std::setw(7)
            << key.at("type").get<std::string>();
     if (key.contains("trouble"))
-        output << "can't be read: " << key.at("trouble").get<std::string>();
+        output << "can't be read: " << key.at("trouble").get<std::string>() << "  (default "
+               << textOf(key.at("default")) << ')';
     else if (key.contains("value"))
         output << textOf(key.at("value"))
                << (key.at("value") == key.at("default") ? "" : "  (default " + textOf(key.at("default")) + ")");
@@ -102,10 +106,10 @@ void printKey(std::ostream& output, const ordered_json& key, bool isRead)
 
 ExitCode printKeys(const Context& context)
 {
-    std::unique_ptr<SettingsApi> store;
+    std::shared_ptr<SettingsApi> store;
     std::string trouble;
     try {
-        store = std::make_unique<SettingsApi>(L"safe", L"S-1-5-18", L"Vantorix Tarnpatch Observer");
+        store = openStore();
     } catch (const std::exception& exception) {
         trouble = health::textOf(exception);
     }

@@ -79,9 +79,14 @@ std::optional<std::wstring> SystemLoader::readRegistryText(const std::wstring& k
 
 LoadStatus delayLoadInitialize(std::uint32_t component, const Initializer& initializer, LoadResult& result)
 {
+    return delayLoadInitialize(LoadContext{{}, true, component}, initializer, result);
+}
+
+LoadStatus delayLoadInitialize(const LoadContext& context, const Initializer& initializer, LoadResult& result)
+{
     // Other threads may still bootstrap while the process ends.
     static NoDestructor<Bootstrap> bootstrap(std::make_shared<SystemLoader>());
-    return bootstrap->initialize({{}, true, component}, initializer, result);
+    return bootstrap->initialize(context, initializer, result);
 }
 
 } // namespace vx::delayload

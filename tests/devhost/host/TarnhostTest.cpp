@@ -126,7 +126,8 @@ TEST_F(TarnhostTest, saysWhichWayADownloadWouldGo)
     put(communication.hqProxyUrl, "http://hq");
     EXPECT_EQ(json::parse(say("--json proxy http://server/a")),
         json({{"url", "http://hq/tarn/update?uri=http%3A%2F%2Fserver%2Fa"}, {"use_http_proxy", "user_defined"},
-            {"proxy", nullptr}, {"user", true}, {"password", true}, {"ignores_certificate_errors", true}}));
+            {"proxy", nullptr}, {"user", true}, {"password", true}, {"ignores_certificate_errors", true},
+            {"fault", nullptr}}));
     put(communication.userDefinedProxy, "proxy:99999999999");
     EXPECT_THAT(say("proxy http://server/a", 1), HasSubstr("a download can't begin: stoi argument out of range"));
 }

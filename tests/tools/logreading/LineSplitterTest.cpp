@@ -31,6 +31,8 @@ Lines split(std::string_view bytes, std::size_t chunk)
 
 TEST(LineSplitter, givesTheSameLinesHoweverTheBytesCome)
 {
+    const std::u16string record = u"2026-11-22 10:00:00.000 [0010.0001]  I: ";
+    const std::string narrow(record.begin(), record.end());
     struct {
         const char* trace;
         std::string bytes;
@@ -49,6 +51,12 @@ TEST(LineSplitter, givesTheSameLinesHoweverTheBytesCome)
             {"cut he", "2026-11-22", "next"}},
         {"line feeds that end nothing", std::string("\0\n\1\n\2\n", 6) + wide(u"\nnext\n"),
             {"\u0A00\u0A01\u0A02", "next"}},
+        {"a record cut behind a character", wide(record + u"cut he" + record + u"next\r\n"),
+            {narrow + "cut he", narrow + "next"}},
+        {"zeros of a machine that went down", wide(u"one\r\n") + std::string(1001, '\0') + wide(record + u"\r\n"),
+            {"one", "\uFFFD", narrow}},
+        {"the same, an even number", std::string(1000, '\0') + wide(record + u"\r\n"), {"\uFFFD", narrow}},
+        {"another program's text without an end", "50 %\r" + wide(record + u"\r\n"), {"50 %", narrow}},
         {"half a character at the end", wide(u"one\r\ntwo") + "x", {"one", "two"}},
         {"the end of UTF-8", "one\n", {"one"}},
         {"nothing", "", {}},

@@ -7,6 +7,7 @@
 #include "tarnctl/health/gather.h"
 #include "tarnctl/health/machinefacts.h"
 #include "tarnctl/health/storefacts.h"
+#include "tarnctl/store.h"
 #include "vxtl/clock.h"
 #include "vxtl/comutils.h"
 
@@ -26,13 +27,11 @@ void askStore(const std::shared_ptr<vx::settings::Settings>& store)
     }
 }
 
-/// Without the plug-in's cache, which would answer for a store that is away. Null when the store can't be reached,
-/// which is noted.
+/// Null when the store can't be reached, which is noted.
 std::shared_ptr<vx::settings::Settings> openStore(Facts& facts)
 {
     try {
-        auto store = std::make_shared<vx::settings::Settings>(
-            std::make_shared<vx::meridia::SettingsApi>(L"safe", L"S-1-5-18", L"Vantorix Tarnpatch Observer"));
+        auto store = std::make_shared<vx::settings::Settings>(tarnctl::openStore());
         askStore(store);
         return store;
     } catch (const std::exception& exception) {

@@ -6,7 +6,7 @@ Said checkStore(const Facts& facts)
 {
     if (!facts.storeTrouble.empty())
         return {Grade::Unreadable, facts.storeTrouble,
-            "start the host's store; while it is away requests wait and nothing is lost"};
+            "start the host's store if it is down; while it is away requests wait and nothing is lost"};
     return good("the store answers");
 }
 

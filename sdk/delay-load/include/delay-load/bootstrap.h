@@ -74,6 +74,8 @@ private:
 /// Bootstraps one of the host's libraries by the process-wide rules: no directory of the caller's, the executable's
 /// directory first.
 LoadStatus delayLoadInitialize(std::uint32_t component, const Initializer& initializer, LoadResult& result);
+/// The same by the caller's rules.
+LoadStatus delayLoadInitialize(const LoadContext& context, const Initializer& initializer, LoadResult& result);
 
 /// The number of this program's component.
 inline constexpr std::uint32_t ownComponent = 100;

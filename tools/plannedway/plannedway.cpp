@@ -1,4 +1,4 @@
-#include "host/plannedway.h"
+#include "plannedway/plannedway.h"
 
 #include "common/internetproxy/autoproxydriver.h"
 #include "common/internetproxy/createproxy.h"
@@ -8,8 +8,13 @@
 #include "common/internetproxy/sessiondriver.h"
 #include "common/settings/tarnpatchsettings.h"
 #include "vxtl/credentials.h"
+#include "vxtl/str.h"
 
-namespace devhost::host {
+#include <nlohmann/json.hpp>
+
+namespace plannedway {
+
+using vx::str::toUtf8Lossy;
 
 namespace {
 
@@ -26,6 +31,8 @@ public:
             auto proxy = ProxyInfo::parse(*proxyAddress);
             proxy.user.clear();
             m_way.proxy = proxy.toString(ProxyInfo::Passwords::Hidden);
+            if (proxy.host.empty())
+                m_way.fault = "the proxy's text names no host, or its port is no number";
         }
         return this;
     }
@@ -49,11 +56,35 @@ PlannedWay planWay(const std::shared_ptr<vx::settings::Settings>& settings, cons
     way.url = vx::withoutPasswords(downloadUrl);
     way.strategy = vx::toText(communication.useHttpProxy());
     const auto proxy = createProxy(settings, std::make_shared<Recorder>(way), std::make_shared<AutoProxyDriver>());
-    proxy->openInternetConnection(L"tarnhost", downloadUrl);
+    proxy->openInternetConnection(L"planned way", downloadUrl);
     // What the system is given does not tell any more that it is a piece of a password.
-    if (way.proxy && ProxyInfo::parse(proxy->proxyText()).isHostDoubtful)
+    if (way.proxy && ProxyInfo::parse(proxy->proxyText()).isHostDoubtful) {
         way.proxy = L"<password>";
+        way.fault = "the proxy's password holds an @, and what follows the first one is taken for the host";
+    }
     return way;
 }
 
-} // namespace devhost::host
+std::string describe(const PlannedWay& way)
+{
+    std::string text = toUtf8Lossy(way.url) + "\n  use_http_proxy " + way.strategy + ": ";
+    text += way.proxy ? "through " + toUtf8Lossy(*way.proxy) : "directly, as the system is configured to go";
+    if (way.hasUser)
+        text += ", with a user name";
+    if (way.hasPassword)
+        text += ", with a password";
+    if (way.ignoresCertificateErrors)
+        text += "; certificate errors are ignored";
+    return way.fault.empty() ? text : text + "\n  " + way.fault;
+}
+
+nlohmann::json toJson(const PlannedWay& way)
+{
+    using nlohmann::json;
+    return {{"url", toUtf8Lossy(way.url)}, {"use_http_proxy", way.strategy},
+        {"proxy", way.proxy ? json(toUtf8Lossy(*way.proxy)) : json()}, {"user", way.hasUser},
+        {"password", way.hasPassword}, {"ignores_certificate_errors", way.ignoresCertificateErrors},
+        {"fault", way.fault.empty() ? json() : json(way.fault)}};
+}
+
+} // namespace plannedway
