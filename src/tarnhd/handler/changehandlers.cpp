@@ -12,8 +12,8 @@
 #include "tarnhd/actions/scanonce.h"
 #include "tarnhd/actionscheduler/actionscheduler.h"
 #include "tarnhd/autoinstallation/autoinstallation.h"
-#include "tarnhd/manager/agentstartreason.h"
 #include "tarnhd/manager/tarnpatchmanager.h"
+#include "tarnhd/startreasons/agentstartreason.h"
 #include "tarnhd/subscriptions/subscriptions.h"
 
 #include <functional>
