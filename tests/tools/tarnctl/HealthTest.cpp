@@ -17,6 +17,7 @@ Facts healthy()
     facts.profileTime.value = facts.now - hour;
     facts.enabledWanted.value = facts.enabledOn.value = true;
     facts.scan.value = facts.installation.value = Request{3, 3};
+    facts.recovery.value = false;
     facts.queued.value = facts.missingUpdates.value = facts.installationLog.value = facts.publishedPatches.value = 0;
     facts.completion.value = CompletionWait{};
     facts.deploymentInProgress.value = false;
@@ -30,8 +31,13 @@ Facts healthy()
     facts.task.value = ScheduledTask{};
     facts.stopRequest.value = StopRequest{};
     facts.updates.value = PausedUpdates{};
-    facts.log.value = LogFacts{
-        .path = "C:\\log", .isWritable = true, .level = 4, .endsMissing = 0, .unreadableLines = 0, .exitCodes = {}};
+    facts.log.value = LogFacts{.path = "C:\\log",
+        .isWritable = true,
+        .level = 4,
+        .endsMissing = 0,
+        .unreadableLines = 0,
+        .exitCodes = {},
+        .leftOpen = {}};
     return facts;
 }
 
@@ -65,6 +71,18 @@ TEST(Health, findsWhatIsWrongAndNothingElse)
             [](Facts& f) {
                 f.scan.value = Request{4, 3};
                 f.agentRunSeconds.value = {5};
+            }},
+        {"",
+            [](Facts& f) {
+                f.scan.value = Request{4, 3};
+                f.recovery.value = true;
+                f.log.value->leftOpen = {"remote installation 4", "remote scan 3"};
+            }},
+        {"installation request",
+            [](Facts& f) {
+                f.installation.value = Request{4, 3};
+                f.recovery.value = true;
+                f.log.value->leftOpen = {"remote installation 4"};
             }},
         {"plug-in, installation request",
             [](Facts& f) {

@@ -97,7 +97,25 @@ Said checkFeature(const Facts& facts)
     return good(*facts.enabledOn ? "on" : "off, as wanted");
 }
 
-Said checkRequest(const Facts& facts, const Fact<Request>& request)
+bool isLeftOpen(const Facts& facts, const std::string& name)
+{
+    return facts.log.isKnown() && std::ranges::count(facts.log->leftOpen, name) > 0;
+}
+
+/// Of an open request that no agent is at work on.
+Said checkUnserved(const Facts& facts, const std::string& kind, const Request& request, const std::string& numbers)
+{
+    if (!facts.recovery.isKnown() || !*facts.recovery)
+        return finding(numbers + ", and nobody will serve it: no agent is at work",
+            "recovery would serve it: switch windows.tarnpatch.recovery.enabled on and restart the plug-in; or write a "
+            "new number");
+    if (isLeftOpen(facts, kind + ' ' + std::to_string(request.start)))
+        return finding(numbers + ", and recovery has given it up",
+            "see what its agent runs came to, tarnctl why tells; then write a new number");
+    return good(numbers + "; recovery serves it, at the plug-in's next look at what is due at the latest");
+}
+
+Said checkRequest(const Facts& facts, const std::string& kind, const Fact<Request>& request)
 {
     if (!request.isKnown())
         return unreadable(request, askStore);
@@ -109,17 +127,16 @@ Said checkRequest(const Facts& facts, const Fact<Request>& request)
         return good(numbers + "; an agent is at work");
     if (!isPluginThere(facts))
         return finding(numbers + ", and no plug-in is there to serve it", "start the plug-in, then request anew");
-    return finding(numbers + ", and no agent is at work",
-        "a request from before the plug-in's start waits for the next change: write a new number");
+    return checkUnserved(facts, kind, *request, numbers);
 }
 
 Said checkScanRequest(const Facts& facts)
 {
-    return checkRequest(facts, facts.scan);
+    return checkRequest(facts, "remote scan", facts.scan);
 }
 Said checkInstallationRequest(const Facts& facts)
 {
-    return checkRequest(facts, facts.installation);
+    return checkRequest(facts, "remote installation", facts.installation);
 }
 
 Said checkQueue(const Facts& facts)

@@ -66,6 +66,7 @@ struct LogFacts {
     std::size_t endsMissing = 0;         ///< lives of the plug-in without an end, but the last
     std::size_t unreadableLines = 0;     ///< lines that are no record
     std::vector<std::int64_t> exitCodes; ///< of the last agent starts, in their order
+    std::vector<std::string> leftOpen;   ///< the requests that recovery has given up, as "remote scan 5"
 };
 
 /// Everything that the checks look at. Gathered at one time, without a trace on the machine.
@@ -78,6 +79,7 @@ struct Facts {
     Fact<bool> enabledOn;
     Fact<Request> scan;
     Fact<Request> installation;
+    Fact<bool> recovery;      ///< whether it is switched on
     Fact<std::size_t> queued; ///< a malformed queue is trouble
     Fact<CompletionWait> completion;
     Fact<bool> deploymentInProgress;

@@ -109,6 +109,16 @@ bool isWritable(const std::filesystem::path& folder)
     return true;
 }
 
+/// As the plug-in says it; its next run begins anew.
+void takeLeftRequest(std::string_view message, std::vector<std::string>& leftOpen)
+{
+    constexpr std::string_view head = "Recovery: the ", tail = " is left open";
+    if (message == "Recovery: it is on.")
+        leftOpen.clear();
+    else if (const auto end = message.find(tail); message.starts_with(head) && end != std::string_view::npos)
+        leftOpen.emplace_back(message.substr(head.size(), end - head.size()));
+}
+
 LogFacts readLog()
 {
     constexpr unsigned long usualLevel = 4;
@@ -120,9 +130,10 @@ LogFacts readLog()
         VxQrlLogging::Configuration(L"tarn", L"tarnhd").number(L"LogLevel").value_or(usualLevel));
     logreading::Story story;
     const auto sink = [&](std::string_view line) {
-        if (const auto record = logreading::parseRecord(line))
+        if (const auto record = logreading::parseRecord(line)) {
             story.take(*record);
-        else if (!line.empty())
+            takeLeftRequest(record->message, log.leftOpen);
+        } else if (!line.empty())
             ++log.unreadableLines;
     };
     logreading::LogReader reader(path);
