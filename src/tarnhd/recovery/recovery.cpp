@@ -96,14 +96,13 @@ void Recovery::makeUp(Subscriptions& subscriptions, bool wasOutage, bool isCheck
         LogStream(Level::Info) << "Recovery: the store answers again.";
         // First: what is kept may be the acknowledgement of a request that looks open.
         writeKeptValues();
+        m_driver->publish();
     }
     if (m_answers.subscribeFailed(subscriptions))
         m_refusedPause = {};
     else
         m_refusedPause = std::min(std::max(2 * m_refusedPause, m_pauses.outage), m_pauses.longest);
     m_answers.answerDeferred();
-    if (wasOutage)
-        m_driver->publish();
     if (wasOutage || isCheckDue)
         m_requests.serve();
 }

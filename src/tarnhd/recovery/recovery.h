@@ -13,7 +13,7 @@ class RecoveryDriver;
 
 /// How long recovery sleeps before it looks again by itself.
 struct RecoveryPauses {
-    std::chrono::milliseconds outage{500};    ///< while the store is away
+    std::chrono::milliseconds outage{250};    ///< while the store is away
     std::chrono::milliseconds longest{60000}; ///< while it refuses a subscription; doubled up to this
 };
 

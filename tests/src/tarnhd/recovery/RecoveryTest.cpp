@@ -104,7 +104,7 @@ TEST_F(RecoveryTest, makesUpForAnOutageWithoutBeingAskedTo)
     store->notify(keys.enabled.key());
     EXPECT_EQ(done.size(), 1u) << "what it would read is of before the outage";
     store->comeBack();
-    EXPECT_EQ(done.waitFor(4), (Entries{"queue", "queue", "enabled", "publish"}));
+    EXPECT_EQ(done.waitFor(4), (Entries{"queue", "publish", "queue", "enabled"}));
     EXPECT_EQ(store->get(keys.installation.inProgress), true);
     EXPECT_TRUE(log.has(4, "Recovery: the values that were kept meanwhile are written.")) << log.text();
     EXPECT_EQ(log.count("Recovery: the store is away"), 1u);
