@@ -14,6 +14,9 @@ usage: ./run COMMAND [ARGS]
        [--fresh-prefix]  in a new Wine prefix
   build [TARGET...]  build the 32-bit Windows flavour
   bench [ARGS]       build and run the benchmarks, pinned to one core
+  soak [--PART N ...]  kill the store and change things at random times, without recovery and with it; parts are kills
+                     (400), starts (60), changes (120), requests (40), minutes (0, of kills every ten seconds with
+                     recovery on); --only on|off, --seed N
   fuzz [SECONDS]     run every fuzz target for that long (60), from its inputs and what it found before
   lint               check the format, what the pages quote, and run the static checks
   docs               make docs/keys.md and docs/reference anew from the code
@@ -175,6 +178,49 @@ command_bench() {
         done
         exit "${failed:-0}"
     ) || die "a figure is out of reach; see NO above"
+}
+
+# Each part without recovery and with it, but for the minutes. What is lost without is a figure, with it a failure.
+command_soak() {
+    local only='*' part mode failed=0 results=$project/build/soak.log
+    declare -A times=([KILLS]=400 [STARTS]=60 [CHANGES]=120 [REQUESTS]=40 [MINUTES]=0 [SEED]=1)
+    while [ $# -gt 1 ]; do
+        part=${1#--}
+        case $part in
+            only) only=$2 ;;
+            kills | starts | changes | requests | minutes | seed)
+                [[ $2 =~ ^[0-9]+$ ]] || die "$1 takes a number"
+                times[${part^^}]=$2
+                ;;
+            *) die "unknown part: $1" ;;
+        esac
+        shift 2
+    done
+    [ $# -eq 0 ] || die "soak: $1 needs a number"
+    build_flavour product soak-tests
+    wine_setup
+    wine_stop
+    wine_start
+    trap wine_stop EXIT
+    for part in "${!times[@]}"; do export "TARNHD_SOAK_$part=${times[$part]}"; done
+    cd "$project/build/product/bin" || exit 1
+    : >"$results"
+    for part in killsOfTheStore:KILLS killsDuringTheStart:STARTS pairsOfChanges:CHANGES pairsOfRequests:REQUESTS \
+        growsByNothing:MINUTES; do
+        [ "${times[${part#*:}]}" -gt 0 ] || continue
+        say "soak: ${part%:*}"
+        # A process for each: they would share the log's file.
+        for mode in off on; do
+            [[ $mode == $only ]] || continue
+            command_wine ./soak-tests.exe "--gtest_filter=*${part%:*}/$mode" >"$results.part" 2>&1 || failed=1
+            cat "$results.part" >>"$results"
+            grep -E '^soak \||Failure' "$results.part"
+        done
+    done
+    say "the log of all: build/soak.log"
+    printf '%s\n' "part, recovery, times, requests, left open, served twice, stale lists, deaf starts, longest ms to the acknowledgement and to the published list"
+    grep -h '^soak |' "$results"
+    [ "$failed" -eq 0 ] || die "soak: something was lost; see build/soak.log"
 }
 
 # One fuzz target: progress while it runs, then its line of the summary. What it finds that is new is kept in the

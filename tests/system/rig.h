@@ -42,13 +42,13 @@ protected:
     std::size_t logCount(const std::string& text);
     /// The last line that holds the text, from the text on; empty when there is none.
     std::string lastLog(const std::string& text);
+    /// Its lines so far.
+    const std::vector<std::string>& log();
 
     std::optional<ChildProcess> host;
     std::optional<ChildProcess> store;
 
 private:
-    const std::vector<std::string>& log();
-
     std::optional<logreading::LogReader> m_log;
     std::vector<std::string> m_lines;
     bool m_hostStopped = false;

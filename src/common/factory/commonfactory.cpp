@@ -49,9 +49,12 @@ namespace {
 
 // Two layers, as a store that is away for a while must not stop the plug-in: the cache answers and keeps what it is to
 // write until the store is back.
-std::shared_ptr<settings::Settings> openStore()
+std::shared_ptr<settings::Settings> openStore(const CommonFactory::StoreWrapper& wrap)
 {
-    auto store = std::make_shared<meridia::SettingsApi>(L"safe", L"S-1-5-18", L"Vantorix Tarnpatch Handler");
+    std::shared_ptr<settings::details::SettingsImpl> store =
+        std::make_shared<meridia::SettingsApi>(L"safe", L"S-1-5-18", L"Vantorix Tarnpatch Handler");
+    if (wrap)
+        store = wrap(std::move(store));
     return std::make_shared<settings::Settings>(std::make_shared<settings::CachedSettings>(std::move(store)));
 }
 
@@ -64,6 +67,11 @@ CommonFactory::~CommonFactory() = default;
 void CommonFactory::setStopEvent(std::shared_ptr<const IWaitable> stopEvent)
 {
     m_stopEvent = std::move(stopEvent);
+}
+
+void CommonFactory::setStoreWrapper(StoreWrapper wrapper)
+{
+    m_storeWrapper = std::move(wrapper);
 }
 
 void CommonFactory::setSettings(std::shared_ptr<settings::Settings> settings)
@@ -80,7 +88,7 @@ std::shared_ptr<settings::Settings> CommonFactory::createSettings()
 std::shared_ptr<settings::Settings> CommonFactory::createSettings(const RetryCallback& retry)
 {
     VX_LOG_SCOPE();
-    return common::createSettings(openStore, retry);
+    return common::createSettings([this] { return openStore(m_storeWrapper); }, retry);
 }
 
 std::shared_ptr<InternetProxy> CommonFactory::createProxy()

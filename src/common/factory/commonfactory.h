@@ -10,7 +10,10 @@ class IWaitable;
 }
 namespace vx::settings {
 class Settings;
+namespace details {
+class SettingsImpl;
 }
+} // namespace vx::settings
 namespace vx::alerts {
 class AlertApiImpl;
 }
@@ -55,14 +58,17 @@ class WinCertStorage;
 class WinHTTPDefaultProxyChanger;
 
 /// Makes what the plug-in shares with the agent; each call makes a new object. Two stages: before
-/// setSettings only operations that need no settings may be called. setStopEvent and setSettings come once, before
-/// other threads exist; afterwards any thread may call. Operations pass on what the constructors throw.
+/// setSettings only operations that need no settings may be called. setStopEvent, setStoreWrapper and setSettings come
+/// once, before other threads exist; afterwards any thread may call. Operations pass on what the constructors throw.
 class CommonFactory {
 public:
     /// Answers whether the store is to be tried again after this error.
     using RetryCallback = std::function<bool(meridia::QrlMeridiaError_enum)>;
     /// Makes of a URL and the management server's the URL that a download takes.
     using DownloadUrlBuilder = std::function<std::wstring(const std::wstring& url, const std::wstring& hqUrl)>;
+    /// Puts something between an access to the store and what caches its values.
+    using StoreWrapper = std::function<std::shared_ptr<settings::details::SettingsImpl>(
+        std::shared_ptr<settings::details::SettingsImpl> store)>;
 
     CommonFactory();
     virtual ~CommonFactory();
@@ -72,6 +78,8 @@ public:
     /// Ends waits for named mutexes in all launchers and queues that are made from here on; without one they have no
     /// end but the mutex.
     virtual void setStopEvent(std::shared_ptr<const IWaitable> stopEvent);
+    /// Around each access that createSettings opens from here on; without one there is nothing in between.
+    void setStoreWrapper(StoreWrapper wrapper);
     virtual void setSettings(std::shared_ptr<settings::Settings> settings);
     /// One attempt.
     virtual std::shared_ptr<settings::Settings> createSettings();
@@ -123,6 +131,7 @@ public:
 
 protected:
     std::shared_ptr<const IWaitable> m_stopEvent;           ///< empty without setStopEvent
+    StoreWrapper m_storeWrapper;                            ///< empty without setStoreWrapper
     std::shared_ptr<settings::Settings> m_settings;         ///< empty until setSettings
     std::shared_ptr<TarnpatchSettings> m_tarnpatchSettings; ///< likewise
 };

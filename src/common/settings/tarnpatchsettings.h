@@ -39,6 +39,16 @@ public:
     Write<List> patchesToInstall{m_store, L"windows.tarnpatch.current_status.patches_to_install"};
 };
 
+/// Keys under "windows.tarnpatch.recovery.".
+class RecoverySettings : public SettingsSection {
+public:
+    using SettingsSection::SettingsSection;
+
+    /// What outages, a start and changes at the same time leave undone is done later. Read once per run, and not
+    /// through the cache: whoever does not want it must not see it in the log.
+    Read<Bool> enabled{m_store, L"windows.tarnpatch.recovery.enabled", false};
+};
+
 /// The table of the keys under "windows.tarnpatch.". Sections mirror the path of the keys, and each key has its one
 /// row. Each call of a row goes to the store; a copy copies the handle. Any thread.
 class TarnpatchSettings : public SettingsSection {
@@ -56,6 +66,7 @@ public:
     RemoteOperationsSettings remoteOperations{m_store};
     CertificatesSettings certificates{m_store};
     CurrentStatusSettings currentStatus{m_store};
+    RecoverySettings recovery{m_store};
 };
 
 } // namespace vx::tarn

@@ -12,12 +12,11 @@
 #include "tarnhd/actions/scanonce.h"
 #include "tarnhd/actionscheduler/actionscheduler.h"
 #include "tarnhd/autoinstallation/autoinstallation.h"
-#include "tarnhd/manager/agentstartreason.h"
 #include "tarnhd/manager/tarnpatchmanager.h"
+#include "tarnhd/recovery/recovery.h"
+#include "tarnhd/startreasons/agentstartreason.h"
 #include "tarnhd/subscriptions/subscriptions.h"
 
-#include <functional>
-#include <map>
 #include <mutex>
 #include <nlohmann/json.hpp>
 
@@ -47,24 +46,31 @@ std::unique_ptr<Subscriptions> TarnHandler::subscribeToChanges()
     const auto setStatusChanged = [this] { m_statusChangedEvent->set(); };
     const auto updateTask = [this] { m_autoInstallation->update(); };
     const auto scan = [this] { startScan(); };
-    const std::map<std::wstring, std::function<void()>> handlers{
+    const auto& remote = m_tarnpatchSettings->remoteOperations;
+    // In the order of the keys.
+    const ChangeAnswer answers[] = {
         {m_tarnpatchStatus->installation.log.entries.key(), setStatusChanged},
         {m_tarnpatchStatus->scanning.lastScanning.missingUpdates.key(), setStatusChanged},
         {m_tarnpatchSettings->enabled.key(), [this] { updateEnabledStatus(); }},
         {m_tarnpatchSettings->installation.automatic.frequency.key(), updateTask},
         {m_tarnpatchSettings->installation.automatic.hour.key(), updateTask},
         {m_tarnpatchSettings->installation.automatic.mode.key(), updateTask},
-        {m_tarnpatchSettings->installation.completion.wait.key(), [this] { onPostRebootDeployCompleted(); }},
+        {m_tarnpatchSettings->installation.completion.wait.key(), [this] { onPostRebootDeployCompleted(); },
+            [this] { catchUpWithDeployment(); }},
         {m_tarnpatchSettings->installation.deploymentQueue.key(), [this] { startDeploymentQueueInstallation(); }},
-        {m_tarnpatchSettings->remoteOperations.installUpdates.start.key(), [this] { startInstallSignalChanged(); }},
-        {m_tarnpatchSettings->remoteOperations.scanForUpdates.start.key(), [this] { startScanSignalChanged(); }},
+        {remote.installUpdates.start.key(), [this] { startInstallSignalChanged(); }, {},
+            AgentStartReason::RemoteDeployment},
+        {remote.scanForUpdates.start.key(), [this] { startScanSignalChanged(); }, {}, AgentStartReason::RemoteScan},
         {m_tarnpatchSettings->scanning.automatic.pollingInterval.key(), [this] { setupActionScheduler(); }},
         {m_tarnpatchSettings->scanning.excludeUpdatesByRule.key(), scan},
         {m_tarnpatchSettings->scanning.excludeUpdatesByType.key(), scan},
     };
     auto subscriptions = std::make_unique<Subscriptions>(m_settings.get());
-    for (const auto& [key, handler] : handlers)
-        subscriptions->subscribe(key, [handler](const std::wstring&) { handler(); });
+    for (const ChangeAnswer& change : answers)
+        if (m_recovery)
+            m_recovery->subscribe(*subscriptions, change);
+        else
+            subscriptions->subscribe(change.key, [handler = change.answer](const std::wstring&) { handler(); });
     return subscriptions;
 }
 
@@ -180,6 +186,14 @@ void TarnHandler::onPostRebootDeployCompleted()
     m_actionScheduler->cancelOneTimeTasks();
     m_manager->update();
     m_updaterLauncher->startScan();
+}
+
+// The manager shows what the last change that was seen said.
+void TarnHandler::catchUpWithDeployment()
+{
+    const bool isAwaited = m_tarnpatchSettings->installation.completion.wait();
+    if (m_tarnpatchStatus->enabled() && m_manager->isRunning() == isAwaited)
+        onPostRebootDeployCompleted();
 }
 
 } // namespace vx::tarn

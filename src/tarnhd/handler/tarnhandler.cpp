@@ -2,6 +2,7 @@
 
 #include "tarnhd/handler/deploymentwatcher.h"
 #include "tarnhd/handler/firstrun.h"
+#include "tarnhd/handler/handlerrecovery.h"
 #include "tarnhd/handler/schedulerthread.h"
 
 #include "common/deploymentqueue/ideploymentqueue.h"
@@ -19,6 +20,8 @@
 #include "tarnhd/currentoperations/currentoperations.h"
 #include "tarnhd/factory/tarnhdfactory.h"
 #include "tarnhd/manager/tarnpatchmanager.h"
+#include "tarnhd/recovery/recoverythread.h"
+#include "tarnhd/recovery/requestcheck.h"
 #include "tarnhd/subscriptions/subscriptions.h"
 #include "tarnhd/threads/joinedthread.h"
 #include "tarnhd/wusstopper/wusstopper.h"
@@ -54,8 +57,8 @@ bool isValid(const common::Event& event)
 } // namespace
 
 TarnHandler::TarnHandler(std::shared_ptr<common::CommonFactory> commonFactory, std::shared_ptr<TarnhdFactory> factory)
-    : m_commonFactory(std::move(commonFactory)), m_factory(std::move(factory)), m_stopEvent(makeEvent()),
-      m_statusChangedEvent(makeEvent())
+    : m_storeWatch(std::make_shared<StoreWatch>()), m_commonFactory(std::move(commonFactory)),
+      m_factory(std::move(factory)), m_stopEvent(makeEvent()), m_statusChangedEvent(makeEvent())
 {}
 
 TarnHandler::~TarnHandler() = default;
@@ -64,6 +67,8 @@ void TarnHandler::initializeHandler()
 {
     VX_LOG_SCOPE();
     m_commonFactory->setStopEvent(m_stopEvent);
+    // Only once the store has a profile is it known whether anybody listens.
+    m_commonFactory->setStoreWrapper([watch = m_storeWatch](auto store) { return watch->watch(std::move(store)); });
     m_settings = createSettings();
     m_commonFactory->setSettings(m_settings);
     m_tarnpatchSettings = std::make_shared<TarnpatchSettings>(m_settings);
@@ -82,9 +87,27 @@ void TarnHandler::initializeHandler()
 
 std::shared_ptr<settings::Settings> TarnHandler::createSettings()
 {
-    return m_commonFactory->createSettings([this](meridia::QrlMeridiaError_enum error) {
+    auto access = m_commonFactory->createSettings([this](meridia::QrlMeridiaError_enum error) {
         return !waitForStop(storeRetryPause) && error == meridia::QrlMeridiaError_enum::ServerUnreachable;
     });
+    m_storeAccesses.push_back(access);
+    return access;
+}
+
+std::unique_ptr<Recovery> TarnHandler::createRecovery()
+{
+    const std::wstring key = m_tarnpatchSettings->recovery.enabled.key();
+    std::optional<bool> isWanted = m_storeWatch->readSwitch(key);
+    while (!isWanted && !waitForStop(storeRetryPause))
+        isWanted = m_storeWatch->readSwitch(key);
+    if (!isWanted.value_or(false))
+        return nullptr;
+    const auto book = std::make_shared<RequestBook>(*m_tarnpatchSettings);
+    m_manager->setStartReasons(book);
+    auto recovery = std::make_unique<Recovery>(m_storeWatch, book, *m_tarnpatchSettings,
+        std::make_unique<HandlerRecovery>(*m_statusChangedEvent, *m_manager, *m_updaterLauncher, m_storeAccesses));
+    m_actionScheduler->addTask(std::make_shared<RequestCheck>(*recovery));
+    return recovery;
 }
 
 std::shared_ptr<ActionScheduler> TarnHandler::createActionScheduler()
@@ -119,29 +142,36 @@ void TarnHandler::run()
 
 void TarnHandler::process()
 {
+    m_recovery = createRecovery();
     FirstRun(*m_commonFactory, *m_tarnpatchSettings, *m_tarnpatchStatus, *m_actionScheduler, *m_wusStopper).process();
     // Outlives the subscriptions: a change handler may start the manager until the last one is gone.
     const ScopeExit managerStop([this] { stopManager(); });
     const auto subscriptions = subscribeToChanges();
-    runThreads();
+    runThreads(*subscriptions);
     guarded([this] { sync::waitForSingleObject(*m_stopEvent, sync::infinite); });
 }
 
-void TarnHandler::runThreads()
+void TarnHandler::runThreads(Subscriptions& subscriptions)
 {
     m_wusStopper->start();
     const ScopeExit stopperStop([this] { m_wusStopper->stop(); });
-    updateEnabledStatus();
+    if (m_recovery)
+        m_recovery->answer(m_tarnpatchSettings->enabled.key());
+    else
+        updateEnabledStatus();
     const std::chrono::milliseconds period = pollingPeriod();
     LogStream(Level::Info) << "Scheduler period: " << period.count() << " ms.";
     LogStream(Level::Info) << "Run processing";
     {
-        std::optional<JoinedThread> watcher; // joined last
+        std::optional<RecoveryThread> recovery; // joined last
+        std::optional<JoinedThread> watcher;
         const SchedulerThread actions(*m_actionScheduler, period);
         watcher.emplace([this] {
             DeploymentWatcher(*m_commonFactory, *m_tarnpatchSettings, *m_manager, *m_updaterLauncher, *m_stopEvent)
                 .waitPostRebootDeployCompleted();
         });
+        if (m_recovery)
+            recovery.emplace(*m_recovery, subscriptions);
         // A way out that is no stop must end the threads too.
         const ScopeExit end([this] { m_stopEvent->set(); });
         m_running = true;
@@ -183,14 +213,33 @@ void TarnHandler::waitForEvents()
     // The order decides when both are set: what has changed is published before the stop is seen.
     const common::Event* const events[] = {m_statusChangedEvent.get(), m_stopEvent.get()};
     while (*sync::waitForMultipleObjects(events) == m_statusChangedEvent.get())
-        publishStatus();
+        m_recovery ? publishChanges() : publishStatus();
+}
+
+void TarnHandler::publish()
+{
+    guarded("Failed to publish the current operations: ", [this] { m_currentOperations->update(); });
 }
 
 // What changes during the pass waits for the next change.
 void TarnHandler::publishStatus()
 {
-    guarded("Failed to publish the current operations: ", [this] { m_currentOperations->update(); });
+    publish();
     m_statusChangedEvent->reset();
+}
+
+void TarnHandler::publishChanges()
+{
+    const bool isStopped = waitForStop(0ms);
+    m_statusChangedEvent->reset();
+    publish();
+    if (!sync::waitForSingleObject(*m_statusChangedEvent, 0))
+        return;
+    // Changes that never pause must not put off the stop.
+    if (isStopped)
+        m_statusChangedEvent->reset();
+    else
+        LogStream(Level::Info) << "Recovery: something has changed during the pass, one more follows.";
 }
 
 bool TarnHandler::waitForStop(std::chrono::milliseconds timeout) const

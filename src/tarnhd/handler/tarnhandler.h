@@ -7,6 +7,7 @@
 #include <atomic>
 #include <chrono>
 #include <memory>
+#include <vector>
 
 namespace vx::settings {
 class Settings;
@@ -24,6 +25,8 @@ enum class ResultItem : std::int32_t;
 class ActionScheduler;
 class AutoInstallation;
 class CurrentOperations;
+class Recovery;
+class StoreWatch;
 class Subscriptions;
 class TarnhdFactory;
 class TarnpatchManager;
@@ -61,10 +64,14 @@ private:
     bool waitForProfile();
     bool hasProfile() const;
     std::chrono::milliseconds pollingPeriod() const;
+    /// Empty when it is not wanted.
+    std::unique_ptr<Recovery> createRecovery();
     void process();
-    void runThreads();
+    void runThreads(Subscriptions& subscriptions);
     void waitForEvents();
+    void publish();
     void publishStatus();
+    void publishChanges();
     /// Sleeps; true as soon as the stop event is set.
     bool waitForStop(std::chrono::milliseconds timeout) const;
     void stopManager() noexcept;
@@ -78,10 +85,14 @@ private:
     void finishRemoteInstall(ResultItem result);
     void startDeploymentQueueInstallation();
     void onPostRebootDeployCompleted();
+    /// For a change of the wait that may have gone unseen.
+    void catchUpWithDeployment();
 
     // Destroyed from the last to the first: the apartment outlives everything made in it.
     comutils::ComApartment m_comApartment;
     std::shared_ptr<settings::Settings> m_settings;
+    std::vector<std::weak_ptr<settings::Settings>> m_storeAccesses; ///< m_settings and those given away
+    std::shared_ptr<StoreWatch> m_storeWatch;
     std::shared_ptr<common::CommonFactory> m_commonFactory;
     std::shared_ptr<TarnhdFactory> m_factory;
     std::shared_ptr<TarnpatchSettings> m_tarnpatchSettings;
@@ -97,8 +108,9 @@ private:
     std::shared_ptr<common::Event> m_stopEvent;          ///< manual-reset; ends all waits
     std::shared_ptr<common::Event> m_statusChangedEvent; ///< manual-reset; wakes run to publish
     std::atomic<bool> m_initialized{false};
-    sync::Mutex m_switchMutex; ///< held while the product is switched on or off
-    sync::Mutex m_stopMutex;   ///< held by stop, and by run for the stop that came too early
+    std::unique_ptr<Recovery> m_recovery; ///< empty when it is off; made before other threads can use it
+    sync::Mutex m_switchMutex;            ///< held while the product is switched on or off
+    sync::Mutex m_stopMutex;              ///< held by stop, and by run for the stop that came too early
 };
 
 } // namespace vx::tarn

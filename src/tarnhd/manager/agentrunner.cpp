@@ -5,6 +5,7 @@
 #include "common/factory/commonfactory.h"
 #include "common/process/iprocess.h"
 #include "common/utils/productplaces.h"
+#include "tarnhd/startreasons/latestreason.h"
 #include "vxtl-process/process/credentials.h"
 #include "vxtl/exception.h"
 #include "vxtl/guarded.h"
@@ -38,8 +39,8 @@ private:
 AgentRunner::AgentRunner(const TarnpatchSettings& settings, const TarnpatchStatus& status,
     common::CommonFactory* commonFactory, std::shared_ptr<common::Event> startEvent,
     std::chrono::milliseconds retryPause, WallClock now)
-    : m_commonFactory(commonFactory), m_settings(settings), m_status(status), m_startEvent(std::move(startEvent)),
-      m_retryPause(retryPause), m_now(std::move(now))
+    : m_commonFactory(commonFactory), m_status(status), m_startEvent(std::move(startEvent)), m_retryPause(retryPause),
+      m_reasons(std::make_shared<LatestReason>(settings)), m_now(std::move(now))
 {}
 
 void AgentRunner::actionThread(common::Event& stopEvent)
@@ -68,12 +69,12 @@ bool AgentRunner::startEventSignaled(common::Event& stopEvent)
 {
     m_startEvent->reset();
     LogStream(Level::Info) << "tarnag.exe start event signaled.";
-    const AgentStartReason reason = takeStartReason();
-    LogStream(Level::Info) << "Start reason is: " << static_cast<std::int32_t>(reason);
-    return agentStartRequested(reason, stopEvent);
+    const auto round = m_reasons->take();
+    LogStream(Level::Info) << "Start reason is: " << static_cast<std::int32_t>(round->reason());
+    return agentStartRequested(*round, stopEvent);
 }
 
-bool AgentRunner::agentStartRequested(AgentStartReason reason, common::Event& stopEvent)
+bool AgentRunner::agentStartRequested(StartReasons::Round& round, common::Event& stopEvent)
 {
     MANAGER_SCOPE("agentStartRequested");
     const auto pause = static_cast<unsigned long>(m_retryPause.count());
@@ -82,7 +83,7 @@ bool AgentRunner::agentStartRequested(AgentStartReason reason, common::Event& st
     while (result == Result::AlreadyRunning && attempt < m_maxRetries) {
         const std::int64_t timestamp = m_now() / ticksPerSecond;
         LogStream(Level::Info) << "tarnag.exe start timestamp: " << timestamp;
-        result = startAgent(reason, stopEvent);
+        result = startAgent(round, stopEvent);
         if (result == Result::Finished) {
             LogStream(Level::Info) << "Tarnag agent finished successfully. Updating last successfull start timestamp.";
             storeLastStartTimestamp(timestamp);
@@ -102,16 +103,16 @@ bool AgentRunner::agentStartRequested(AgentStartReason reason, common::Event& st
     return true;
 }
 
-AgentRunner::Result AgentRunner::startAgent(AgentStartReason reason, common::Event& stopEvent)
+AgentRunner::Result AgentRunner::startAgent(StartReasons::Round& round, common::Event& stopEvent)
 {
     MANAGER_SCOPE("startAgent");
     Result result = Result::Failed;
     guardedAgainst<BaseException>(
-        "Failed to start tarnpatch agent. Exception caught: ", [&] { result = runAgent(reason, stopEvent); });
+        "Failed to start tarnpatch agent. Exception caught: ", [&] { result = runAgent(round, stopEvent); });
     return result;
 }
 
-AgentRunner::Result AgentRunner::runAgent(AgentStartReason reason, common::Event& stopEvent)
+AgentRunner::Result AgentRunner::runAgent(StartReasons::Round& round, common::Event& stopEvent)
 {
     const auto process = m_commonFactory->createProcess();
     const std::wstring args = arguments();
@@ -133,7 +134,7 @@ AgentRunner::Result AgentRunner::runAgent(AgentStartReason reason, common::Event
     const std::uint32_t code = process->getReturnCode();
     LogStream(Level::Info) << "Process finished with return code: " << code;
     // Before the code is looked at: a remote request is answered by a failed run and by a busy agent, too.
-    closeRemoteOperation(reason);
+    round.close();
     const common::ExitStatus status(static_cast<std::int32_t>(code), {});
     if (status == common::exitstatus::success)
         return Result::Finished;
@@ -147,23 +148,6 @@ bool AgentRunner::startProcess(common::IProcess& process, const std::wstring& ar
     const std::wstring path = (std::filesystem::path(directory) / L"tarnag.exe").wstring();
     LogStream(Level::Info) << "Starting process " << path << ". Arguments: " << args;
     return process.start(path, args, process::Credentials{});
-}
-
-void AgentRunner::closeRemoteOperation(AgentStartReason reason)
-{
-    if (reason == AgentStartReason::RemoteDeployment) {
-        const auto& operation = m_settings.remoteOperations.installUpdates;
-        const std::int64_t start = operation.start();
-        operation.ack.set(start);
-        LogStream(Level::Info) << "Update a deployment remote operation status: " << start;
-    } else if (reason == AgentStartReason::RemoteScan) {
-        const auto& operation = m_settings.remoteOperations.scanForUpdates;
-        const std::int64_t start = operation.start();
-        operation.ack.set(start);
-        LogStream(Level::Info) << "Update a scanning remote operation status: " << start;
-    } else {
-        LogStream(Level::Info) << "There was no remote operation for tarnag, nothing to update";
-    }
 }
 
 void AgentRunner::loadLastStartTimestamp()
@@ -206,24 +190,6 @@ std::wstring AgentRunner::arguments() const
 {
     const std::lock_guard lock(m_argumentsMutex);
     return m_arguments;
-}
-
-void AgentRunner::setStartReason(AgentStartReason reason)
-{
-    const std::lock_guard lock(m_reasonMutex);
-    m_startReason = reason;
-}
-
-AgentStartReason AgentRunner::getStartReason() const
-{
-    const std::lock_guard lock(m_reasonMutex);
-    return m_startReason;
-}
-
-AgentStartReason AgentRunner::takeStartReason()
-{
-    const std::lock_guard lock(m_reasonMutex);
-    return std::exchange(m_startReason, AgentStartReason::None);
 }
 
 } // namespace vx::tarn

@@ -1,8 +1,7 @@
 #pragma once
 
-#include "common/settings/tarnpatchsettings.h"
 #include "common/settings/tarnpatchstatus.h"
-#include "tarnhd/manager/agentstartreason.h"
+#include "tarnhd/startreasons/startreasons.h"
 #include "vxtl/clock.h"
 #include "vxtl/lock.h"
 
@@ -19,6 +18,8 @@ class IProcess;
 } // namespace vx::tarn::common
 
 namespace vx::tarn {
+
+class TarnpatchSettings;
 
 /// What the action thread runs and all that it uses. Manager and thread share it, so that a thread which is stuck
 /// in a system or store call may outlive the manager: it finds its stop event set as soon as it goes on, and leaves
@@ -40,22 +41,20 @@ public:
     bool isAgentRunning() const { return m_agentsWaitedFor > 0; }
     /// The command line of the next start. A start that succeeds uses up the one that it began with.
     void setArguments(const std::wstring& args);
-    /// Goes with the next start event; the later of two wins.
-    void setStartReason(AgentStartReason reason);
-    AgentStartReason getStartReason() const;
+    /// Takes the place of the latest reason alone. Before the first thread.
+    void setStartReasons(std::shared_ptr<StartReasons> reasons) { m_reasons = std::move(reasons); }
+    StartReasons& startReasons() const { return *m_reasons; }
 
 private:
     /// How an attempt to start the agent ended; AlreadyRunning is what the agent itself answers.
     enum class Result { Finished = 0, Failed = 1, AlreadyRunning = 2 };
 
     bool startEventSignaled(common::Event& stopEvent);
-    bool agentStartRequested(AgentStartReason reason, common::Event& stopEvent);
-    Result startAgent(AgentStartReason reason, common::Event& stopEvent);
-    Result runAgent(AgentStartReason reason, common::Event& stopEvent);
+    bool agentStartRequested(StartReasons::Round& round, common::Event& stopEvent);
+    Result startAgent(StartReasons::Round& round, common::Event& stopEvent);
+    Result runAgent(StartReasons::Round& round, common::Event& stopEvent);
     bool startProcess(common::IProcess& process, const std::wstring& args);
-    void closeRemoteOperation(AgentStartReason reason);
     void storeLastStartTimestamp(std::int64_t timestamp);
-    AgentStartReason takeStartReason();
     std::wstring arguments() const;
     void replaceArguments(const std::wstring& args); ///< under m_argumentsMutex
     void useUpArguments(const std::wstring& used);
@@ -63,7 +62,6 @@ private:
     common::CommonFactory* const m_commonFactory; ///< borrowed
     mutable sync::Mutex m_argumentsMutex;
     std::wstring m_arguments; ///< guarded by m_argumentsMutex
-    const TarnpatchSettings m_settings;
     const TarnpatchStatus m_status;
     const std::shared_ptr<common::Event> m_startEvent;
     std::atomic<int> m_agentsWaitedFor = 0; ///< more than one only beside a late thread
@@ -71,8 +69,7 @@ private:
     std::int64_t m_lastStartTimestamp = -1; ///< seconds since the Unix epoch; guarded by m_timestampMutex
     const std::chrono::milliseconds m_retryPause;
     const std::int32_t m_maxRetries = 3600;
-    mutable sync::Mutex m_reasonMutex;
-    AgentStartReason m_startReason = AgentStartReason::None; ///< guarded by m_reasonMutex
+    std::shared_ptr<StartReasons> m_reasons;
     const WallClock m_now;
 };
 

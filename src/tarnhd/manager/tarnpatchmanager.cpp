@@ -126,12 +126,17 @@ void TarnpatchManager::setArguments(const std::wstring& args)
 
 void TarnpatchManager::setStartReason(AgentStartReason reason)
 {
-    m_runner->setStartReason(reason);
+    m_runner->startReasons().set(reason);
 }
 
 AgentStartReason TarnpatchManager::getStartReason() const
 {
-    return m_runner->getStartReason();
+    return m_runner->startReasons().get();
+}
+
+void TarnpatchManager::setStartReasons(std::shared_ptr<StartReasons> reasons)
+{
+    m_runner->setStartReasons(std::move(reasons));
 }
 
 } // namespace vx::tarn

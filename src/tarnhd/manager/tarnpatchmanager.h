@@ -2,7 +2,7 @@
 
 #include "common/settings/tarnpatchsettings.h"
 #include "common/settings/tarnpatchstatus.h"
-#include "tarnhd/manager/agentstartreason.h"
+#include "tarnhd/startreasons/agentstartreason.h"
 #include "vxtl/clock.h"
 #include "vxtl/lock.h"
 
@@ -20,6 +20,7 @@ namespace vx::tarn {
 
 class AgentRunner;
 class PinnedThread;
+class StartReasons;
 
 /// Owns the thread that starts the agent when the shared start event is set. That event exists from construction
 /// on, so the manager comes before all launchers. Any thread may call; start and stop exclude each other, and so do
@@ -51,9 +52,11 @@ public:
     virtual bool isAgentRunning() const;
     /// The command line of the next agent start only; of the one after that when a start is going on.
     virtual void setArguments(const std::wstring& args);
-    /// Goes with the next start event; the later of two wins.
+    /// Goes with the next start event; the later of two wins, unless other reasons than the default ones decide.
     virtual void setStartReason(AgentStartReason reason);
     virtual AgentStartReason getStartReason() const;
+    /// Takes the place of LatestReason. Before the first start, and before any other thread knows of the manager.
+    void setStartReasons(std::shared_ptr<StartReasons> reasons);
 
 private:
     bool resetEvents();

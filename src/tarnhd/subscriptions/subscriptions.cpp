@@ -1,6 +1,7 @@
 #include "tarnhd/subscriptions/subscriptions.h"
 
 #include "vxtl/guarded.h"
+#include "vxtl/scopeexit.h"
 
 namespace vx::tarn {
 
@@ -23,9 +24,15 @@ settings::SubscriptionId Subscriptions::subscribe(
     guarded(L"Failed to subscribe to a property " + propertyName + L". Reason: ", [&] {
         // Listed first: whatever fails from here on, the callback can be closed.
         const auto gate = m_gates.emplace_back(std::make_shared<settings::GatedCallback>(callback));
+        // One that is tried again and again must not leave a gate behind each time.
+        ScopeExit refused([&] {
+            gate->close();
+            m_gates.pop_back();
+        });
         const auto subscribed =
             m_settings->subscribeForChanges(propertyName, [gate](const std::wstring& name) { (*gate)(name); });
         m_subscriptionIds.push_back(subscribed);
+        refused.dismiss();
         m_propertyNames[subscribed] = propertyName;
         id = subscribed;
     });

@@ -11,8 +11,8 @@
 namespace vx::tarn {
 
 /// Keeps the store's subscriptions of one owner and ends those that are left at destruction. Failures are log
-/// lines; one dead key leaves the others alone. One thread; the callbacks run on threads of the store, each of them
-/// once at a time.
+/// lines; one dead key leaves the others alone. One thread at a time; the callbacks run on threads of the store, each
+/// of them once at a time.
 class Subscriptions {
 public:
     /// `settings` is borrowed and outlives the object.
@@ -23,7 +23,7 @@ public:
     Subscriptions(const Subscriptions&) = delete;
     Subscriptions& operator=(const Subscriptions&) = delete;
 
-    /// The id of the subscription; -1 when it failed.
+    /// The id of the subscription; -1 when it failed, and then the callback is gone: it may be tried again.
     virtual settings::SubscriptionId subscribe(
         const std::wstring& propertyName, const settings::ChangeCallback& callback);
     /// False when it failed; the subscription is then still listed.
@@ -36,7 +36,7 @@ private:
     settings::Settings* m_settings;
     std::vector<settings::SubscriptionId> m_subscriptionIds; ///< in order of subscribing
     std::map<settings::SubscriptionId, std::wstring> m_propertyNames;
-    std::vector<std::shared_ptr<settings::GatedCallback>> m_gates; ///< of all subscriptions ever tried
+    std::vector<std::shared_ptr<settings::GatedCallback>> m_gates; ///< of all subscriptions ever made
 };
 
 } // namespace vx::tarn

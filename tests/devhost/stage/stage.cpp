@@ -78,6 +78,11 @@ std::string ChildProcess::errors() const
     return readFile(m_errorFile);
 }
 
+unsigned long ChildProcess::id() const
+{
+    return GetProcessId(m_process->get());
+}
+
 std::filesystem::path programFolder()
 {
     wchar_t path[MAX_PATH];

@@ -40,6 +40,8 @@ public:
     std::optional<unsigned long> wait(std::chrono::milliseconds timeout = std::chrono::seconds(60)) const;
     std::string output() const;
     std::string errors() const;
+    /// The system's number of the process.
+    unsigned long id() const;
 
 private:
     std::filesystem::path m_outputFile;

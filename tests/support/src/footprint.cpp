@@ -10,21 +10,6 @@ namespace support {
 
 namespace {
 
-// In the system's own list: GetProcessHandleCount isn't everywhere more than a stub.
-std::ptrdiff_t openHandles()
-{
-    struct Entry {
-        ULONG owner, others[3];
-    };
-    constexpr auto systemHandleInformation = static_cast<SYSTEM_INFORMATION_CLASS>(16);
-    std::vector<ULONG> list(1 << 18);
-    ULONG size = 0;
-    if (NtQuerySystemInformation(systemHandleInformation, list.data(), list.size() * sizeof(ULONG), &size) != 0)
-        return -1;
-    const std::span handles(reinterpret_cast<const Entry*>(list.data() + 1), list[0]);
-    return std::ranges::count(handles, GetCurrentProcessId(), &Entry::owner);
-}
-
 template <typename Allocate, typename Free>
 std::ptrdiff_t freeSlots(Allocate allocate, Free free)
 {
@@ -52,11 +37,26 @@ std::ptrdiff_t heapBytes()
 
 } // namespace
 
+// In the system's own list: GetProcessHandleCount isn't everywhere more than a stub.
+std::ptrdiff_t openHandles(unsigned long process)
+{
+    struct Entry {
+        ULONG owner, others[3];
+    };
+    constexpr auto systemHandleInformation = static_cast<SYSTEM_INFORMATION_CLASS>(16);
+    std::vector<ULONG> list(1 << 18);
+    ULONG size = 0;
+    if (NtQuerySystemInformation(systemHandleInformation, list.data(), list.size() * sizeof(ULONG), &size) != 0)
+        return -1;
+    const std::span handles(reinterpret_cast<const Entry*>(list.data() + 1), list[0]);
+    return std::ranges::count(handles, process, &Entry::owner);
+}
+
 Footprint footprint()
 {
     const auto threads = freeSlots(TlsAlloc, TlsFree);
     const auto fibers = freeSlots([] { return FlsAlloc(nullptr); }, FlsFree);
-    return {openHandles(), -threads - fibers, heapBytes()};
+    return {openHandles(GetCurrentProcessId()), -threads - fibers, heapBytes()};
 }
 
 } // namespace support

@@ -19,6 +19,7 @@ Facts healthy()
     facts.profileTime.value = facts.now - hour;
     facts.enabledWanted.value = facts.enabledOn.value = true;
     facts.scan.value = facts.installation.value = Request{3, 3};
+    facts.recovery.value = false;
     facts.queued.value = facts.missingUpdates.value = facts.installationLog.value = facts.publishedPatches.value = 0;
     facts.completion.value = CompletionWait{};
     facts.deploymentInProgress.value = false;
@@ -71,6 +72,18 @@ TEST(Health, findsWhatIsWrongAndNothingElse)
             [](Facts& f) {
                 f.scan.value = Request{4, 3};
                 f.agentRunSeconds.value = {5};
+            }},
+        {"",
+            [](Facts& f) {
+                f.scan.value = Request{4, 3};
+                f.recovery.value = true;
+                f.log.value->leftOpen = {"remote installation 4", "remote scan 3"};
+            }},
+        {"installation request",
+            [](Facts& f) {
+                f.installation.value = Request{4, 3};
+                f.recovery.value = true;
+                f.log.value->leftOpen = {"remote installation 4"};
             }},
         {"plug-in, installation request",
             [](Facts& f) {

@@ -78,6 +78,7 @@ struct LogFacts {
     std::vector<std::int64_t> exitCodes;   ///< of the last agent starts, in their order
     std::optional<std::int64_t> scanAsked; ///< how many seconds ago the plug-in took up what is not acknowledged yet
     std::optional<std::int64_t> installationAsked;
+    std::vector<std::string> leftOpen;      ///< requests that recovery has given up, as "remote scan 5"
     std::optional<std::int64_t> lastSignal; ///< how many seconds ago this life of the plug-in asked for a start
 };
 
@@ -91,6 +92,7 @@ struct Facts {
     Fact<bool> enabledOn;
     Fact<Request> scan;
     Fact<Request> installation;
+    Fact<bool> recovery;      ///< whether it is switched on
     Fact<std::size_t> queued; ///< a malformed queue is trouble
     Fact<CompletionWait> completion;
     Fact<bool> deploymentInProgress;

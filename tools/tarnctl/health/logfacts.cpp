@@ -50,6 +50,16 @@ void addStory(LogFacts& facts, const Story& story)
     facts.lastSignal = secondsSince(runs.back().lastSignal);
 }
 
+/// As the plug-in says it; its next run begins anew.
+void takeLeftRequest(std::string_view message, std::vector<std::string>& leftOpen)
+{
+    constexpr std::string_view head = "Recovery: the ", tail = " is left open";
+    if (message == "Recovery: it is on.")
+        leftOpen.clear();
+    else if (const auto end = message.find(tail); message.starts_with(head) && end != std::string_view::npos)
+        leftOpen.emplace_back(message.substr(head.size(), end - head.size()));
+}
+
 } // namespace
 
 LogFacts readLog()
@@ -61,6 +71,7 @@ LogFacts readLog()
         if (const auto record = logreading::parseRecord(line)) {
             story.take(*record);
             gaps.take(*record);
+            takeLeftRequest(record->message, facts.leftOpen);
         } else if (!line.empty()) {
             ++facts.unreadableLines;
         }

@@ -1,13 +1,29 @@
 #include "tarnctl/health/obstacles.h"
 
 #include "tarnctl/health/rows.h"
+
+#include <algorithm>
 #include <limits>
 
 namespace tarnctl::health {
 
 namespace {
 
-Said checkRequest(const Facts& facts, const Fact<Request>& request, std::optional<std::int64_t> LogFacts::*asked)
+/// Of an open request that no agent is at work on, though nothing keeps one from starting.
+Said checkUnserved(const Facts& facts, const std::string& request, const std::string& evidence)
+{
+    if (!facts.recovery.isKnown() || !*facts.recovery)
+        return finding(evidence + ", and nobody will serve it: no agent is at work",
+            "recovery would serve it: switch windows.tarnpatch.recovery.enabled on and restart the plug-in; or write a "
+            "new number");
+    if (facts.log.isKnown() && std::ranges::count(facts.log->leftOpen, request) > 0)
+        return finding(evidence + ", and recovery has given it up",
+            "see what its agent runs came to, tarnctl why tells; then write a new number");
+    return good(evidence + "; recovery serves it, at the plug-in's next look at what is due at the latest");
+}
+
+Said checkRequest(const Facts& facts, const std::string& kind, const Fact<Request>& request,
+    std::optional<std::int64_t> LogFacts::*asked)
 {
     if (!request.isKnown())
         return noStoreValue(request);
@@ -28,19 +44,18 @@ Said checkRequest(const Facts& facts, const Fact<Request>& request, std::optiona
             evidence + "; nobody serves it: " + reasons.front(), "remove what keeps the agent from starting");
     if (since <= underWay)
         return good(evidence);
-    return finding(evidence + ", and no agent is at work",
-        "what came while the plug-in was not there waits for the next change: write a new number");
+    return checkUnserved(facts, kind + ' ' + std::to_string(request->start), evidence);
 }
 
 } // namespace
 
 Said checkScanRequest(const Facts& facts)
 {
-    return checkRequest(facts, facts.scan, &LogFacts::scanAsked);
+    return checkRequest(facts, "remote scan", facts.scan, &LogFacts::scanAsked);
 }
 Said checkInstallationRequest(const Facts& facts)
 {
-    return checkRequest(facts, facts.installation, &LogFacts::installationAsked);
+    return checkRequest(facts, "remote installation", facts.installation, &LogFacts::installationAsked);
 }
 
 Said checkQueue(const Facts& facts)

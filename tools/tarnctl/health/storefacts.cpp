@@ -81,6 +81,7 @@ void gatherFromStore(const std::shared_ptr<vx::settings::Settings>& store, Facts
     gather(facts.enabledOn, [&] { return status.enabled(); });
     gather(facts.scan, [&] { return Request{scan.start(), scan.ack()}; });
     gather(facts.installation, [&] { return Request{install.start(), install.ack()}; });
+    gather(facts.recovery, [&] { return settings.recovery.enabled(); });
     gather(facts.queued, [&] { return countRecords<common::DeploymentItem>(settings.installation.deploymentQueue()); });
     gather(facts.completion, [&] {
         return CompletionWait{completion.wait(), completion.timestamp(), completion.timeout().count()};
@@ -104,7 +105,7 @@ void noteStoreTrouble(const std::string& reason, Facts& facts)
     facts.storeTrouble = reason;
     for (auto* fact : {&facts.profileTime, &facts.lastScan, &facts.scanPeriodHours})
         fact->trouble = trouble;
-    for (auto* fact : {&facts.enabledWanted, &facts.enabledOn, &facts.deploymentInProgress})
+    for (auto* fact : {&facts.enabledWanted, &facts.enabledOn, &facts.deploymentInProgress, &facts.recovery})
         fact->trouble = trouble;
     for (auto* fact : {&facts.scan, &facts.installation})
         fact->trouble = trouble;

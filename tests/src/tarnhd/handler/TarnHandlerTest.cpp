@@ -4,6 +4,7 @@
 #include "common/globalatom/iglobalatom.h"
 #include "common/patchstorage/ipatchstorage.h"
 #include "common/settings/hostsettings.h"
+#include "common/settings/keylist.h"
 #include "common/settings/tarnpatchsettings.h"
 #include "common/settings/tarnpatchstatus.h"
 #include "common/updaterlauncher/iupdaterlauncher.h"
@@ -14,10 +15,15 @@
 #include "support/logcapture.h"
 #include "support/record.h"
 #include "tarnhd/autoinstallation/autoinstallation.h"
+#include "tarnhd/currentoperations/currentoperations.h"
 #include "tarnhd/factory/tarnhdfactory.h"
 #include "tarnhd/manager/tarnpatchmanager.h"
 #include "tarnhd/wusstopper/triggerkey.h"
 #include "vxtl/registry.h"
+#include "vxtl/str.h"
+
+#include <map>
+#include <set>
 
 namespace vx::tarn {
 namespace {
@@ -49,7 +55,7 @@ struct FakeCommonFactory : common::CommonFactory,
             if (!retry(static_cast<meridia::QrlMeridiaError_enum>(error)))
                 throw std::runtime_error("store unreachable");
         }
-        return support::FakeSettings::handle(store);
+        return std::make_shared<settings::Settings>(m_storeWrapper(store));
     }
     using CommonFactory::createSettings;
     std::shared_ptr<common::IUpdaterLauncher> createUpdaterLauncher() override { return {notOwned, this}; }
@@ -118,6 +124,20 @@ struct FakeAutoInstallation : AutoInstallation {
     support::Record& updates;
 };
 
+/// Publishes nothing.
+struct FakePublisher : CurrentOperations {
+    FakePublisher(const std::shared_ptr<settings::Settings>& settings, support::Record& p)
+        : CurrentOperations(settings), passes(p)
+    {}
+    void update() override
+    {
+        passes.add("pass");
+        std::exchange(whilePublishing, [] {})();
+    }
+    support::Record& passes;
+    std::function<void()> whilePublishing = [] {};
+};
+
 struct FakeTarnhdFactory : TarnhdFactory {
     explicit FakeTarnhdFactory(FakeCommonFactory& c) : TarnhdFactory(&c), common(c) {}
     std::shared_ptr<TarnpatchManager> createTarnpatchManager(
@@ -130,8 +150,15 @@ struct FakeTarnhdFactory : TarnhdFactory {
     {
         return std::make_shared<FakeAutoInstallation>(settings, common.taskUpdates);
     }
+    std::shared_ptr<CurrentOperations> createCurrentOperations(
+        const std::shared_ptr<settings::Settings>& settings) override
+    {
+        return publisher = std::make_shared<FakePublisher>(settings, passes);
+    }
     FakeCommonFactory& common;
+    support::Record passes;
     std::shared_ptr<FakeManager> manager;
+    std::shared_ptr<FakePublisher> publisher;
 };
 
 /// A handler over fakes, on a computer that has run it since the boot.
@@ -382,6 +409,112 @@ TEST_F(TarnHandlerTest, completesAFinishedDeploymentOnceThroughAFailureAndARunni
     handler.stop();
     expectEnd();
     EXPECT_EQ(log.count("waitPostRebootDeployCompleted: Stop event has been signaled"), 0u) << "the watch is over";
+}
+
+TEST(TarnHandler, makesOneMorePassForAChangeDuringAPassIfItRecovers)
+{
+    const auto& missing = statusKeys.scanning.lastScanning.missingUpdates;
+    for (const bool recovers : {false, true}) {
+        SCOPED_TRACE(recovers);
+        FakedHandler h;
+        h.store.set(keys.recovery.enabled, recovers);
+        h.beginAndWait();
+        h.factory->publisher->whilePublishing = [&] { h.store.set(missing, {1, 2}); };
+        h.store.set(missing, {1});
+        h.factory->passes.waitFor(recovers ? 2 : 1);
+        h.handler.stop();
+        h.expectEnd();
+        EXPECT_EQ(h.factory->passes.size(), recovers ? 2u : 1u);
+        EXPECT_EQ(h.log.count("Recovery: something has changed during the pass"), recovers ? 1u : 0u);
+    }
+}
+
+TEST(TarnHandler, catchesUpWithChangesOfTheDeploymentWaitThatItMissed)
+{
+    const auto& wait = keys.installation.completion.wait;
+    for (const bool isAwaited : {false, true}) {
+        SCOPED_TRACE(isAwaited);
+        FakedHandler h;
+        h.store.set(keys.recovery.enabled, true);
+        h.store.set(wait, isAwaited);
+        h.store.breakDown(wait.key());
+        h.beginAndWait();
+        h.store.repair(wait.key());
+        EXPECT_TRUE(h.log.waitFor("completion.wait is made.")) << h.log.text();
+        if (isAwaited) {
+            EXPECT_EQ(h.doneSince(2, 2), (Entries{"update", "scan"}));
+        }
+        EXPECT_EQ(h.doneAt(keys.installation.deploymentQueue, {{{"update_id", "x"}}}, 1).back(), "scan");
+        EXPECT_EQ(h.common->done.size(), isAwaited ? 5u : 3u);
+    }
+}
+
+// The calls of the store by their keys, with their numbers, and what the log says: as before there was a recovery, but
+// for the one read of its key.
+constexpr auto lifeWithoutRecovery =
+    R"(status.windows.meridia.last_successful_update_timestamp 1
+status.windows.tarnpatch.enabled 4
+status.windows.tarnpatch.installation.log.entries 2
+status.windows.tarnpatch.scanning.last_scanning.missing_updates 2
+windows.tarnpatch.enabled 4
+windows.tarnpatch.installation.automatic.frequency 2
+windows.tarnpatch.installation.automatic.hour 2
+windows.tarnpatch.installation.automatic.mode 2
+windows.tarnpatch.installation.completion.wait 2
+windows.tarnpatch.installation.deployment_queue 2
+windows.tarnpatch.recovery.enabled 1
+windows.tarnpatch.remote_operations.install_updates.start 2
+windows.tarnpatch.remote_operations.scan_for_updates.ack 1
+windows.tarnpatch.remote_operations.scan_for_updates.start 4
+windows.tarnpatch.scanning.automatic.maximum_rescanning_period 1
+windows.tarnpatch.scanning.automatic.polling_interval 3
+windows.tarnpatch.scanning.exclude_updates.by_rule 3
+windows.tarnpatch.scanning.exclude_updates.by_type 2
+Plugin stop requested
+Processing stopped
+Run processing
+Scheduler period: 600000 ms.
+Setting 'windows.tarnpatch.enabled' not found - fallback to default value
+Setting 'windows.tarnpatch.enabled' not found - fallback to default value
+Setting 'windows.tarnpatch.remote_operations.scan_for_updates.ack' not found - fallback to default value
+Setting 'windows.tarnpatch.scanning.automatic.maximum_rescanning_period' not found - fallback to default value
+Setting 'windows.tarnpatch.scanning.automatic.polling_interval' not found - fallback to default value
+Tarnpatch enabled status: wasEnabled = 1, enable = 1
+Tarnpatch maximum rescanning period is 24 hours. It's 86400 seconds.
+Thread stop event signaled
+WUS poll thread exited
+WUS stopper started
+WUS stopper stopped
+WUS stopper trigger key found as: 0
+Windows update has never been installed
+tarnag.exe start requested
+waitPostRebootDeployCompleted: Stop event has been signaled
+)";
+
+TEST_F(TarnHandlerTest, leavesNoTraceOfARecoveryThatIsOff)
+{
+    std::mutex mutex;
+    std::map<std::string, int> calls;
+    for (const KeyInfo& key : listKeys())
+        store.fail(key.name, [&, name = str::toUtf8(key.name)] {
+            const std::lock_guard lock(mutex);
+            ++calls[name];
+        });
+    beginAndWait();
+    doneAt(keys.remoteOperations.scanForUpdates.start, 8, 2);
+    doneAt(keys.scanning.excludeUpdatesByRule, "x", 1);
+    handler.stop();
+    expectEnd();
+    std::string found;
+    for (const auto& [name, count] : calls)
+        found += name + ' ' + std::to_string(count) + '\n';
+    std::multiset<std::string> lines;
+    for (const auto& [level, text] : log.lines())
+        if (level <= 4 && text.find("hanlde = ") == std::string::npos)
+            lines.insert(text.substr(text.find_first_not_of(' ')));
+    for (const std::string& line : lines)
+        found += line + '\n';
+    EXPECT_EQ(found, lifeWithoutRecovery);
 }
 
 TEST_F(TarnHandlerTest, wakesTheSchedulerOnAResumeOnly)

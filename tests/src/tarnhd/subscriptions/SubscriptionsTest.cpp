@@ -41,6 +41,18 @@ TEST_F(SubscriptionsTest, nothingIsCalledAfterTheEndWhateverTheStoreKeeps)
     EXPECT_EQ(calls, 1);
 }
 
+TEST_F(SubscriptionsTest, keepsNothingOfARefusedSubscriptionSoThatItMayBeTriedForEver)
+{
+    const auto held = std::make_shared<int>(1);
+    store->breakDown(L"key");
+    EXPECT_EQ(subscriptions->subscribe(L"key", [held](const std::wstring&) {}), -1);
+    EXPECT_EQ(held.use_count(), 1);
+    store->repair(L"key");
+    subscriptions->subscribe(L"key", [this, held](const std::wstring&) { calls += *held; });
+    store->notify(L"key");
+    EXPECT_EQ(calls, 1);
+}
+
 TEST_F(SubscriptionsTest, theEndWaitsForACallInFlight)
 {
     support::Gate gate;

@@ -19,4 +19,7 @@ struct Footprint {
 /// Of this process, now. No other thread should take or give back anything meanwhile.
 Footprint footprint();
 
+/// How many handles a process has open; negative when the system does not tell.
+std::ptrdiff_t openHandles(unsigned long process);
+
 } // namespace support
