@@ -102,10 +102,7 @@ class PackageTest(unittest.TestCase):
             ("--help",): (0, "usage: tarnctl"),
             ("codes",): (0, "8  Internal error; Resource already exists."),
             ("log", "--file", "t.log", "--grep", "one"): (0, "[0010.0001]  I: one"),
-            ("log", "--file", "u.log"): (3, "tarnctl: there is no log "),
             ("--json", "keys"): (3, '"trouble":"the store can\'t be reached"'),
-            ("proxy", "http://server/"): (3, "tarnctl: the settings can't be read: "),
-            ("log", "--since", "then"): (2, "tarnctl: --since takes a time"),
             ("bundle", "b.cab"): (0, "wrote b.cab"),
         }
         for arguments, (code, text) in rows.items():

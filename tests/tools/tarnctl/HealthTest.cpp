@@ -53,126 +53,60 @@ std::string findings(const Facts& facts)
 
 TEST(Health, findsWhatIsWrongAndNothingElse)
 {
+    static const std::vector<std::string> leftOpen{"remote installation 4", "remote scan 3"};
+    static const std::vector<std::int64_t> failuresAroundSuccess{5, 5, 0, 5, 5};
+    static const Fact<std::string> notThere{{}, "not there", true};
+    static const ScheduledTask differentTask{true, true, "another hour"};
+    static const auto waitSince = [](std::int64_t since) { return CompletionWait{true, since, 15}; };
     struct {
         const char* found;
         std::function<void(Facts&)> change;
     } const cases[] = {
         {"", [](Facts&) {}},
-        {"plug-in",
-            [](Facts& f) {
-                f.pluginProcesses.value = {1, 2};
-            }},
+        {"plug-in", [](Facts& f) { f.pluginProcesses.value->push_back(2); }},
         {"profile", [](Facts& f) { f.profileTime.value = 0; }},
         {"feature", [](Facts& f) { f.enabledOn.value = false; }},
-        {"scan request",
-            [](Facts& f) {
-                f.scan.value = Request{4, 3};
-            }},
-        {"",
-            [](Facts& f) {
-                f.scan.value = Request{4, 3};
-                f.agentRunSeconds.value = {5};
-            }},
-        {"",
-            [](Facts& f) {
-                f.scan.value = Request{4, 3};
-                f.recovery.value = true;
-                f.log.value->leftOpen = {"remote installation 4", "remote scan 3"};
-            }},
+        {"scan request", [](Facts& f) { f.scan.value->start = 4; }},
+        {"", [](Facts& f) { f.scan.value->start = 4, f.agentRunSeconds.value->push_back(5); }},
+        {"", [](Facts& f) { f.scan.value->start = 4, f.recovery.value = true, f.log.value->leftOpen = leftOpen; }},
         {"installation request",
             [](Facts& f) {
-                f.installation.value = Request{4, 3};
-                f.recovery.value = true;
-                f.log.value->leftOpen = {"remote installation 4"};
+                f.installation.value->start = 4, f.recovery.value = true, f.log.value->leftOpen = leftOpen;
             }},
         {"plug-in, installation request",
-            [](Facts& f) {
-                f.installation.value = Request{1, 2};
-                f.pluginProcesses.value.emplace();
-            }},
-        {"",
-            [](Facts& f) {
-                f.installation.value = Request{4, 3};
-                f.log.value->installationAsked = 60;
-            }},
+            [](Facts& f) { f.installation.value->start = 2, f.pluginProcesses.value->clear(); }},
+        {"", [](Facts& f) { f.installation.value->start = 4, f.log.value->installationAsked = 60; }},
         {"installation request",
-            [](Facts& f) {
-                f.installation.value = Request{4, 3};
-                f.log.value->installationAsked = 61;
-            }},
+            [](Facts& f) { f.installation.value->start = 4, f.log.value->installationAsked = 61; }},
         {"feature, scan request",
-            [](Facts& f) {
-                f.scan.value = Request{4, 3};
-                f.log.value->scanAsked = 1;
-                f.enabledOn.value = false;
-            }},
+            [](Facts& f) { f.scan.value->start = 4, f.log.value->scanAsked = 1, f.enabledOn.value = false; }},
         {"deployment queue", [](Facts& f) { f.queued.value = 1; }},
-        {"",
-            [](Facts& f) {
-                f.queued.value = 1;
-                f.completion.value = CompletionWait{true, f.now, 15};
-            }},
+        {"", [](Facts& f) { f.queued.value = 1, f.completion.value = waitSince(f.now); }},
         {"deployment", [](Facts& f) { f.deploymentInProgress.value = true; }},
-        {"",
-            [](Facts& f) {
-                f.deploymentInProgress.value = true;
-                f.completion.value = CompletionWait{true, f.now - 900, 15};
-            }},
-        {"reboot wait",
-            [](Facts& f) {
-                f.completion.value = CompletionWait{true, f.now - 901, 15};
-            }},
-        {"agent program",
-            [](Facts& f) {
-                f.agentProgram = {{}, "not there", true};
-            }},
-        {"agent run",
-            [](Facts& f) {
-                f.agentRunSeconds.value = {1, 6 * hour + 1};
-            }},
-        {"agent exit codes",
-            [](Facts& f) {
-                f.log.value->exitCodes = {0, 5, 5, 5};
-            }},
-        {"",
-            [](Facts& f) {
-                f.log.value->exitCodes = {5, 5, 0, 5, 5};
-            }},
+        {"", [](Facts& f) { f.deploymentInProgress.value = true, f.completion.value = waitSince(f.now - 900); }},
+        {"reboot wait", [](Facts& f) { f.completion.value = waitSince(f.now - 901); }},
+        {"agent program", [](Facts& f) { f.agentProgram = notThere; }},
+        {"agent run", [](Facts& f) { f.agentRunSeconds.value->assign(1, 6 * hour + 1); }},
+        {"agent exit codes", [](Facts& f) { f.log.value->exitCodes.assign(3, 5); }},
+        {"", [](Facts& f) { f.log.value->exitCodes = failuresAroundSuccess; }},
         {"last scan", [](Facts& f) { f.lastScan.value = f.now - 48 * hour - 1; }},
         {"last scan", [](Facts& f) { f.lastScan.value = -1; }},
         {"last scan", [](Facts& f) { f.lastScan.value = f.now + 1; }},
         {"scheduled task", [](Facts& f) { f.task.value->wanted = true; }},
-        {"scheduled task",
-            [](Facts& f) {
-                f.task.value = ScheduledTask{true, true, "another hour"};
-            }},
-        {"update service",
-            [](Facts& f) {
-                f.stopRequest.value = StopRequest{true, true};
-            }},
+        {"scheduled task", [](Facts& f) { f.task.value = differentTask; }},
+        {"update service", [](Facts& f) { f.stopRequest.value->isThere = f.stopRequest.value->serviceRuns = true; }},
         {"forced reboot", [](Facts& f) { f.rebootDue.value = f.now - 61; }},
         {"", [](Facts& f) { f.rebootDue.value = f.now - 60; }},
-        {"automatic updates",
-            [](Facts& f) {
-                f.updates.value = UpdatesFact{true, true};
-            }},
-        {"",
-            [](Facts& f) {
-                f.updates.value = UpdatesFact{true, true};
-                f.agentRunSeconds.value = {5};
-            }},
+        {"automatic updates", [](Facts& f) { f.updates.value->isPaused = true; }},
+        {"", [](Facts& f) { f.updates.value->isPaused = true, f.agentRunSeconds.value->push_back(5); }},
         {"proxy", [](Facts& f) { f.proxy.value->fault = "no host"; }},
         {"log folder", [](Facts& f) { f.logPlace.value->access = LogPlace::Access::Refused; }},
         {"log folder", [](Facts& f) { f.logPlace.value->exists = false; }},
         {"log lines", [](Facts& f) { f.log.value->endsMissing = 1; }},
         {"log lines", [](Facts& f) { f.log.value->gaps = 1; }},
-        {"log lines", [](Facts& f) { f.pluginProcesses.value = {0x10000}; }},
+        {"log lines", [](Facts& f) { f.pluginProcesses.value->assign(1, 0x10000); }},
         {"", [](Facts& f) { f.log.value->isLastOpen = true; }},
-        {"plug-in, log lines",
-            [](Facts& f) {
-                f.log.value->isLastOpen = true;
-                f.pluginProcesses.value.emplace();
-            }},
+        {"plug-in, log lines", [](Facts& f) { f.log.value->isLastOpen = true, f.pluginProcesses.value->clear(); }},
         {"log level", [](Facts& f) { f.logPlace.value->level = 6; }},
         {"log level", [](Facts& f) { f.logPlace.value->level = -1; }},
     };

@@ -1,10 +1,9 @@
 #include "logreading/record.h"
 #include "tarnctl/log/filter.h"
-#include "tarnctl/log/pageoutput.h"
 #include "tarnctl/log/textoutput.h"
 #include "tarnctl/log/traceoutput.h"
 
-#include <gmock/gmock.h>
+#include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
 #include <sstream>
 
@@ -31,12 +30,6 @@ void give(Output& output)
         output.line(line, record ? &*record : nullptr);
     }
     output.end();
-}
-
-std::string between(const std::string& text, const std::string& begin, const std::string& end)
-{
-    const auto from = text.find(begin) + begin.size();
-    return text.substr(from, text.find(end, from) - from);
 }
 
 TEST(Filter, letsALineOfAnotherProgramGoWithTheRecordBeforeIt)
@@ -107,24 +100,6 @@ TEST(TraceOutput, closesWhatItOpens)
         if (event.at("ph") != "M")
             phases += event.at("ph").get<std::string>() + event.at("name").get<std::string>().substr(0, 6) + " ";
     EXPECT_EQ(phases, "Bvx::f iFailed Evx::f iFailed Xplug-i Xtarnag ");
-}
-
-TEST(PageOutput, holdsLinesAndFindingsWhateverStandsInThem)
-{
-    std::ostringstream stream;
-    PageOutput output(stream);
-    give(output);
-    const auto page = stream.str();
-    const auto data = between(page, "id=\"log\">", "</script>");
-    EXPECT_EQ(std::count(data.begin(), data.end(), '\n'), static_cast<std::ptrdiff_t>(lines.size()));
-    EXPECT_EQ(data.find('<'), std::string::npos);
-    const auto story = json::parse(between(page, "id=\"story\">", "</script>"));
-    std::vector<std::string> findings;
-    for (const auto& finding : story.at("findings"))
-        findings.push_back(finding.at("grade").get<std::string>() + " " + finding.at("text").get<std::string>());
-    EXPECT_THAT(
-        findings, testing::ElementsAre("error agent start failed, exit code 5: Internal error; Failed to download.",
-                      "error 2 times: Failed </script> \x01\r5"));
 }
 
 } // namespace
