@@ -30,23 +30,9 @@ TEST_F(BadInputTest, valuesOfTheWrongTypeCountAsMissingAndAreHealed)
     scan(4);
 }
 
-TEST_F(BadInputTest, aPollingIntervalOfNothingDoesNotSpin)
-{
-    startStoreAlone();
-    put(settings.scanning.automatic.pollingInterval, 0);
-    startHost();
-    EXPECT_EQ(logCount("Polling interval of 0 minute(s) is too short"), 1u);
-    scan(1);
-    EXPECT_EQ(logCount("Tarnpatch maximum rescanning period is "), 1u) << "one tick in this short while";
-}
-
-TEST_F(BadInputTest, anInstallationFolderThatIsMissingOrHasBlanksIsSurvived)
+TEST_F(BadInputTest, anInstallationFolderMayHaveBlanks)
 {
     startHost();
-    devhost::host::writeAgentDirectory(folder.path() / "no such folder");
-    put(scanStart, 1);
-    waitForLog("Failed to start tarnag.exe process.");
-    EXPECT_NE(get(scanAck), 1) << "nothing ran, so nothing is acknowledged";
     installAgent(folder.path() / "with blanks");
     devhost::host::writeAgentDirectory(folder.path() / "with blanks");
     // The path stands in the command line without quotes, and the agent knows its own.

@@ -44,38 +44,5 @@ TEST_F(ScanRoadTest, outlivesAnAgentThatCrashesOrFailsAndTriesABusyOneAgainAfter
     EXPECT_EQ(lastLog("Scheduling next try"), "Scheduling next try to run tarnag.exe (4/3600)");
 }
 
-TEST_F(ScanRoadTest, acknowledgesWithoutAnAgentWhileTheFeatureIsOff)
-{
-    startHost();
-    EXPECT_EQ(command("disable"), 0u);
-    waitForValue(status.enabled, false);
-    const std::size_t starts = agentStarts();
-    scan(7);
-    EXPECT_EQ(agentStarts(), starts);
-    EXPECT_EQ(command("enable"), 0u);
-    waitForAgentEnds(starts + 1);
-    EXPECT_EQ(lastLog("Start reason is: "), "Start reason is: 0");
-    scan(3);
-    EXPECT_EQ(agentStarts(), starts + 2) << "any new value is a request, a smaller one too";
-}
-
-TEST_F(ScanRoadTest, runsOnceMoreForAnyNumberOfStartsDuringARun)
-{
-    const Gate gate("once-more");
-    script({json::object(), gate.run(), json::object()});
-    startHost();
-    put(scanStart, 1);
-    ASSERT_TRUE(gate.waitUntilStarted());
-    const std::size_t requested = logCount("tarnag.exe start requested");
-    client.set(keyOf(settings.scanning.excludeUpdatesByType), Value::fromString("a"));
-    client.set(keyOf(settings.scanning.excludeUpdatesByRule), Value::fromString("b"));
-    waitForLog("tarnag.exe start requested", requested + 2);
-    gate.release();
-    waitForAgentEnds(3);
-    // A third run would come before this one and make it the fifth.
-    scan(2);
-    EXPECT_EQ(agentStarts(), 4u);
-}
-
 } // namespace
 } // namespace rig
