@@ -154,18 +154,13 @@ TEST_F(SchedulerTest, findsGivesAndDeletesTasks)
     EXPECT_TRUE(scheduler.hasTask(L"a"));
     EXPECT_EQ(scheduler.getTask(L"a")->getName(), L"a");
     EXPECT_FALSE(scheduler.getTask(L"a")->isHidden()) << "a new definition";
-    Machine::plan("ITaskService::NewTask", {E_FAIL, E_FAIL});
+    Machine::plan("ITaskService::NewTask", {E_FAIL});
     EXPECT_EQ(thrown<ComException>([&] { scheduler.getTask(L"a"); }).result(), E_FAIL);
-    EXPECT_THAT(thrown<ComException>([&] { scheduler.createTask(L"a"); }).wideWhat(),
-        testing::HasSubstr(L"Function: vx::scheduler::Scheduler::createTask, File: "));
     EXPECT_TRUE(scheduler.deleteTask(L"a"));
     EXPECT_FALSE(scheduler.hasTask(L"a"));
     EXPECT_FALSE(scheduler.deleteTask(L"a"));
     EXPECT_TRUE(log.has(2, "Failed to delete a scheduler task a. HRESULT = -2147024894")) << log.text();
-    const auto missing = thrown<ComException>([&] { scheduler.getTask(L"a"); });
-    EXPECT_EQ(missing.result(), notFound);
-    EXPECT_THAT(missing.wideWhat(),
-        testing::StartsWith(L"Type: vx::ComException, Reason: , Function: vx::scheduler::Scheduler::getTask, File: "));
+    EXPECT_EQ(thrown<ComException>([&] { scheduler.getTask(L"a"); }).result(), notFound);
 }
 
 } // namespace

@@ -112,71 +112,60 @@ TEST_F(TaskTest, overwritesItselfForAnAccount)
 TEST_F(TaskTest, saysWhichCallFailedAndBeginsAnew)
 {
     EXPECT_EQ(failuresOfAll(*task), 0) << log.text();
-    // Those of a save come first: what the others leave behind may be refused.
-    const struct {
-        int (*use)(Task& task);
-        const char *call, *message;
+    struct Row {
+        const char *call, *what;
         std::vector<long> before = {}; ///< the failing one
-    } rows[] = {
-        {failuresOfSave, "ITaskDefinition::get_RegistrationInfo", "Failed to get registration info. HRESULT = "},
-        {failuresOfSave, "IRegistrationInfo::put_Author", "Failed to put author. HRESULT = "},
-        {failuresOfSave, "ITaskDefinition::get_Principal", "Failed to get principal. HRESULT = "},
-        {failuresOfSave, "IPrincipal::put_LogonType", "Failed to set logon type. HRESULT = "},
-        {failuresOfSave, "IPrincipal::put_LogonType", "Failed to put logon type. HRESULT = ", {S_OK}},
-        {failuresOfSave, "ITaskDefinition::get_Settings", "Failed to get task settings. HRESULT = "},
-        {failuresOfSave, "ITaskSettings::put_MultipleInstances", "Failed to set multiple instances. HRESULT = "},
-        {failuresOfSave, "ITaskSettings::put_ExecutionTimeLimit", "Failed to set execution time limit. HRESULT = "},
-        {failuresOfSave, "ITaskFolder::RegisterTaskDefinition", "Failed to register task definition. HRESULT = "},
-        {failuresOfAll, "ITaskDefinition::get_RegistrationInfo", "Failed to get task registration info. HRESULT = "},
-        {failuresOfAll, "IRegistrationInfo::put_Description", "Failed to put task description. HRESULT = "},
-        {failuresOfAll, "IRegistrationInfo::get_Description", "Failed to get task description. HRESULT = "},
-        {failuresOfAll, "ITaskDefinition::get_Actions", "Failed to get action for the task. HRESULT = "},
-        {failuresOfAll, "IActionCollection::get_Count", "Failed to get actions count. HRESULT = "},
-        {failuresOfAll, "IActionCollection::get_Item", "Failed to get action item: 1. HRESULT = "},
-        {failuresOfAll, "IExecAction::QueryInterface", "Failed to query action interface. HRESULT = ", {E_NOINTERFACE}},
-        {failuresOfAll, "IExecAction::put_Path", "Failed to set action path. HRESULT = "},
-        {failuresOfAll, "IExecAction::get_Path", "Failed to get action path. HRESULT = "},
-        {failuresOfAll, "IExecAction::put_Arguments", "Failed to set action parameters. HRESULT = "},
-        {failuresOfAll, "IExecAction::get_Arguments", "Failed to get action parameters. HRESULT = "},
-        {failuresOfAll, "ITaskDefinition::put_Data", "Failed to set task signature. HRESULT = "},
-        {failuresOfAll, "ITaskDefinition::get_Data", "Failed to get task definition. HRESULT = "},
-        {failuresOfAll, "ITaskDefinition::get_Settings", "Failed to get task settings. HRESULT = "},
-        {failuresOfAll, "ITaskSettings::put_Priority", "Failed to set task priority. HRESULT = "},
-        {failuresOfAll, "ITaskSettings::get_Priority", "Failed to get task priority. HRESULT = "},
-        {failuresOfAll, "ITaskSettings::put_Enabled", "Failed to set enabled state of task. HRESULT = "},
-        {failuresOfAll, "ITaskSettings::get_Enabled", "Failed to get enabled state of task. HRESULT = "},
-        {failuresOfAll, "ITaskSettings::put_Hidden", "Failed to set hidden state of task. HRESULT = "},
-        {failuresOfAll, "ITaskSettings::get_Hidden", "Failed to get hidden state of task. HRESULT = "},
-        {failuresOfAll, "ITaskSettings::put_StartWhenAvailable",
-            "Failed to set \"start when available\" state of task. HRESULT = "},
-        {failuresOfAll, "ITaskSettings::get_StartWhenAvailable",
-            "Failed to get \"start when available\" state of task. HRESULT = "},
-        {failuresOfAll, "ITaskDefinition::get_Principal", "Failed to get principal. HRESULT = "},
-        {failuresOfAll, "IPrincipal::put_GroupId", "Failed to set group id. HRESULT = "},
-        {failuresOfAll, "IPrincipal::put_UserId", "Failed to set user id. HRESULT = "},
-        {failuresOfAll, "IPrincipal::put_LogonType", "Failed to put logon type. HRESULT = "},
-        {failuresOfAll, "IPrincipal::get_UserId", "Failed to get user ID. HRESULT: "},
-        {failuresOfAll, "ITaskDefinition::get_Triggers", "Failed to get a task triggers collection. HRESULT = "},
-        {failuresOfAll, "ITriggerCollection::get_Count", "Failed to get a task triggers collection count. HRESULT = "},
-        {failuresOfAll, "ITriggerCollection::Remove", "Failed to remove trigger with index 1. HRESULT = ", {S_OK}},
-        {failuresOfAll, "ITriggerCollection::Create", "Failed to create trigger. HRESULT = "},
-        {failuresOfAll, "IDailyTrigger::QueryInterface", "Failed to query trigger interface. HRESULT = "},
-        {failuresOfAll, "ITrigger::put_Id", "Failed to put trigger ID. HRESULT = "},
-        {failuresOfAll, "ITrigger::put_StartBoundary", "Failed to put start boundary. HRESULT = "},
-        {failuresOfAll, "ITrigger::put_EndBoundary", "Failed to put end boundary. HRESULT = "},
-        {failuresOfAll, "IDailyTrigger::put_DaysInterval", "Failed to put days interval. HRESULT = "},
-        {failuresOfAll, "IWeeklyTrigger::put_WeeksInterval", "Failed to put days interval. HRESULT = "},
-        {failuresOfAll, "IWeeklyTrigger::put_DaysOfWeek", "Failed to put days of week. HRESULT = "},
     };
+    // What the others leave behind may be refused by a save, so its own come first.
+    const std::vector<Row> ofSave{{"ITaskDefinition::get_RegistrationInfo", "get registration info"},
+        {"IRegistrationInfo::put_Author", "put author"}, {"ITaskDefinition::get_Principal", "get principal"},
+        {"IPrincipal::put_LogonType", "set logon type"}, {"IPrincipal::put_LogonType", "put logon type", {S_OK}},
+        {"ITaskDefinition::get_Settings", "get task settings"},
+        {"ITaskSettings::put_MultipleInstances", "set multiple instances"},
+        {"ITaskSettings::put_ExecutionTimeLimit", "set execution time limit"},
+        {"ITaskFolder::RegisterTaskDefinition", "register task definition"}};
+    const std::vector<Row> ofAll{{"ITaskDefinition::get_RegistrationInfo", "get task registration info"},
+        {"IRegistrationInfo::put_Description", "put task description"},
+        {"IRegistrationInfo::get_Description", "get task description"},
+        {"ITaskDefinition::get_Actions", "get action for the task"},
+        {"IActionCollection::get_Count", "get actions count"}, {"IActionCollection::get_Item", "get action item: 1"},
+        {"IExecAction::QueryInterface", "query action interface", {E_NOINTERFACE}},
+        {"IExecAction::put_Path", "set action path"}, {"IExecAction::get_Path", "get action path"},
+        {"IExecAction::put_Arguments", "set action parameters"},
+        {"IExecAction::get_Arguments", "get action parameters"}, {"ITaskDefinition::put_Data", "set task signature"},
+        {"ITaskDefinition::get_Data", "get task definition"}, {"ITaskDefinition::get_Settings", "get task settings"},
+        {"ITaskSettings::put_Priority", "set task priority"}, {"ITaskSettings::get_Priority", "get task priority"},
+        {"ITaskSettings::put_Enabled", "set enabled state of task"},
+        {"ITaskSettings::get_Enabled", "get enabled state of task"},
+        {"ITaskSettings::put_Hidden", "set hidden state of task"},
+        {"ITaskSettings::get_Hidden", "get hidden state of task"}, {"ITaskDefinition::get_Principal", "get principal"},
+        {"ITaskSettings::put_StartWhenAvailable", "set \"start when available\" state of task"},
+        {"ITaskSettings::get_StartWhenAvailable", "get \"start when available\" state of task"},
+        {"IPrincipal::put_GroupId", "set group id"}, {"IPrincipal::put_UserId", "set user id"},
+        {"IPrincipal::put_LogonType", "put logon type"}, {"IPrincipal::get_UserId", "get user ID"},
+        {"ITaskDefinition::get_Triggers", "get a task triggers collection"},
+        {"ITriggerCollection::get_Count", "get a task triggers collection count"},
+        {"ITriggerCollection::Remove", "remove trigger with index 1", {S_OK}},
+        {"ITriggerCollection::Create", "create trigger"}, {"IDailyTrigger::QueryInterface", "query trigger interface"},
+        {"ITrigger::put_Id", "put trigger ID"}, {"ITrigger::put_StartBoundary", "put start boundary"},
+        {"ITrigger::put_EndBoundary", "put end boundary"}, {"IDailyTrigger::put_DaysInterval", "put days interval"},
+        {"IWeeklyTrigger::put_WeeksInterval", "put days interval"},
+        {"IWeeklyTrigger::put_DaysOfWeek", "put days of week"}};
     long code = E_FAIL;
-    for (const auto& row : rows) {
-        SCOPED_TRACE(row.call);
-        Machine::plan(row.call, row.before);
-        Machine::plan(row.call, {++code});
-        EXPECT_EQ(row.use(*task), 1);
-        EXPECT_TRUE(log.has(2, row.message + std::to_string(code))) << log.text();
-        EXPECT_TRUE(Machine::state().tasks.empty());
-    }
+    const auto expectFailures = [&](const std::vector<Row>& rows, int (*use)(Task&)) {
+        for (const auto& row : rows) {
+            SCOPED_TRACE(row.call);
+            Machine::plan(row.call, row.before);
+            Machine::plan(row.call, {++code});
+            EXPECT_EQ(use(*task), 1);
+            const auto failure = std::string("Failed to ") + row.what + ". HRESULT";
+            const auto number = std::to_string(code);
+            EXPECT_TRUE(log.has(2, failure + " = " + number) || log.has(2, failure + ": " + number)) << log.text();
+            EXPECT_TRUE(Machine::state().tasks.empty());
+        }
+    };
+    expectFailures(ofSave, failuresOfSave);
+    expectFailures(ofAll, failuresOfAll);
     EXPECT_TRUE(log.has(2, "Failed to create trigger or to add trigger to a collection.")) << log.text();
     EXPECT_EQ(failuresOfAll(*task), 0) << log.text();
 }
@@ -189,12 +178,9 @@ TEST_F(TaskTest, takesTheFirstActionThatStartsAProgramAndMakesOneToWriteOnly)
     EXPECT_TRUE(log.has(2, "Failed to create an action. HRESULT = -2147467259")) << log.text();
     for (const wchar_t* path : {L"first", L"second"}) {
         EXPECT_TRUE(task->setActionPath(path));
-        EXPECT_TRUE(log.has(4, "Created action")) << log.text();
         Machine::plan("IExecAction::QueryInterface", {E_NOINTERFACE}); // of the first
     }
     EXPECT_EQ(task->getActionPath(), L"second");
-    EXPECT_TRUE(log.has(4, "Task has 2actions.")) << log.text();
-    EXPECT_TRUE(log.has(4, "Opened action #2")) << log.text();
     EXPECT_EQ(task->getActionPath(), L"first");
 }
 
@@ -242,7 +228,6 @@ TEST_F(TaskTest, replacesTriggersAndLeavesOutEndsAndIntervalsThatAreNone)
 
 TEST_F(TaskTest, tellsTheStateOfTheRegisteredTaskOrElseOfTheDefinition)
 {
-    EXPECT_EQ(task->getState(), TaskState::Enabled);
     Machine::plan("ITaskSettings::get_Enabled", {E_FAIL});
     EXPECT_EQ(task->getState(), TaskState::Unknown);
     task->setEnabled(false);
@@ -253,9 +238,6 @@ TEST_F(TaskTest, tellsTheStateOfTheRegisteredTaskOrElseOfTheDefinition)
     EXPECT_EQ(task->getState(), TaskState::Disabled);
     Machine::plan("IRegisteredTask::get_State", {E_FAIL, S_OK}); // that gives an unknown state
     EXPECT_EQ(task->getState(), TaskState::Enabled);
-    EXPECT_EQ(task->getState(), TaskState::Enabled);
-    EXPECT_TRUE(task->save(L"", L""));
-    task->setEnabled(false);
     EXPECT_EQ(task->getState(), TaskState::Enabled);
     Machine::change([](auto& state) {
         state.tasks.at(0).lastRun = devhost::machine::runOf(GetCurrentProcess(), GetCurrentProcessId());
