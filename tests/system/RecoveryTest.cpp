@@ -39,6 +39,16 @@ protected:
 INSTANTIATE_TEST_SUITE_P(Recovery, RecoveryTest, testing::Bool(),
     [](const testing::TestParamInfo<bool>& row) { return row.param ? "on" : "off"; });
 
+TEST_P(RecoveryTest, makesASubscriptionThatFailed)
+{
+    client.addFault({Operation::Subscribe, ErrorCode::AccessDenied, 2, keyOf(scanStart)});
+    startHost();
+    if (isOn())
+        waitForLog("Recovery: the subscription of " + keyOf(scanStart) + " is made.");
+    put(scanStart, 1);
+    expectServed(1, 1);
+}
+
 TEST_P(RecoveryTest, answersAChangeThatMetAnUnreachableStore)
 {
     startHost();
