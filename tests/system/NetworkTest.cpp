@@ -11,7 +11,6 @@
 #include <psapi.h>
 
 #include <cstdlib>
-#include <future>
 
 namespace {
 
@@ -63,39 +62,6 @@ std::size_t peakMemory()
 }
 
 } // namespace
-
-TEST_F(NetworkTest, takesWhatTheServerHasAndLeavesTheFileOtherwise)
-{
-    constexpr std::uintmax_t all = 1 << 20, before = 3;
-    const struct {
-        const char* path;
-        HttpHeaders headers;
-        ExitStatus result;
-        std::int32_t status;
-        std::uintmax_t size;
-        std::size_t refusals = 0;
-    } rows[] = {
-        {"/patch.bin", {{L"X-Thing", L"a: b"}}, exitstatus::success, 200, all},
-        {"/patch.bin", {{L"Range", L"bytes=0-99"}}, exitstatus::success, 206, 100},
-        {"/moved", {}, exitstatus::success, 200, all},
-        {"/status/202", {}, exitstatus::resourceNotReady, 202, before},
-        {"/patch.bin", {{L"If-None-Match", L"*"}, {L"X-Thing", L"c"}}, exitstatus::success, 304, before},
-        {"/status/404", {}, exitstatus::failedToDownload, 404, before, 3},
-        {"/status/500", {}, exitstatus::failedToDownload, 500, before, 3},
-    };
-    for (const auto& row : rows) {
-        SCOPED_TRACE(row.path + std::to_string(row.status));
-        writeFile(file, "old");
-        EXPECT_EQ(fetch(server + row.path, row.headers), row.result);
-        EXPECT_EQ(downloader->getHttpStatus(), row.status);
-        EXPECT_EQ(std::filesystem::file_size(file), row.size);
-        const auto refusal = "Failed to download because of server response: " + std::to_string(row.status);
-        EXPECT_EQ(log.count(refusal), row.refusals);
-        const auto thing = row.headers.find(L"X-Thing");
-        EXPECT_EQ(downloader->getHeaders()[L"x-seen-thing"], thing == row.headers.end() ? L"" : thing->second);
-        EXPECT_THAT(seen(L"x-seen-user-agent"), HasSubstr("VantorixTarnpatch"));
-    }
-}
 
 TEST_F(NetworkTest, goesTheWayThatTheSettingsName)
 {
@@ -157,19 +123,6 @@ TEST_F(NetworkTest, refusesAServerThatNobodyVouchesFor)
     EXPECT_EQ(fetch(address("TARNHD_SERVER_TLS") + "/patch.bin"), exitstatus::failedToDownload);
     EXPECT_EQ(downloader->getLastError(), 12045u);
     EXPECT_EQ(log.count("Failed to download because of ERROR_INTERNET_INVALID_CA."), 3u);
-}
-
-TEST_F(NetworkTest, takesTwoFilesAtOnce)
-{
-    const auto take = [&](const std::wstring& target) {
-        const auto own = factory.createDownloader();
-        return own->download(vx::str::fromUtf8(server + "/patch.bin"), target, {}).code();
-    };
-    auto first = std::async(std::launch::async, take, file);
-    EXPECT_EQ(take(file + L"2"), 0);
-    EXPECT_EQ(first.get(), 0);
-    EXPECT_EQ(readFile(file).size(), 1u << 20);
-    EXPECT_TRUE(readFile(file) == readFile(file + L"2"));
 }
 
 TEST_F(NetworkTest, needsNoMoreMemoryForAGigabyte)

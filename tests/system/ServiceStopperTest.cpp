@@ -1,27 +1,13 @@
 #include "rig.h"
 
-#include "common/event/event.h"
-#include "common/factory/commonfactory.h"
-#include "common/reboot/icomputerrebooter.h"
-#include "common/registrykeynotifier/registrykeynotifier.h"
 #include "service/trigger.h"
 #include "service/updateservice.h"
-#include "support/fakeclock.h"
-#include "support/fakesettings.h"
-#include "support/logcapture.h"
-#include "tarnhd/wusstopper/wuspoll.h"
-
-#include <windows.h>
 
 namespace rig {
 namespace {
 
 using namespace std::chrono_literals;
-namespace common = vx::tarn::common;
-using devhost::service::makeTrigger;
-using devhost::service::TriggerType;
 using vx::ServiceState;
-using vx::tarn::WUSPoll;
 
 struct UpdateService : devhost::service::UpdateService {
     UpdateService() : devhost::service::UpdateService(programFolder() / "wuservice.exe") {}
@@ -31,113 +17,6 @@ struct UpdateService : devhost::service::UpdateService {
         devhost::service::deleteTrigger();
     }
 };
-
-/// The machine as it is, but for the reboot; and no round waits for the registry.
-struct Computer : common::CommonFactory, common::IComputerRebooter, common::RegistryKeyNotifier {
-    std::shared_ptr<common::IRegistryKeyNotifier> createRegistryKeyNotifier() override { return {notOwned, this}; }
-    void notifyChangeKeyValue(unsigned long, const vx::IWaitable& event) override { SetEvent(event.getHandle()); }
-    std::shared_ptr<common::IComputerRebooter> createComputerRebooter() override { return {notOwned, this}; }
-    bool initiateReboot() override { return ++rebootsAsked, false; }
-
-    int rebootsAsked = 0;
-    const std::shared_ptr<void> notOwned;
-};
-
-/// Rounds at the machine's real service and registry, without the time between them.
-class ServiceRoundsTest : public testing::Test {
-protected:
-    ServiceRoundsTest()
-    {
-        service.stop();
-        set(true, -1);
-        clock.now = now * vx::ticksPerSecond;
-    }
-    void set(bool askUser, std::int64_t forceInSeconds)
-    {
-        store->set(settings.installation.reboot.askUser, askUser);
-        store->set(settings.installation.reboot.forceInSeconds, forceInSeconds);
-        store->set(settings.installation.reboot.forceIn, 24);
-    }
-    WUSPoll poll(std::chrono::milliseconds serviceStopWait)
-    {
-        return {FakeSettings::handle(store), &computer, {0ms, serviceStopWait, clock.function()}};
-    }
-    bool round(WUSPoll& poll) { return poll.round({*stopEvent, *registryEvent}); }
-
-    static constexpr std::int64_t now = 2'000'000'000; ///< in Unix seconds
-    UpdateService service;
-    FakeClock clock;
-    std::shared_ptr<FakeSettings> store = std::make_shared<FakeSettings>();
-    Computer computer;
-    std::shared_ptr<common::Event> stopEvent = common::Event::createManualResetEvent({}, false);
-    std::shared_ptr<common::Event> registryEvent = common::Event::createAutoResetEvent({}, false);
-};
-
-TEST_F(ServiceRoundsTest, stopTheServiceAgainAndAgainWhateverItAnswersAndWithoutTheKey)
-{
-    WUSPoll patient = poll(deadline), hasty = poll(0s);
-    const struct {
-        const char* is;
-        std::function<void()> change;
-        WUSPoll& poll;
-        const char* logged;
-        ServiceState then;
-    } rows[] = {
-        {"running", [&] { service.run(0s); }, patient, "Will try to stop WUS", ServiceState::Stopped},
-        {"restarted by somebody", [&] { service.run(0s); }, patient, "Will try to stop WUS", ServiceState::Stopped},
-        {"refusing", [&] { service.run(std::nullopt); }, patient, "Can't send stop control to service 'wuauserv'",
-            ServiceState::Running},
-        {"slow", [&] { service.run(1h); }, hasty, "Error: failed to stop WUS service in 0 seconds",
-            ServiceState::StopPending},
-        {"still stopping", [] {}, hasty, "WUS not running", ServiceState::StopPending},
-        {"missing", [&] { service.remove(); }, patient, "Can't open service 'wuauserv'", ServiceState::Stopped},
-        {"back", [&] { service.run(0s); }, patient, "Will try to stop WUS", ServiceState::Stopped},
-    };
-    makeTrigger(now);
-    round(patient);
-    round(hasty);
-    devhost::service::deleteTrigger();
-    for (const auto& row : rows) {
-        SCOPED_TRACE(row.is);
-        row.change();
-        const LogCapture log;
-        EXPECT_TRUE(round(row.poll));
-        EXPECT_EQ(log.count(row.logged), 1u) << log.text();
-        EXPECT_EQ(service.state(), row.then);
-    }
-}
-
-TEST_F(ServiceRoundsTest, askForTheRebootBehindTheDeadlineOnly)
-{
-    const struct {
-        const char* label;
-        bool askUser;
-        std::int64_t forceInSeconds, created;
-        TriggerType type;
-        int asked;
-    } rows[] = {
-        {"the user is asked", true, -2, 1, TriggerType::Qword, 0},
-        {"at once, in the same second", false, 0, now, TriggerType::Qword, 0},
-        {"at once, a second later", false, 0, now - 1, TriggerType::Qword, 1},
-        {"not set, within the hours", false, -1, now - 24 * 3600, TriggerType::Qword, 0},
-        {"not set, behind the hours", false, -1, now - 24 * 3600 - 1, TriggerType::Qword, 1},
-        {"before the request", false, -2, now, TriggerType::Qword, 1},
-        {"a request of no time", false, -2, 0, TriggerType::Qword, 0},
-        {"a request without time", false, -2, 1, TriggerType::None, 0},
-        {"a time of 32 bits", false, -2, 1, TriggerType::Dword, 0},
-        {"a time as text", false, -2, 1, TriggerType::String, 0},
-        {"a request in the future", false, 0, now + 1, TriggerType::Qword, 0},
-    };
-    WUSPoll poll = this->poll(deadline);
-    for (const auto& row : rows) {
-        SCOPED_TRACE(row.label);
-        set(row.askUser, row.forceInSeconds);
-        makeTrigger(row.created, row.type);
-        computer.rebootsAsked = 0;
-        EXPECT_TRUE(round(poll));
-        EXPECT_EQ(computer.rebootsAsked, row.asked);
-    }
-}
 
 class ServiceStopperTest : public SystemTest {
 protected:
