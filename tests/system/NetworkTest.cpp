@@ -70,38 +70,31 @@ TEST_F(NetworkTest, goesTheWayThatTheSettingsName)
     const auto withoutPassword = "http://" + withPassword.substr(withPassword.find('@') + 1);
     const struct {
         const char *label, *strategy;
-        std::string users, products, hq;
+        std::string users, products;
         HttpHeaders headers;
         std::int32_t status;
         const char* via;
         unsigned long error = 0;
     } rows[] = {
-        {"none", "no", proxy, proxy, "", {}, 200, ""},
-        {"the user's", "user_defined", proxy, "", "", {}, 200, "open-proxy"},
-        {"the product's", "from_product_configuration", "", proxy, "", {}, 200, "open-proxy"},
-        {"the product has none", "from_product_configuration", proxy, "", "", {}, 200, ""},
-        {"the management server's", "user_defined", proxy, "", server, {}, 200, ""},
-        {"a dead one", "user_defined", "127.0.0.1:1", "", "", {}, 0, "", 12029},
-        {"one that refuses", "user_defined", withoutPassword, "", "", {}, 407, ""},
+        {"the user's", "user_defined", proxy, "", {}, 200, "open-proxy"},
+        {"the product's", "from_product_configuration", "", proxy, {}, 200, "open-proxy"},
+        {"a dead one", "user_defined", "127.0.0.1:1", "", {}, 0, "", 12029},
+        {"one that refuses", "user_defined", withoutPassword, "", {}, 407, ""},
         // Wine takes no password for a session; the next row shows that this one would do.
-        {"one with a password", "user_defined", withPassword, "", "", {}, isWine ? 407 : 200,
+        {"one with a password", "user_defined", withPassword, "", {}, isWine ? 407 : 200,
             isWine ? "" : "password-proxy"},
-        {"a password from the caller", "user_defined", withoutPassword, "", "", logsIn, 200, "password-proxy"},
+        {"a password from the caller", "user_defined", withoutPassword, "", logsIn, 200, "password-proxy"},
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(row.label);
         store->set(settings.communication.useHttpProxy, row.strategy);
         store->set(settings.communication.userDefinedProxy, row.users);
         store->set(devhost::host::keys::host.currentProxy, row.products);
-        store->set(settings.communication.hqProxyUrl, row.hq);
-        const auto url =
-            factory.buildDownloadUrl()(vx::str::fromUtf8(server + "/patch.bin"), vx::str::fromUtf8(row.hq));
-        EXPECT_EQ(fetch(vx::str::toUtf8(url), row.headers) == exitstatus::success, row.status == 200);
+        EXPECT_EQ(fetch(server + "/patch.bin", row.headers) == exitstatus::success, row.status == 200);
         EXPECT_EQ(downloader->getHttpStatus(), row.status);
         EXPECT_EQ(downloader->getLastError(), row.error);
         EXPECT_THAT(seen(L"x-seen-via"), HasSubstr(row.via));
         EXPECT_EQ(seen(L"x-seen-via").empty(), !*row.via);
-        EXPECT_EQ(seen(L"x-seen-uri").find("http%3A%2F%2F127.0.0.1%3A") == 0, !row.hq.empty());
     }
     EXPECT_EQ(log.count("Using proxy password."), 1u);
     for (const char* secret : {"open-sesame", "dGFybnBhdGNo"})

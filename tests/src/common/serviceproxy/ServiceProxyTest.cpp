@@ -46,7 +46,7 @@ TEST(ServiceProxy, startsAndStopsTheService)
     EXPECT_EQ(proxy.getState(), ServiceState::Stopped);
     const auto missing = support::thrown<Win32Exception>([] { ServiceProxy(L"no such service").getState(); });
     EXPECT_EQ(missing.code(), ERROR_SERVICE_DOES_NOT_EXIST);
-    EXPECT_EQ(missing.reason(), L"Can't open service 'no such service'");
+    EXPECT_EQ(missing.reason(), L"Can't open service 'no such service' with access rights 4");
 }
 
 TEST(ServiceWaitLoop, endsWithTheStateTheTimeoutOrTheCancel)
