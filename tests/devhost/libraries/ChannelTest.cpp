@@ -8,7 +8,6 @@ namespace {
 
 using namespace support;
 using namespace vx::tarn::common;
-using testing::ElementsAre;
 
 class ChannelTest : public CommandTest {
 protected:
@@ -23,35 +22,11 @@ protected:
     {
         waitFor(folder.path(), text, [&] { return process.output().find(text) != std::string::npos; });
     }
-    unsigned long sendElsewhere(const std::string& body) const
-    {
-        return tarnhost("ipc send c 3 " + body).wait().value_or(999);
-    }
-
     IPCClient client{"c", 1};
     IPCServer server{"c", 1};
 };
 
 } // namespace
-
-TEST_F(ChannelTest, aServerServesFromItsStartToItsStopWhateverItsHandlerDoes)
-{
-    Texts taken; // each before its sender's process has ended
-    const IPCServer::Handler take = [&](std::uint32_t, const json& data) -> std::int32_t {
-        taken.push_back(data.dump());
-        throw std::runtime_error("not today");
-    };
-    for (int start = 1; start <= 2; ++start) {
-        EXPECT_EQ(sendElsewhere("0"), 1u);
-        EXPECT_EQ(server.start(take), 0u);
-        EXPECT_EQ(server.start(take), 0u) << "anew";
-        for (const auto* body : {"1", "2"})
-            EXPECT_EQ(sendElsewhere(body), 0u);
-        EXPECT_EQ(tarnhost("ipc serve c").wait(), 1u) << "the channel is taken";
-        EXPECT_EQ(server.stop(), 0u);
-    }
-    EXPECT_THAT(taken, ElementsAre("1", "2", "1", "2"));
-}
 
 TEST_F(ChannelTest, nobodyHangsWhenTheOtherSideIsKilledInTheMiddleOfASend)
 {

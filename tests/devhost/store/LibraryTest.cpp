@@ -2,7 +2,6 @@
 
 #include "meridia-settings/qrlmeridiaapi.h"
 #include "stage.h"
-#include "support/childtest.h"
 
 using namespace devhost::store;
 using enum vx::meridia::QrlMeridiaError_enum;
@@ -24,14 +23,6 @@ void VX_CDECL remember(const wchar_t* name, std::int32_t type, const void* value
 {
     const std::string narrowName(name, name + std::wcslen(name));
     static_cast<support::Record*>(record)->add(narrowName + " " + std::to_string(type) + (value ? " value" : ""));
-}
-
-/// Ends with a handle open that is subscribed to "a".
-int leaveAHandleOpen()
-{
-    static support::Record ignored;
-    Library api;
-    return api.subscribe(api.open(), L"a", remember, &ignored) == Success ? 7 : 1;
 }
 
 } // namespace
@@ -85,15 +76,4 @@ TEST_F(LibraryTest, notifiesUntilUnsubscribedOrClosed)
     EXPECT_EQ(second.waitFor(2).back(), "a 0");
     EXPECT_EQ(first.size() + closed.size(), 2U);
     api.closeHandle(handle);
-}
-
-TEST_F(LibraryTest, aProcessEndsCalmlyWithAHandleLeftOpen)
-{
-    server.start();
-    EXPECT_EQ(support::ChildTest(L"leaveAHandleOpen", {}).wait(), 7U);
-}
-
-int main(int argc, char** argv)
-{
-    return support::mainWithChildren(argc, argv, {{"leaveAHandleOpen", leaveAHandleOpen}});
 }
