@@ -166,7 +166,7 @@ TEST_F(WUSStopperTest, rebootsBehindTheDeadlineOnlyAndNeverForARequestThatCannot
         std::function<void()> write = {};
     } rows[] = {{0, created, false}, {0, created - 1, true}, {-1, created - 24 * 3600 - 1, true},
         {-1, created - 24 * 3600, false}, {-2, created, true}, {0, created + 1, false}, {most, 1, false},
-        {-2, 0, false}, {-2, 1, false, noTime}, {-2, 1, false, text}, {-2, 1, false, number}};
+        {-most, 1, true}, {-2, 0, false}, {-2, 1, false, noTime}, {-2, 1, false, text}, {-2, 1, false, number}};
     clock.now = created * ticksPerSecond;
     for (const auto& row : rows) {
         SCOPED_TRACE(testing::Message() << row.forceInSeconds << ' ' << row.created);
