@@ -190,6 +190,19 @@ TEST_F(RecoveryTest, sleepsWhileThereIsNothingToRecover)
     EXPECT_EQ(done.waitFor(3).back(), "scan") << "the answer has set no reason";
 }
 
+TEST_F(RecoveryTest, tellsWhoseCallsHaveMetAnOutage)
+{
+    store->goAway();
+    const StoreWatch::Span mine(*watch);
+    std::async(std::launch::async, [this] {
+        const StoreWatch::Span theirs(*watch);
+        settings->setBoolValue(keys.enabled.key(), false);
+        EXPECT_TRUE(theirs.hasMetOutage());
+    }).get();
+    EXPECT_FALSE(mine.hasMetOutage());
+    EXPECT_TRUE(watch->takeFailedWrites());
+}
+
 TEST_F(RecoveryTest, readsItsSwitchPastTheCache)
 {
     struct {
