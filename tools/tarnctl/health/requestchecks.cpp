@@ -1,6 +1,6 @@
 #include "tarnctl/health/obstacles.h"
-
 #include "tarnctl/health/rows.h"
+
 #include <limits>
 
 namespace tarnctl::health {
