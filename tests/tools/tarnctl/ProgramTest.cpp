@@ -148,7 +148,7 @@ TEST_F(TarnctlProgramTest, saysWhichFileItCannotRead)
             EXPECT_THAT(answer.errors, StartsWith("tarnctl: " + trouble)) << command;
             EXPECT_EQ(linesOf(answer.errors).size(), 1u) << answer.errors;
         }
-        const auto verdict = checked("log folder");
+        const auto verdict = checked("log lines");
         EXPECT_EQ(verdict.at("verdict"), "unreadable");
         EXPECT_THAT(verdict.at("evidence").get<std::string>(), StartsWith(trouble));
     }
