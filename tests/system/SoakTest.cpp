@@ -208,11 +208,13 @@ TEST_P(SoakTest, killsDuringTheStart)
 {
     figures.part = "kills at the start";
     for (const unsigned count = asked("STARTS", 1); figures.times < count; ++figures.times) {
-        const std::size_t processing = logCount("Run processing"), answered = logCount("Setup action scheduler.");
+        const std::size_t processing = logCount("Run processing"), answered = logCount("Setup action scheduler."),
+                          started = logCount("LOGGING STARTED");
         unsigned none = 0;
         milliseconds unused{0};
         host.emplace(tarnhost("run --no-store --no-profile"));
-        pause(1500);
+        waitForLog("LOGGING STARTED", started + 1);
+        pause(1000);
         killAndRestartStore();
         begin();
         await(none, unused, [&] { return logCount("Run processing") > processing; });

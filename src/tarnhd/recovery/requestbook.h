@@ -7,6 +7,7 @@
 #include <array>
 #include <cstdint>
 #include <memory>
+#include <optional>
 
 namespace vx::tarn {
 
@@ -16,8 +17,8 @@ inline constexpr std::array<AgentStartReason, 2> remoteRequests{
     AgentStartReason::RemoteScan, AgentStartReason::RemoteDeployment};
 
 /// Remembers each request that asks for an agent start, and knows which of them somebody is at work on. A round answers
-/// all that were set before it, and acknowledges the values that their requests had when it began: what comes
-/// later is for the next one. Any thread.
+/// all that were set before it, and acknowledges the values that their requests had when they were set: what comes
+/// later is for the next one. Any thread; set reads the store.
 class RequestBook : public StartReasons, public std::enable_shared_from_this<RequestBook> {
 public:
     explicit RequestBook(const TarnpatchSettings& settings);
@@ -50,6 +51,7 @@ private:
 
     struct Entry {
         bool isPending = false;
+        std::optional<std::int64_t> pendingStart; ///< empty when it could not be read
         unsigned roundsAtWork = 0;
         unsigned withdrawals = 0; ///< a round that began before the last one does not count
         std::int64_t start = 0;   ///< the value that the counts are of

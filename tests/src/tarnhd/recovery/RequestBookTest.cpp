@@ -49,10 +49,10 @@ TEST_F(RequestBookTest, aRoundAcknowledgesWhatWasSetBeforeItAndNothingElse)
         store->set(installKeys.ack, nullptr);
         for (const auto reason : row.set)
             book->set(reason);
+        store->set(scanKeys.start, 2);
         {
             const auto round = book->take();
             EXPECT_EQ(round->reason(), row.reason);
-            store->set(scanKeys.start, 2);
             for (const auto reason : row.withdrawn)
                 book->withdraw(reason);
             for (const auto reason : row.setMeanwhile)
