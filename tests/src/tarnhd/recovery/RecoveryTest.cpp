@@ -9,7 +9,6 @@
 
 #include <future>
 #include <optional>
-#include <utility>
 
 namespace vx::tarn {
 namespace {
@@ -83,6 +82,7 @@ struct Recovering {
     support::LogCapture log;
     support::Record done;
     std::function<void()> whileAnswering = [] {};
+    std::atomic<bool> isFirst = true;
     std::shared_ptr<CountingStore> store = std::make_shared<CountingStore>();
     std::shared_ptr<StoreWatch> watch = std::make_shared<StoreWatch>();
     std::shared_ptr<settings::Settings> settings =
@@ -100,8 +100,8 @@ TEST_F(RecoveryTest, makesUpForAnOutageWithoutBeingAskedTo)
     const auto& queue = keys.installation.deploymentQueue;
     subscribe(queue, "queue");
     subscribe(keys.enabled, "enabled");
-    whileAnswering = [&, isFirst = true]() mutable {
-        if (std::exchange(isFirst, false)) {
+    whileAnswering = [this] {
+        if (isFirst.exchange(false)) {
             store->goAway();
             settings->setBoolValue(keys.installation.inProgress.key(), true);
         }
@@ -124,8 +124,8 @@ TEST_F(RecoveryTest, answersAgainWhatMetAnOutageThatIsMadeUpForMeanwhile)
     store->set(installKeys.start, 1);
     subscribe(keys.installation.deploymentQueue, "queue");
     subscribe(installKeys.start, "installation", AgentStartReason::RemoteDeployment);
-    whileAnswering = [&, isFirst = true]() mutable {
-        if (!std::exchange(isFirst, false))
+    whileAnswering = [this] {
+        if (!isFirst.exchange(false))
             return;
         meetOutage();
         begin();
@@ -167,8 +167,7 @@ TEST_F(RecoveryTest, triesSubscriptionsThatFailedUntilTheyAreMade)
         store->breakDown(key->key());
     subscribe(keys.enabled, "enabled");
     subscribe(scanKeys.start, "scan", scan);
-    std::atomic<bool> isFirst = true;
-    whileAnswering = [&] {
+    whileAnswering = [this] {
         if (isFirst.exchange(false))
             meetOutage();
     };
@@ -176,6 +175,8 @@ TEST_F(RecoveryTest, triesSubscriptionsThatFailedUntilTheyAreMade)
     EXPECT_TRUE(log.waitFor("Failed to subscribe to a property", 6)) << log.text();
     store->repair(keys.enabled.key());
     EXPECT_EQ(done.waitFor(3), (Entries{"missed enabled", "missed enabled", "publish"}));
+    // The round that has published looks for requests, too.
+    EXPECT_TRUE(log.waitFor("Failed to subscribe to a property", log.count("Failed to subscribe to a property") + 2));
     store->set(scanKeys.ack, 1);
     store->repair(scanKeys.start.key());
     EXPECT_EQ(done.waitFor(4).back(), "scan") << "asked for while nobody heard of it";
