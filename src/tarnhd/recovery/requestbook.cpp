@@ -155,8 +155,17 @@ bool RequestBook::isPending(AgentStartReason request) const
 bool RequestBook::isAttended(AgentStartReason request) const
 {
     const std::lock_guard lock(m_mutex);
-    const Entry& entry = m_entries[indexOf(request)];
-    return entry.isPending || entry.roundsAtWork > 0;
+    return m_entries[indexOf(request)].isAttended();
+}
+
+bool RequestBook::isServed(AgentStartReason request) const
+{
+    const auto served = [&]() -> std::optional<std::int64_t> {
+        const std::lock_guard lock(m_mutex);
+        const Entry& entry = m_entries[indexOf(request)];
+        return entry.isAttended() && entry.served > 0 ? std::optional(entry.start) : std::nullopt;
+    }();
+    return served && startOf(m_settings.remoteOperations, request) == *served;
 }
 
 bool RequestBook::isAnyAtWork() const
@@ -169,6 +178,8 @@ void RequestBook::withdraw(AgentStartReason request)
 {
     const std::lock_guard lock(m_mutex);
     Entry& entry = m_entries[indexOf(request)];
+    if (!entry.isAttended() && entry.served > 0)
+        --entry.served;
     entry.isPending = false;
     entry.roundsAtWork = 0;
     ++entry.withdrawals;

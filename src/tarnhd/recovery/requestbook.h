@@ -31,9 +31,12 @@ public:
     bool isPending(AgentStartReason request) const;
     /// Pending, or a round answers it.
     bool isAttended(AgentStartReason request) const;
+    /// Attended since judge said Serve, and its number is the same still. Reads the store.
+    bool isServed(AgentStartReason request) const;
     /// Whether a round is under way, one that answers no request included.
     bool isAnyAtWork() const;
-    /// Whoever has set it has not done all that belongs to it: no round answers it, not even one that has begun.
+    /// Whoever has set it has not done all that belongs to it: no round answers it, not even one that has begun. An
+    /// attempt that has not even set it does not count.
     void withdraw(AgentStartReason request);
 
     /// What is to become of a request that is open although nobody is at work on it.
@@ -59,6 +62,7 @@ private:
         unsigned runs = 0;
         bool isLeft = false;
 
+        bool isAttended() const { return isPending || roundsAtWork > 0; }
         void countFor(std::int64_t value);
     };
 

@@ -96,5 +96,19 @@ TEST_F(RequestBookTest, givesUpAfterThreeRunsOrThreeAttemptsUntilTheValueChanges
     EXPECT_EQ(book->judge(installation, 11).verdict, Serve) << "each request for itself";
 }
 
+TEST_F(RequestBookTest, countsAnAttemptThatAnOutageEndsOnlyOnceItHasAskedForAStart)
+{
+    for (const bool asks : {false, true}) {
+        SCOPED_TRACE(asks);
+        for (int i = 0; i < 4; ++i) {
+            const auto expected = asks && i == 3 ? RequestBook::Verdict::LeaveFromNowOn : RequestBook::Verdict::Serve;
+            EXPECT_EQ(book->judge(scan, asks).verdict, expected);
+            if (asks)
+                book->set(scan);
+            book->withdraw(scan);
+        }
+    }
+}
+
 } // namespace
 } // namespace vx::tarn
