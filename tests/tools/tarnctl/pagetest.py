@@ -101,6 +101,7 @@ class PageTest(unittest.TestCase):
                     "remote installation request: <ALL>'., 2026-11-22 10:00:04.000", "error, 2026-11-22 10:00:03.500"):
             self.assertIn(bar, page["bars"])
         self.assertEqual((page["names"], page["hidden"]), (["plug-in", "agent", "requests", "errors"], [0] * 4))
+        self.assertEqual(page["ticks"][1], "2026-11-22 10:00:01.250")
         self.assertEqual(page["rows"], SHOWN)
         threads = [lane[0][-4:] for lane in page["lanes"]]
         self.assertEqual(threads, "0001 0001 0002 0002 0001 0002 0004 0004 0003 0003".split())
