@@ -157,13 +157,15 @@ TEST_F(TarnctlProgramTest, saysWhichFileItCannotRead)
 TEST_F(TarnctlProgramTest, saysWhatItCannotTellWithoutTheStore)
 {
     const struct {
-        const char* command;
+        std::string command;
         const char* output;
         const char* errors;
     } rows[] = {
         {"keys", "can't be read: the store can't be reached  (default 24)  hours",
             "present values can't be read: Server is unreachable"},
         {"why scan", "now: the store can't be read: Server is unreachable\n", ""},
+        {"bundle " + inFolder("b.cab"),
+            "b.cab; passwords are hidden in it\nwhy-scan.txt in it says what could not be read\n", ""},
         {"proxy http://server/", "", "tarnctl: the settings can't be read: Server is unreachable\n"},
     };
     for (const auto& row : rows) {
