@@ -90,6 +90,8 @@ TEST_F(TarnctlProgramTest, givesOutABrokenLogInEveryForm)
     EXPECT_FALSE(json::parse(readFile(folder.path() / "trace.json")).at("traceEvents").empty());
     EXPECT_EQ(ask("log --html " + inFolder("page.html")).code, 0u);
     EXPECT_THAT(readFile(folder.path() / "page.html"), HasSubstr("three\nx\n"));
+    EXPECT_EQ(ask("log --html " + inFolder("ProgramData")).code, 3u);
+    EXPECT_FALSE(exists(folder.path() / "ProgramData.part"));
 }
 
 TEST_F(TarnctlProgramTest, tellsAFileThatShrinksAnewFromItsBeginning)

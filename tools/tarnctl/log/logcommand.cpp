@@ -4,6 +4,7 @@
 #include "logreading/logreader.h"
 #include "tarnctl/log/console.h"
 #include "tarnctl/log/filter.h"
+#include "tarnctl/log/newfile.h"
 #include "tarnctl/log/pageoutput.h"
 #include "tarnctl/log/route.h"
 #include "tarnctl/log/textoutput.h"
@@ -11,7 +12,6 @@
 #include "vxtl/str.h"
 
 #include <charconv>
-#include <fstream>
 #include <memory>
 
 namespace tarnctl::log {
@@ -83,16 +83,11 @@ Wanted wantedBy(const Options& options)
     return wanted;
 }
 
-/// The stream that the output writes to, when that is not the program's.
-std::unique_ptr<std::ofstream> openTarget(const Options& options)
+/// What is written instead of the program's output; null for that.
+std::unique_ptr<NewFile> newFileOf(const Options& options)
 {
     const auto& name = options.page.empty() ? options.trace : options.page;
-    if (name.empty())
-        return nullptr;
-    auto file = std::make_unique<std::ofstream>(std::filesystem::path(vx::str::fromUtf8(name)), std::ios::binary);
-    if (!*file)
-        throw CommandError(ExitCode::Unreadable, "cannot write " + name);
-    return file;
+    return name.empty() ? nullptr : std::make_unique<NewFile>(name);
 }
 
 std::unique_ptr<Output> makeOutput(const Options& options, const Context& context, std::ostream& stream)
@@ -117,8 +112,8 @@ ExitCode showLog(const Context& context, const Options& options)
     DirectoryWatch watch(path.parent_path());
     if (!reader.rewind() && !options.follow)
         throw CommandError(ExitCode::Unreadable, "there is no log " + vx::str::toUtf8Lossy(path.native()));
-    const auto file = openTarget(options);
-    auto& stream = file ? *file : context.output;
+    const auto file = newFileOf(options);
+    auto& stream = file ? file->stream() : context.output;
     const auto output = makeOutput(options, context, stream);
     const auto sink = route(filter, *output);
     reader.read(sink);
@@ -132,6 +127,8 @@ ExitCode showLog(const Context& context, const Options& options)
     output->end();
     if (!stream)
         throw CommandError(ExitCode::Unreadable, "the output cannot be written");
+    if (file)
+        file->keep();
     return ExitCode::Healthy;
 }
 
