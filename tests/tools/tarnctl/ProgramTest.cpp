@@ -9,6 +9,7 @@ namespace support {
 namespace {
 
 using testing::ElementsAre;
+using testing::EndsWith;
 using testing::HasSubstr;
 using testing::Not;
 using testing::StartsWith;
@@ -114,7 +115,7 @@ TEST_F(TarnctlProgramTest, tellsAFileThatShrinksAnewFromItsBeginning)
         ElementsAre(record("one"), record("two"), record("one"), StartsWith("202"), record("three")));
 }
 
-TEST_F(TarnctlProgramTest, saysWhichFileItCannotRead)
+TEST_F(TarnctlProgramTest, saysWhichFileItCannotReadAndTellsTheOthers)
 {
     const auto rotated = log.parent_path() / "tarnhd.1.log";
     const auto hold = [](const std::filesystem::path& file) {
@@ -125,13 +126,15 @@ TEST_F(TarnctlProgramTest, saysWhichFileItCannotRead)
         const char* trace;
         std::filesystem::path file;
         std::function<std::shared_ptr<void>()> spoil;
+        const char* told = "";
     } rows[] = {
         {"held by another program", log, [&] { return hold(log); }},
         {"an older one", rotated,
             [&] {
-                writeFile(log, "");
+                writeFile(log, wide(record("one\r\n")));
                 return hold(rotated);
-            }},
+            },
+            "one\n"},
         {"no rights", log,
             [&] {
                 remove_all(log.parent_path());
@@ -141,18 +144,28 @@ TEST_F(TarnctlProgramTest, saysWhichFileItCannotRead)
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(row.trace);
-        const auto spoilt = row.spoil();
+        auto spoilt = row.spoil();
         const auto trouble = "cannot read " + row.file.string() + ": ";
-        for (const auto& command :
-            Texts{"log", "--json log", "log --html " + inFolder("page.html"), "log --follow", "why scan"}) {
+        for (const auto& command : Texts{"log", "--json log", "log --html " + inFolder("page.html"), "why scan"}) {
             const auto answer = ask(command);
             EXPECT_EQ(answer.code, 3u) << command;
             EXPECT_THAT(answer.errors, StartsWith("tarnctl: " + trouble)) << command;
             EXPECT_EQ(linesOf(answer.errors).size(), 1u) << answer.errors;
         }
-        const auto verdict = checked("log folder");
+        const auto verdict = checked("log lines");
         EXPECT_EQ(verdict.at("verdict"), "unreadable");
         EXPECT_THAT(verdict.at("evidence").get<std::string>(), StartsWith(trouble));
+        EXPECT_THAT(ask("log").output, EndsWith(row.told));
+        EXPECT_EQ(exists(folder.path() / "page.html"), *row.told != '\0');
+        remove(folder.path() / "page.html");
+        const auto following = start("log --follow");
+        waitFor(folder.path(), "complaint", [&] { return !following.errors().empty(); });
+        spoilt.reset();
+        if (is_directory(log))
+            remove_all(log);
+        std::ofstream(log, std::ios::binary | std::ios::app) << wide(record("two\r\n"));
+        waitFor(folder.path(), "line", [&] { return following.output().ends_with("two\n"); });
+        EXPECT_EQ(linesOf(following.errors()).size(), 1u) << following.errors();
     }
 }
 

@@ -9,6 +9,8 @@
 #include "tarnctl/log/route.h"
 #include "tarnctl/log/textoutput.h"
 #include "tarnctl/log/traceoutput.h"
+#include "tarnctl/unread.h"
+#include "vxtl/scopeexit.h"
 #include "vxtl/str.h"
 
 #include <charconv>
@@ -102,34 +104,61 @@ std::unique_ptr<Output> makeOutput(const Options& options, const Context& contex
     return std::make_unique<TextOutput>(stream, coloured ? TextOutput::Colours::ByLevel : TextOutput::Colours::None);
 }
 
-ExitCode showLog(const Context& context, const Options& options)
+ExitCode printLog(const Context& context, const Options& options, const std::filesystem::path& path)
 {
-    const auto path =
-        options.file.empty() ? logreading::logLocation() : std::filesystem::absolute(vx::str::fromUtf8(options.file));
     Filter filter(wantedBy(options));
-    LogReader reader(path);
-    // Watching begins before reading, so that nothing written in between goes unnoticed.
-    DirectoryWatch watch(path.parent_path());
-    if (!reader.rewind() && !options.follow)
+    Unread unread;
+    const vx::ScopeExit saying([&] { unread.say(context.errors); });
+    LogReader reader(path, [&](const auto& exception) { unread.take(exception); });
+    if (!reader.rewind()) {
+        if (unread.any())
+            return ExitCode::Unreadable;
         throw CommandError(ExitCode::Unreadable, "there is no log " + vx::str::toUtf8Lossy(path.native()));
+    }
     const auto file = newFileOf(options);
     auto& stream = file ? file->stream() : context.output;
     const auto output = makeOutput(options, context, stream);
     const auto sink = route(filter, *output);
     reader.read(sink);
-    // Whoever reads a pipe may have had enough.
-    while (options.follow && stream) {
-        output->flush();
-        watch.wait(nullptr, recheckMs);
-        reader.read(sink);
-    }
     reader.finish(sink);
     output->end();
     if (!stream)
         throw CommandError(ExitCode::Unreadable, "the output cannot be written");
     if (file)
         file->keep();
-    return ExitCode::Healthy;
+    return unread.any() ? ExitCode::Unreadable : ExitCode::Healthy;
+}
+
+/// A file that can't be read now may be readable at the next look: a scanner of viruses holds it for a moment.
+ExitCode followLog(const Context& context, const Options& options, const std::filesystem::path& path)
+{
+    Filter filter(wantedBy(options));
+    Unread unread;
+    LogReader reader(path, [&](const auto& exception) { unread.take(exception); });
+    // Watching begins before reading, so that nothing written in between goes unnoticed.
+    DirectoryWatch watch(path.parent_path());
+    const auto output = makeOutput(options, context, context.output);
+    const auto sink = route(filter, *output);
+    // Whoever reads a pipe may have had enough.
+    for (bool isThere = false; context.output; watch.wait(nullptr, recheckMs)) {
+        try {
+            isThere = isThere || reader.rewind();
+            if (isThere)
+                reader.read(sink);
+        } catch (const vx::Win32Exception& exception) {
+            unread.take(exception);
+        }
+        output->flush();
+        unread.say(context.errors);
+    }
+    throw CommandError(ExitCode::Unreadable, "the output cannot be written");
+}
+
+ExitCode showLog(const Context& context, const Options& options)
+{
+    const auto path =
+        options.file.empty() ? logreading::logLocation() : std::filesystem::absolute(vx::str::fromUtf8(options.file));
+    return options.follow ? followLog(context, options, path) : printLog(context, options, path);
 }
 
 } // namespace
