@@ -106,7 +106,7 @@ class PackageTest(unittest.TestCase):
             ("--json", "keys"): (3, '"trouble":"the store can\'t be reached"'),
             ("proxy", "http://server/"): (3, "tarnctl: the settings can't be read: "),
             ("log", "--since", "then"): (2, "tarnctl: --since takes a time"),
-            ("bundle", "b.cab"): (0, "wrote b.cab"),
+            ("bundle", "b.cab"): (3, "keys.jsonl in it says what could not be read"),
         }
         for arguments, (code, text) in rows.items():
             with self.subTest(arguments):

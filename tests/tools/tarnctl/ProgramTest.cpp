@@ -9,6 +9,7 @@ namespace support {
 namespace {
 
 using testing::ElementsAre;
+using testing::EndsWith;
 using testing::HasSubstr;
 using testing::Not;
 using testing::StartsWith;
@@ -90,6 +91,8 @@ TEST_F(TarnctlProgramTest, givesOutABrokenLogInEveryForm)
     EXPECT_FALSE(json::parse(readFile(folder.path() / "trace.json")).at("traceEvents").empty());
     EXPECT_EQ(ask("log --html " + inFolder("page.html")).code, 0u);
     EXPECT_THAT(readFile(folder.path() / "page.html"), HasSubstr("three\nx\n"));
+    EXPECT_EQ(ask("log --html " + inFolder("ProgramData")).code, 3u);
+    EXPECT_FALSE(exists(folder.path() / "ProgramData.part"));
 }
 
 TEST_F(TarnctlProgramTest, tellsAFileThatShrinksAnewFromItsBeginning)
@@ -112,7 +115,7 @@ TEST_F(TarnctlProgramTest, tellsAFileThatShrinksAnewFromItsBeginning)
         ElementsAre(record("one"), record("two"), record("one"), StartsWith("202"), record("three")));
 }
 
-TEST_F(TarnctlProgramTest, saysWhichFileItCannotRead)
+TEST_F(TarnctlProgramTest, saysWhichFileItCannotReadAndTellsTheOthers)
 {
     const auto rotated = log.parent_path() / "tarnhd.1.log";
     const auto hold = [](const std::filesystem::path& file) {
@@ -123,13 +126,15 @@ TEST_F(TarnctlProgramTest, saysWhichFileItCannotRead)
         const char* trace;
         std::filesystem::path file;
         std::function<std::shared_ptr<void>()> spoil;
+        const char* told = "";
     } rows[] = {
         {"held by another program", log, [&] { return hold(log); }},
         {"an older one", rotated,
             [&] {
-                writeFile(log, "");
+                writeFile(log, wide(record("one\r\n")));
                 return hold(rotated);
-            }},
+            },
+            "one\n"},
         {"no rights", log,
             [&] {
                 remove_all(log.parent_path());
@@ -139,10 +144,9 @@ TEST_F(TarnctlProgramTest, saysWhichFileItCannotRead)
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(row.trace);
-        const auto spoilt = row.spoil();
+        auto spoilt = row.spoil();
         const auto trouble = "cannot read " + row.file.string() + ": ";
-        for (const auto& command :
-            Texts{"log", "--json log", "log --html " + inFolder("page.html"), "log --follow", "why scan"}) {
+        for (const auto& command : Texts{"log", "--json log", "log --html " + inFolder("page.html"), "why scan"}) {
             const auto answer = ask(command);
             EXPECT_EQ(answer.code, 3u) << command;
             EXPECT_THAT(answer.errors, StartsWith("tarnctl: " + trouble)) << command;
@@ -151,19 +155,32 @@ TEST_F(TarnctlProgramTest, saysWhichFileItCannotRead)
         const auto verdict = checked("log lines");
         EXPECT_EQ(verdict.at("verdict"), "unreadable");
         EXPECT_THAT(verdict.at("evidence").get<std::string>(), StartsWith(trouble));
+        EXPECT_THAT(ask("log").output, EndsWith(row.told));
+        EXPECT_EQ(exists(folder.path() / "page.html"), *row.told != '\0');
+        remove(folder.path() / "page.html");
+        const auto following = start("log --follow");
+        waitFor(folder.path(), "complaint", [&] { return !following.errors().empty(); });
+        spoilt.reset();
+        if (is_directory(log))
+            remove_all(log);
+        std::ofstream(log, std::ios::binary | std::ios::app) << wide(record("two\r\n"));
+        waitFor(folder.path(), "line", [&] { return following.output().ends_with("two\n"); });
+        EXPECT_EQ(linesOf(following.errors()).size(), 1u) << following.errors();
     }
 }
 
 TEST_F(TarnctlProgramTest, saysWhatItCannotTellWithoutTheStore)
 {
     const struct {
-        const char* command;
+        std::string command;
         const char* output;
         const char* errors;
     } rows[] = {
         {"keys", "can't be read: the store can't be reached  (default 24)  hours",
             "present values can't be read: Server is unreachable"},
         {"why scan", "now: the store can't be read: Server is unreachable\n", ""},
+        {"bundle " + inFolder("b.cab"),
+            "b.cab; passwords are hidden in it\nwhy-scan.txt in it says what could not be read\n", ""},
         {"proxy http://server/", "", "tarnctl: the settings can't be read: Server is unreachable\n"},
     };
     for (const auto& row : rows) {
