@@ -103,7 +103,7 @@ class PackageTest(unittest.TestCase):
             ("codes",): (0, "8  Internal error; Resource already exists."),
             ("log", "--file", "t.log", "--grep", "one"): (0, "[0010.0001]  I: one"),
             ("--json", "keys"): (3, '"trouble":"the store can\'t be reached"'),
-            ("bundle", "b.cab"): (0, "wrote b.cab"),
+            ("bundle", "b.cab"): (3, "keys.jsonl in it says what could not be read"),
         }
         for arguments, (code, text) in rows.items():
             with self.subTest(arguments):

@@ -180,7 +180,7 @@ TEST_F(NetworkTest, needsNoMoreMemoryForAGigabyte)
     ASSERT_GT(peak, 0u);
     EXPECT_EQ(fetchTo(L"NUL", server + "/large.bin"), exitstatus::success);
     EXPECT_EQ(downloader->getHeaders()[L"content-length"], L"1073741824");
-    // The buffer, and the stack of a thread that the system begins after a while.
-    EXPECT_LE(peakMemory() - peak, 0x40000u + (1u << 20));
+    // The buffer, and stacks of threads that the system begins: how many hangs on how busy the machine is.
+    EXPECT_LE(peakMemory() - peak, 16u << 20);
     EXPECT_LE((footprint() - before).heapBytes, 1 << 16);
 }

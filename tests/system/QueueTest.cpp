@@ -28,16 +28,11 @@ struct Step {
     std::string outcome; ///< empty when the worker did not come back from it
 };
 
-/// By the plan "mixed" three items are pushed, one of them is removed again and the oldest one popped. By "own" two are
-/// pushed and removed again, so each worker finds what it alone has left.
-Step stepOf(const std::string& plan, const std::string& worker, unsigned number)
+/// Two items are pushed and removed again, so each worker finds what it alone has left.
+Step stepOf(const std::string& worker, unsigned number)
 {
-    const auto step = [&](const char* kind, unsigned item) {
-        return Step{kind, worker + '-' + std::to_string(item), {}};
-    };
-    if (plan == "own")
-        return number % 4 < 2 ? step("push", number) : step("remove", number - 2);
-    return number % 5 == 2 ? step("remove", number - 1) : step(number % 5 == 4 ? "pop" : "push", number);
+    const bool isPush = number % 4 < 2;
+    return {isPush ? "push" : "remove", worker + '-' + std::to_string(isPush ? number : number - 2), {}};
 }
 
 /// A worker's access to the store. Death in a write is what can harm others: it may be carried out afterwards.
@@ -74,25 +69,23 @@ void carryOut(Step& step, vx::tarn::common::IDeploymentQueue& queue)
     step.outcome = "done";
     if (step.kind == "push")
         queue.pushBack(vx::str::fromUtf8(step.text));
-    else if (step.kind == "pop")
-        queue.pop();
     else if (!queue.remove(vx::str::fromUtf8(step.text)))
         step.outcome = "nothing";
 }
 
-/// In the worker's process, with the argument "name plan steps microseconds": notes each step before and after. With
+/// In the worker's process, with the argument "name steps microseconds": notes each step before and after. With
 /// microseconds it dies in the write of its last step.
 int work()
 {
     std::istringstream argument(vx::str::toUtf8(support::ChildTest::argument()));
-    std::string name, plan;
+    std::string name;
     unsigned steps = 0, life = 0;
-    argument >> name >> plan >> steps >> life;
+    argument >> name >> steps >> life;
     const auto end = makeEndEvent();
     const auto store = std::make_shared<MortalSettings>();
     const auto queue = CommonFactory().createDeploymentQueue(std::make_shared<vx::settings::Settings>(store));
     for (unsigned i = 0; i < steps && !vx::sync::waitForSingleObject(*end, 0); ++i) {
-        Step step = stepOf(plan, name, i);
+        Step step = stepOf(name, i);
         std::printf("%s %s", step.kind.c_str(), step.text.c_str());
         std::fflush(stdout);
         if (life > 0 && i + 1 == steps)
@@ -116,7 +109,7 @@ std::vector<Step> notesOf(const ChildProcess& worker)
     return notes;
 }
 
-/// What a worker of the plan "own" has left by the steps that it came back from. Those that did not find what they
+/// What a worker has left by the steps that it came back from. Those that did not find what they
 /// wanted to remove are added to `lost`.
 Texts leftBy(const std::vector<Step>& notes, std::size_t& lost)
 {
@@ -144,43 +137,17 @@ protected:
     const ChildProcess store = tarnhost("store --file \"" + storeFile.string() + '"');
 };
 
-TEST_F(QueueTest, losesAndDoublesNothingBetweenTwoProcesses)
-{
-    const ChildProcess workers[] = {startWorker("a mixed 1000"), startWorker("b mixed 1000")};
-    for (const ChildProcess& worker : workers)
-        ASSERT_EQ(worker.wait(), 0u) << worker.errors();
-    const Texts left = queue();
-    std::size_t expected = 0;
-    for (const ChildProcess& worker : workers) {
-        const auto notes = notesOf(worker);
-        ASSERT_EQ(notes.size(), 1000u);
-        // Of its items those that are left stand in the order in which they were pushed, each once.
-        Texts pushed, own;
-        for (const Step& note : notes) {
-            ASSERT_FALSE(note.outcome.empty());
-            const bool isPush = note.kind == "push";
-            if (note.outcome == "done")
-                expected += isPush ? 1u : -1u;
-            if (isPush && std::ranges::find(left, note.text) != left.end())
-                pushed.push_back(note.text);
-        }
-        std::ranges::copy_if(left, std::back_inserter(own), [&](const auto& t) { return t[0] == notes[0].text[0]; });
-        EXPECT_EQ(own, pushed);
-    }
-    EXPECT_EQ(left.size(), expected);
-}
-
 TEST_F(QueueTest, holdsWhatSurvivorsDidWhenOthersDieInTheirWrites)
 {
     const auto end = makeEndEvent();
     const auto queueOfThisProcess = CommonFactory().createDeploymentQueue();
     const auto remove = [&](const std::string& text) { return queueOfThisProcess->remove(vx::str::fromUtf8(text)); };
-    const ChildProcess survivors[] = {startWorker("a own 100000000"), startWorker("b own 100000000")};
+    const ChildProcess survivors[] = {startWorker("a 100000000"), startWorker("b 100000000")};
     std::mt19937 random(20);
     constexpr int deaths = 20;
     std::size_t inFlight = 0, lost = 0;
     for (int round = 0; round < deaths; ++round) {
-        const auto victim = startWorker("r" + std::to_string(round) + " own " + std::to_string(1 + random() % 6) + ' ' +
+        const auto victim = startWorker("r" + std::to_string(round) + ' ' + std::to_string(1 + random() % 6) + ' ' +
                                         std::to_string(1 + random() % 1500));
         ASSERT_TRUE(victim.wait()) << victim.errors();
         const auto notes = notesOf(victim);

@@ -19,7 +19,6 @@ namespace {
 using namespace std::chrono_literals;
 namespace common = vx::tarn::common;
 using devhost::service::makeTrigger;
-using devhost::service::TriggerType;
 using vx::ServiceState;
 using vx::tarn::WUSPoll;
 
@@ -37,9 +36,8 @@ struct Computer : common::CommonFactory, common::IComputerRebooter, common::Regi
     std::shared_ptr<common::IRegistryKeyNotifier> createRegistryKeyNotifier() override { return {notOwned, this}; }
     void notifyChangeKeyValue(unsigned long, const vx::IWaitable& event) override { SetEvent(event.getHandle()); }
     std::shared_ptr<common::IComputerRebooter> createComputerRebooter() override { return {notOwned, this}; }
-    bool initiateReboot() override { return ++rebootsAsked, false; }
+    bool initiateReboot() override { return false; }
 
-    int rebootsAsked = 0;
     const std::shared_ptr<void> notOwned;
 };
 
@@ -49,14 +47,8 @@ protected:
     ServiceRoundsTest()
     {
         service.stop();
-        set(true, -1);
+        store->set(settings.installation.reboot.askUser, true);
         clock.now = now * vx::ticksPerSecond;
-    }
-    void set(bool askUser, std::int64_t forceInSeconds)
-    {
-        store->set(settings.installation.reboot.askUser, askUser);
-        store->set(settings.installation.reboot.forceInSeconds, forceInSeconds);
-        store->set(settings.installation.reboot.forceIn, 24);
     }
     WUSPoll poll(std::chrono::milliseconds serviceStopWait)
     {
@@ -104,38 +96,6 @@ TEST_F(ServiceRoundsTest, stopTheServiceAgainAndAgainWhateverItAnswersAndWithout
         EXPECT_TRUE(round(row.poll));
         EXPECT_EQ(log.count(row.logged), 1u) << log.text();
         EXPECT_EQ(service.state(), row.then);
-    }
-}
-
-TEST_F(ServiceRoundsTest, askForTheRebootBehindTheDeadlineOnly)
-{
-    const struct {
-        const char* label;
-        bool askUser;
-        std::int64_t forceInSeconds, created;
-        TriggerType type;
-        int asked;
-    } rows[] = {
-        {"the user is asked", true, -2, 1, TriggerType::Qword, 0},
-        {"at once, in the same second", false, 0, now, TriggerType::Qword, 0},
-        {"at once, a second later", false, 0, now - 1, TriggerType::Qword, 1},
-        {"not set, within the hours", false, -1, now - 24 * 3600, TriggerType::Qword, 0},
-        {"not set, behind the hours", false, -1, now - 24 * 3600 - 1, TriggerType::Qword, 1},
-        {"before the request", false, -2, now, TriggerType::Qword, 1},
-        {"a request of no time", false, -2, 0, TriggerType::Qword, 0},
-        {"a request without time", false, -2, 1, TriggerType::None, 0},
-        {"a time of 32 bits", false, -2, 1, TriggerType::Dword, 0},
-        {"a time as text", false, -2, 1, TriggerType::String, 0},
-        {"a request in the future", false, 0, now + 1, TriggerType::Qword, 0},
-    };
-    WUSPoll poll = this->poll(deadline);
-    for (const auto& row : rows) {
-        SCOPED_TRACE(row.label);
-        set(row.askUser, row.forceInSeconds);
-        makeTrigger(row.created, row.type);
-        computer.rebootsAsked = 0;
-        EXPECT_TRUE(round(poll));
-        EXPECT_EQ(computer.rebootsAsked, row.asked);
     }
 }
 

@@ -83,6 +83,16 @@ protected:
             std::this_thread::sleep_for(5ms);
         missing += condition() ? 0 : 1;
         longest = std::max(longest, since(begun));
+        if (isOn() && since(begun) > 2s)
+            showWhatWasSlow();
+    }
+    void showWhatWasSlow()
+    {
+        std::printf("slow, round %u of %s: %lld ms\n", figures.times, figures.part.c_str(),
+            static_cast<long long>(since(begun).count()));
+        const auto& lines = log();
+        for (auto line = lines.end() - std::min<std::ptrdiff_t>(40, std::ssize(lines)); line != lines.end(); ++line)
+            std::printf("  %s\n", line->c_str());
     }
     void killAndRestartStore()
     {
@@ -182,11 +192,12 @@ TEST_P(SoakTest, killsOfTheStore)
             pause(120);
         }
         killAndRestartStore();
-        begin();
         if (!isBefore) {
             change();
             request();
         }
+        // Of the writes each waits for the disk.
+        begin();
         expectPublished();
         expectAcknowledged();
     }
@@ -197,16 +208,18 @@ TEST_P(SoakTest, killsDuringTheStart)
 {
     figures.part = "kills at the start";
     for (const unsigned count = asked("STARTS", 1); figures.times < count; ++figures.times) {
-        const std::size_t processing = logCount("Run processing"), answered = logCount("Setup action scheduler.");
+        const std::size_t processing = logCount("Run processing"), answered = logCount("Setup action scheduler."),
+                          started = logCount("LOGGING STARTED");
         unsigned none = 0;
         milliseconds unused{0};
         host.emplace(tarnhost("run --no-store --no-profile"));
-        pause(1500);
+        waitForLog("LOGGING STARTED", started + 1);
+        pause(1000);
         killAndRestartStore();
         begin();
         await(none, unused, [&] { return logCount("Run processing") > processing; });
-        begin();
         request(scanStart);
+        begin();
         isScan = true;
         expectAcknowledged();
         begin();
@@ -264,9 +277,9 @@ TEST_P(SoakTest, growsByNothing)
     std::optional<Held> first;
     for (; since(started) < end; ++figures.times) {
         killAndRestartStore();
-        begin();
         change();
         request();
+        begin();
         expectPublished();
         expectAcknowledged();
         // The first rounds fill what is kept for good.

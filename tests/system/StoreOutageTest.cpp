@@ -22,15 +22,6 @@ TEST_F(StoreOutageTest, aPlugInThatStartsDuringAnOutageWaitsForItsEnd)
     scan(1);
 }
 
-TEST_F(StoreOutageTest, aStopEndsTheWaitForTheStore)
-{
-    host.emplace(tarnhost("run --no-store --no-profile"));
-    EXPECT_EQ(command("status --wait 20"), 0u);
-    waitForLog("LOGGING STARTED");
-    EXPECT_EQ(stopHost(), 0u);
-    EXPECT_EQ(logCount("Failed to initialize handler plugin: "), 1u);
-}
-
 TEST_F(StoreOutageTest, writesMadeMeanwhileArriveWhenTheStoreIsBack)
 {
     const Gate gate("outage");

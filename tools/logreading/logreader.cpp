@@ -22,11 +22,6 @@ namespace {
 constexpr unsigned highestIndex = 100;
 constexpr std::size_t bufferSize = 262'144;
 
-std::wstring systemText(DWORD code)
-{
-    return vx::str::trim(vx::Win32ErrorCategory::emptyReason(code));
-}
-
 /// NAME.log for 0, NAME.1.log for 1.
 std::filesystem::path fileName(const std::filesystem::path& current, unsigned index)
 {
@@ -110,7 +105,8 @@ private:
 
     [[noreturn]] static void fail(const std::filesystem::path& path, DWORD code)
     {
-        VX_THROW_WIN32(code, L"cannot read " + path.native() + L": " + systemText(code));
+        const auto reason = vx::str::trim(vx::Win32ErrorCategory::emptyReason(code));
+        VX_THROW_WIN32(code, L"cannot read " + path.native() + L": " + reason);
     }
 
     std::uint64_t size() const
@@ -147,7 +143,9 @@ private:
     std::uint64_t m_offset = 0;
 };
 
-LogReader::LogReader(std::filesystem::path file) : m_current(std::move(file)) {}
+LogReader::LogReader(std::filesystem::path file, PassedOver passedOver)
+    : m_current(std::move(file)), m_passedOver(std::move(passedOver))
+{}
 
 LogReader::~LogReader() = default;
 
@@ -156,7 +154,7 @@ bool LogReader::rewind()
     m_splitter = {};
     m_position.reset();
     if (const auto oldest = openOldest())
-        m_position = std::make_unique<Position>(positionIn(*oldest));
+        notePosition(*oldest);
     return m_position != nullptr;
 }
 
@@ -165,21 +163,31 @@ void LogReader::read(const LineSplitter::Sink& sink)
     // Between the calls nothing is open: the logger could not replace a file that somebody holds.
     const vx::ScopeExit closing([this] { m_file.reset(); });
     m_file = m_position ? reopen(sink) : open(0);
-    if (m_file) {
+    if (!m_file)
+        return;
+    // Before anything is told: the call may end by an exception anywhere, and the next one tells nothing twice.
+    notePosition(*m_file);
+    drain(sink);
+    while (advance(sink))
         drain(sink);
-        while (advance(sink))
-            drain(sink);
-        m_position = std::make_unique<Position>(positionIn(*m_file));
+    notePosition(*m_file);
+}
+
+std::unique_ptr<LogReader::File> LogReader::open(unsigned index)
+{
+    try {
+        return File::open(fileName(m_current, index));
+    } catch (const vx::Win32Exception& exception) {
+        if (!m_passedOver)
+            throw;
+        ++m_passedOverCount;
+        m_passedOver(exception);
+        return nullptr;
     }
 }
 
-std::unique_ptr<LogReader::File> LogReader::open(unsigned index) const
-{
-    return File::open(fileName(m_current, index));
-}
-
 /// A number may be missing, for a moment in each rotation or for good; what lies beyond it is older all the same.
-std::unique_ptr<LogReader::File> LogReader::openOldest() const
+std::unique_ptr<LogReader::File> LogReader::openOldest()
 {
     std::unique_ptr<File> oldest;
     for (unsigned index = 0; index <= highestIndex; ++index)
@@ -188,23 +196,23 @@ std::unique_ptr<LogReader::File> LogReader::openOldest() const
     return oldest;
 }
 
-LogReader::Position LogReader::positionIn(const File& file) const
+void LogReader::notePosition(const File& file)
 {
-    Position position{file.identity(), std::nullopt, file.offset()};
+    auto position = std::make_unique<Position>(Position{file.identity(), std::nullopt, file.offset()});
     for (unsigned index = 0; index <= highestIndex; ++index) {
         const auto candidate = open(index);
         if (!candidate || !candidate->isSame(file))
             continue;
         if (const auto older = open(index + 1))
-            position.older = older->identity();
+            position->older = older->identity();
         break;
     }
-    return position;
+    m_position = std::move(position);
 }
 
 /// Whether the file of this index, with the number of the one in which reading stood, is that one and was cut.
 /// Another one that was given the number is newer, and comes after another file.
-bool LogReader::wasCut(unsigned index) const
+bool LogReader::wasCut(unsigned index)
 {
     const auto older = open(index + 1);
     const auto& known = m_position->older;
@@ -212,9 +220,10 @@ bool LogReader::wasCut(unsigned index) const
 }
 
 /// The file in which reading stood. Files only move up, so one walk up cannot miss it. When it is gone, the
-/// oldest one that is left.
+/// oldest one that is left. Null when it may be one that can't be opened now.
 std::unique_ptr<LogReader::File> LogReader::reopen(const LineSplitter::Sink& sink)
 {
+    const auto passedOver = m_passedOverCount;
     for (unsigned index = 0; index <= highestIndex; ++index) {
         auto file = open(index);
         if (!file || !file->hasNumber(m_position->file))
@@ -228,6 +237,8 @@ std::unique_ptr<LogReader::File> LogReader::reopen(const LineSplitter::Sink& sin
             return file;
         }
     }
+    if (m_passedOverCount != passedOver)
+        return nullptr;
     m_splitter.finish(sink);
     return openOldest();
 }
@@ -236,6 +247,7 @@ std::unique_ptr<LogReader::File> LogReader::reopen(const LineSplitter::Sink& sin
 /// rotation is just going on; the next call finds it finished.
 bool LogReader::advance(const LineSplitter::Sink& sink)
 {
+    const auto passedOver = m_passedOverCount;
     const auto isAt = [this](unsigned index) {
         const auto file = open(index);
         return file && file->isSame(*m_file);
@@ -243,7 +255,7 @@ bool LogReader::advance(const LineSplitter::Sink& sink)
     unsigned index = 0;
     while (index <= highestIndex && !isAt(index))
         ++index;
-    if (index == 0)
+    if (index == 0 || (index > highestIndex && m_passedOverCount != passedOver))
         return false;
     auto next = index > highestIndex ? openOldest() : openSuccessor(index);
     // A rotation moves the older file first. So if the present file has not moved, the newer one opened
@@ -254,12 +266,13 @@ bool LogReader::advance(const LineSplitter::Sink& sink)
     drain(sink);
     m_splitter.finish(sink);
     m_file = std::move(next);
+    notePosition(*m_file);
     return true;
 }
 
 /// The next newer file. Within a rotation it may still bear its old number; then nothing may have come to
 /// stand between the two while it was opened.
-std::unique_ptr<LogReader::File> LogReader::openSuccessor(unsigned index) const
+std::unique_ptr<LogReader::File> LogReader::openSuccessor(unsigned index)
 {
     for (unsigned newer = index; newer-- > 0;) {
         auto file = open(newer);
@@ -276,8 +289,10 @@ std::unique_ptr<LogReader::File> LogReader::openSuccessor(unsigned index) const
 void LogReader::drain(const LineSplitter::Sink& sink)
 {
     m_buffer.resize(bufferSize);
-    for (auto bytes = m_file->readSome(m_buffer); !bytes.empty(); bytes = m_file->readSome(m_buffer))
+    for (auto bytes = m_file->readSome(m_buffer); !bytes.empty(); bytes = m_file->readSome(m_buffer)) {
+        m_position->offset = m_file->offset();
         m_splitter.take(bytes, sink);
+    }
 }
 
 } // namespace logreading

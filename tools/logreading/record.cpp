@@ -38,7 +38,7 @@ enum Fitting : std::uint8_t { Digit = 1, Hexadecimal = 2, Any = 4, Itself = 8 };
 
 constexpr auto fittings = [] {
     std::array<std::uint8_t, 256> table{};
-    for (unsigned code = 0; code < table.size(); ++code) {
+    for (unsigned code = 0; code != table.size(); ++code) {
         const auto character = static_cast<char>(code);
         const bool isHexadecimal = isDigit(character) || (character >= 'a' && character <= 'f');
         table[code] =
@@ -54,7 +54,7 @@ constexpr std::uint8_t wantedBy(char form)
 
 constexpr auto headerWants = [] {
     std::array<std::uint8_t, headerForm.size()> wants{};
-    for (std::size_t place = 0; place < wants.size(); ++place)
+    for (std::size_t place = 0; place != wants.size(); ++place)
         wants[place] = wantedBy(headerForm[place]);
     return wants;
 }();

@@ -31,7 +31,7 @@ int runCommandLine(const std::vector<std::string>& arguments, const std::vector<
         return static_cast<int>(code);
     };
     CLI::App app(description, "tarnctl");
-    Context context{output};
+    Context context{output, errors};
     Action chosen;
     app.footer(exitCodes());
     app.add_flag("--json", context.json, "print one JSON object per line");

@@ -13,6 +13,7 @@ namespace tarnctl {
 /// What all commands are given.
 struct Context {
     std::ostream& output;
+    std::ostream& errors;
     bool json = false; ///< one JSON object per line is wanted
 };
 

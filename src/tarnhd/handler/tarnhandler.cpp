@@ -170,10 +170,10 @@ void TarnHandler::runThreads(Subscriptions& subscriptions)
             DeploymentWatcher(*m_commonFactory, *m_tarnpatchSettings, *m_manager, *m_updaterLauncher, *m_stopEvent)
                 .waitPostRebootDeployCompleted();
         });
-        if (m_recovery)
-            recovery.emplace(*m_recovery, subscriptions);
         // A way out that is no stop must end the threads too.
         const ScopeExit end([this] { m_stopEvent->set(); });
+        if (m_recovery)
+            recovery.emplace(*m_recovery, subscriptions);
         m_running = true;
         waitForEvents();
     }

@@ -12,16 +12,22 @@ using logging::Level;
 using logging::LogStream;
 
 struct ChangeAnswers::Topic {
-    explicit Topic(ChangeAnswer c) : change(std::move(c)) {}
+    explicit Topic(ChangeAnswer c) : change(std::move(c))
+    {
+        if (!change.missed)
+            change.missed = change.answer;
+    }
 
-    const ChangeAnswer change;
+    ChangeAnswer change;
     sync::RecursiveMutex mutex; ///< held over an answer, which may change its own key
     std::atomic<bool> isDeferred = false;
-    bool isSubscribed = false; ///< of subscribe and the thread that makes up for it
+    Way deferred = &ChangeAnswer::answer; ///< guarded by mutex
+    bool isSubscribed = false;            ///< of subscribe and the thread that makes up for it
 };
 
-ChangeAnswers::ChangeAnswers(std::shared_ptr<StoreWatch> store, std::shared_ptr<RequestBook> requests)
-    : m_store(std::move(store)), m_requests(std::move(requests))
+ChangeAnswers::ChangeAnswers(
+    std::shared_ptr<StoreWatch> store, std::shared_ptr<RequestBook> requests, std::function<void()> onDeferred)
+    : m_store(std::move(store)), m_requests(std::move(requests)), m_onDeferred(std::move(onDeferred))
 {}
 
 ChangeAnswers::~ChangeAnswers() = default;
@@ -29,59 +35,77 @@ ChangeAnswers::~ChangeAnswers() = default;
 void ChangeAnswers::subscribe(Subscriptions& subscriptions, ChangeAnswer change)
 {
     Topic& topic = *m_topics.emplace_back(std::make_unique<Topic>(std::move(change)));
-    topic.isSubscribed = subscriptions.subscribe(topic.change.key,
-                             [this, &topic](const std::wstring&) { run(topic, topic.change.answer); }) != -1;
+    topic.isSubscribed = subscribe(subscriptions, topic);
 }
 
-void ChangeAnswers::run(Topic& topic, const std::function<void()>& answer)
+bool ChangeAnswers::subscribe(Subscriptions& subscriptions, Topic& topic)
+{
+    const auto answer = [this, &topic](const std::wstring&) { run(topic, &ChangeAnswer::answer); };
+    return subscriptions.subscribe(topic.change.key, answer) != -1;
+}
+
+void ChangeAnswers::run(Topic& topic, Way way)
 {
     const std::lock_guard lock(topic.mutex);
     // With what the caches remember it would answer an earlier change.
     if (!m_store->isReachable()) {
-        defer(topic);
+        defer(topic, way);
         return;
     }
     topic.isDeferred = false;
     const StoreWatch::Span span(*m_store);
     const ScopeExit end([&] {
         if (span.hasMetOutage())
-            defer(topic);
+            defer(topic, way);
     });
-    answer();
+    if (isServed(topic))
+        LogStream(Level::Info) << "Recovery: the change of " << topic.change.key << " has been answered already.";
+    else
+        (topic.change.*way)();
 }
 
-void ChangeAnswers::defer(Topic& topic) noexcept
+// A store that comes back may tell of a change only after that was found open: its agent is not to run twice.
+bool ChangeAnswers::isServed(const Topic& topic) const
 {
+    return topic.change.request != AgentStartReason::None && m_requests->isServed(topic.change.request);
+}
+
+void ChangeAnswers::defer(Topic& topic, Way way) noexcept
+{
+    topic.deferred = way;
     topic.isDeferred = true;
     if (topic.change.request != AgentStartReason::None)
         m_requests->withdraw(topic.change.request);
     LogStream(Level::Info) << "Recovery: the change of " << topic.change.key
                            << " met an unreachable store, it is answered when the store is back.";
+    // The outage itself may have been made up for while the answer still ran.
+    m_onDeferred();
 }
 
 void ChangeAnswers::answer(const std::wstring& key)
 {
     for (const auto& topic : m_topics)
         if (topic->change.key == key)
-            run(*topic, topic->change.answer);
+            run(*topic, &ChangeAnswer::answer);
 }
 
-bool ChangeAnswers::subscribeFailed(Subscriptions& subscriptions)
+ChangeAnswers::Tried ChangeAnswers::subscribeFailed(Subscriptions& subscriptions)
 {
-    bool areAllSubscribed = true;
+    Tried tried;
     for (const auto& topic : m_topics) {
         if (topic->isSubscribed)
             continue;
-        topic->isSubscribed = subscriptions.subscribe(topic->change.key,
-                                  [this, &t = *topic](const std::wstring&) { run(t, t.change.answer); }) != -1;
-        areAllSubscribed = areAllSubscribed && topic->isSubscribed;
+        topic->isSubscribed = subscribe(subscriptions, *topic);
+        tried.areAllMade = tried.areAllMade && topic->isSubscribed;
         if (!topic->isSubscribed)
             continue;
         LogStream(Level::Info) << "Recovery: the subscription of " << topic->change.key << " is made.";
         if (topic->change.request == AgentStartReason::None)
-            guarded([&] { run(*topic, topic->change.missed ? topic->change.missed : topic->change.answer); });
+            guarded([&] { run(*topic, &ChangeAnswer::missed); });
+        else
+            tried.isRequestMade = true;
     }
-    return areAllSubscribed;
+    return tried;
 }
 
 void ChangeAnswers::answerDeferred()
@@ -98,7 +122,7 @@ void ChangeAnswers::answerDeferred(Topic& topic)
     if (!topic.isDeferred.exchange(false) || topic.change.request != AgentStartReason::None)
         return;
     LogStream(Level::Info) << "Recovery: the change of " << topic.change.key << " is answered now.";
-    run(topic, topic.change.answer);
+    run(topic, topic.deferred);
 }
 
 void ChangeAnswers::serve(AgentStartReason request, const std::function<bool()>& isNeeded)
@@ -108,7 +132,7 @@ void ChangeAnswers::serve(AgentStartReason request, const std::function<bool()>&
             continue;
         const std::lock_guard lock(topic->mutex);
         if (isNeeded())
-            run(*topic, topic->change.answer);
+            run(*topic, &ChangeAnswer::answer);
     }
 }
 

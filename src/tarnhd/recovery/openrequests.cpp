@@ -26,6 +26,9 @@ std::optional<std::int64_t> OpenRequests::findOpen(AgentStartReason request) con
     // Once more: somebody may have begun with it between the two reads.
     if (start == ack || m_book->isAttended(request))
         return std::nullopt;
+    // The agent that has asked for the wait acknowledges by itself, and may be about to.
+    if (request == AgentStartReason::RemoteDeployment && m_settings.installation.completion.wait())
+        return std::nullopt;
     return start;
 }
 
@@ -43,18 +46,26 @@ bool OpenRequests::isAnyLeftAlone() const
 
 void OpenRequests::serve()
 {
+    guarded([&] { askForForgotten(); });
     for (const AgentStartReason request : remoteRequests)
-        guarded([&] { serve(request); });
+        guarded([&] { m_answers.serve(request, [&] { return judge(request); }); });
 }
 
-void OpenRequests::serve(AgentStartReason request)
+// Once for both: the second event could come behind the run that the first one begins.
+void OpenRequests::askForForgotten()
 {
-    if (!isForgotten(request)) {
-        m_answers.serve(request, [&] { return judge(request); });
-        return;
-    }
-    LogStream(Level::Info) << "Recovery: the start for the " << nameOf(request) << " is asked for once more.";
-    m_driver.startAgent();
+    bool isAny = false;
+    const auto look = [&](AgentStartReason request) {
+        if (!isForgotten(request))
+            return;
+        LogStream(Level::Info) << "Recovery: the start for the " << nameOf(request) << " is asked for once more.";
+        isAny = true;
+    };
+    // While nobody answers: an answer sets the reason before it asks for the start.
+    for (const AgentStartReason request : remoteRequests)
+        m_answers.serve(request, [&] { return look(request), false; });
+    if (isAny)
+        m_driver.startAgent();
 }
 
 bool OpenRequests::judge(AgentStartReason request)

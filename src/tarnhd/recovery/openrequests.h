@@ -27,7 +27,7 @@ private:
     /// The value that is to be acknowledged.
     std::optional<std::int64_t> findOpen(AgentStartReason request) const;
     bool isForgotten(AgentStartReason request) const;
-    void serve(AgentStartReason request);
+    void askForForgotten();
     bool judge(AgentStartReason request);
 
     const TarnpatchSettings m_settings;

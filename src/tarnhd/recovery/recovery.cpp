@@ -1,10 +1,10 @@
 #include "tarnhd/recovery/recovery.h"
 
 #include "tarnhd/recovery/recoverydriver.h"
+#include "vxtl/clock.h"
 #include "vxtl/guarded.h"
 
 #include <algorithm>
-#include <mutex>
 #include <utility>
 
 namespace vx::tarn {
@@ -14,7 +14,7 @@ using logging::LogStream;
 
 Recovery::Recovery(std::shared_ptr<StoreWatch> store, std::shared_ptr<RequestBook> book,
     const TarnpatchSettings& settings, std::unique_ptr<RecoveryDriver> driver, RecoveryPauses pauses)
-    : m_store(std::move(store)), m_driver(std::move(driver)), m_answers(m_store, book),
+    : m_store(std::move(store)), m_driver(std::move(driver)), m_answers(m_store, book, [this] { noteOutage(); }),
       m_requests(settings, book, m_answers, *m_driver), m_pauses(pauses)
 {
     m_store->setListener([this] { noteOutage(); });
@@ -67,7 +67,17 @@ bool Recovery::waitForWork()
         m_changed.waitFor(lock, m_refusedPause, isWoken);
     else
         m_changed.wait(lock, isWoken);
+    if (m_isOutage && !m_isStoreAway)
+        rest(lock);
     return !m_isStopped;
+}
+
+// What goes again in each round, or in what a round has others do, must not keep all of them busy for ever.
+void Recovery::rest(std::unique_lock<sync::Mutex>& lock)
+{
+    const auto left = m_restUntil - uptime();
+    m_rest = left.count() > 0 ? std::min(2 * m_rest, m_pauses.again) : m_pauses.outage;
+    m_changed.waitFor(lock, left, [this] { return m_isStopped; });
 }
 
 void Recovery::round(Subscriptions& subscriptions)
@@ -75,6 +85,7 @@ void Recovery::round(Subscriptions& subscriptions)
     const bool wasAway = m_isStoreAway;
     m_isStoreAway = !m_store->isReachable();
     if (m_isStoreAway) {
+        m_rest = m_pauses.outage;
         if (!wasAway)
             LogStream(Level::Info) << "Recovery: the store is away, it is looked for every " << m_pauses.outage.count()
                                    << " ms.";
@@ -85,9 +96,8 @@ void Recovery::round(Subscriptions& subscriptions)
     const bool isCheckDue = std::exchange(m_isCheckDue, false);
     lock.unlock();
     makeUp(subscriptions, wasOutage, isCheckDue);
-    lock.lock();
-    // One that goes again in each round must not be asked without a pause.
-    m_isStoreAway = m_isOutage;
+    if (wasOutage)
+        m_restUntil = uptime() + m_rest;
 }
 
 void Recovery::makeUp(Subscriptions& subscriptions, bool wasOutage, bool isCheckDue)
@@ -98,20 +108,22 @@ void Recovery::makeUp(Subscriptions& subscriptions, bool wasOutage, bool isCheck
         writeKeptValues();
         m_driver->publish();
     }
-    if (m_answers.subscribeFailed(subscriptions))
+    const auto [areAllMade, isRequestMade] = m_answers.subscribeFailed(subscriptions);
+    if (areAllMade)
         m_refusedPause = {};
     else
         m_refusedPause = std::min(std::max(2 * m_refusedPause, m_pauses.outage), m_pauses.longest);
     m_answers.answerDeferred();
-    if (wasOutage || isCheckDue)
+    if (wasOutage || isCheckDue || isRequestMade)
         m_requests.serve();
 }
 
 void Recovery::writeKeptValues()
 {
-    const bool areAnyKept = m_store->takeFailedWrites();
+    m_areAnyKept = m_store->takeFailedWrites() || m_areAnyKept;
+    const StoreWatch::Span span(*m_store);
     m_driver->writeKeptValues();
-    if (areAnyKept)
+    if (!span.hasMetOutage() && std::exchange(m_areAnyKept, false))
         LogStream(Level::Info) << "Recovery: the values that were kept meanwhile are written.";
 }
 

@@ -6,6 +6,7 @@
 
 #include <chrono>
 #include <memory>
+#include <mutex>
 
 namespace vx::tarn {
 
@@ -13,8 +14,9 @@ class RecoveryDriver;
 
 /// How long recovery sleeps before it looks again by itself.
 struct RecoveryPauses {
-    std::chrono::milliseconds outage{250};    ///< while the store is away
+    std::chrono::milliseconds outage{250};    ///< while the store is away, and after one is made up for
     std::chrono::milliseconds longest{60000}; ///< while it refuses a subscription; doubled up to this
+    std::chrono::milliseconds again{1500};    ///< after outages that follow close upon each other; doubled up to this
 };
 
 /// Makes up for what outages of the store, a start, and changes at the same time leave undone. Asleep while there is
@@ -52,6 +54,7 @@ private:
     void makeUp(Subscriptions& subscriptions, bool wasOutage, bool isCheckDue);
     void writeKeptValues();
     void noteOutage();
+    void rest(std::unique_lock<sync::Mutex>& lock);
 
     const std::shared_ptr<StoreWatch> m_store;
     const std::unique_ptr<RecoveryDriver> m_driver;
@@ -65,6 +68,9 @@ private:
     bool m_isCheckDue = true; ///< guarded by m_mutex
     // Of run's thread.
     bool m_isStoreAway = false;
+    bool m_areAnyKept = false;                ///< values that no round has written yet
+    std::chrono::milliseconds m_restUntil{0}; ///< uptime
+    std::chrono::milliseconds m_rest = m_pauses.outage;
     std::chrono::milliseconds m_refusedPause{0}; ///< 0 when all subscriptions are made
 };
 

@@ -42,14 +42,12 @@ public:
 
     /// Under the book's mutex.
     void take(AgentStartReason latest);
-    /// Reads the values that it is to acknowledge.
-    void begin();
 
 private:
     struct Answered {
         AgentStartReason request;
         unsigned withdrawals;
-        std::optional<std::int64_t> start; ///< empty when it could not be read
+        std::optional<std::int64_t> start;
     };
 
     bool isWithdrawn(const Answered& answered) const;
@@ -65,29 +63,18 @@ void RequestBook::BookRound::take(AgentStartReason latest)
         Entry& entry = m_book->m_entries[indexOf(request)];
         if (!entry.isPending)
             continue;
-        m_answered.push_back({request, entry.withdrawals, std::nullopt});
+        m_answered.push_back({request, entry.withdrawals, entry.pendingStart});
         entry.isPending = false;
         ++entry.roundsAtWork;
+        if (entry.pendingStart)
+            entry.countFor(*entry.pendingStart);
+        ++entry.runs;
         m_reason = request;
     }
-    if (m_answered.size() > 1)
-        m_reason = latest;
-}
-
-void RequestBook::BookRound::begin()
-{
-    const auto& operations = m_book->m_settings.remoteOperations;
-    for (Answered& answered : m_answered)
-        guarded("Recovery: failed to read a request: ", [&] {
-            answered.start = startOf(operations, answered.request);
-            const std::lock_guard lock(m_book->m_mutex);
-            Entry& entry = m_book->m_entries[indexOf(answered.request)];
-            entry.countFor(*answered.start);
-            ++entry.runs;
-        });
-    if (m_answered.size() > 1)
-        LogStream(Level::Info) << "Recovery: this run answers both requests, the remote scan and the remote "
-                                  "installation.";
+    if (m_answered.size() < 2)
+        return;
+    m_reason = latest;
+    LogStream(Level::Info) << "Recovery: this run answers both requests, the remote scan and the remote installation.";
 }
 
 RequestBook::BookRound::~BookRound()
@@ -133,10 +120,16 @@ RequestBook::RequestBook(const TarnpatchSettings& settings) : m_settings(setting
 
 void RequestBook::set(AgentStartReason reason)
 {
+    // Now, not when the round begins: what comes in between is acknowledged by nobody who has not seen it.
+    std::optional<std::int64_t> start;
+    guarded("Recovery: failed to read a request: ", [&] { start = startOf(m_settings.remoteOperations, reason); });
     const std::lock_guard lock(m_mutex);
     m_latest = reason;
-    if (reason != AgentStartReason::None)
-        m_entries[indexOf(reason)].isPending = true;
+    if (reason == AgentStartReason::None)
+        return;
+    Entry& entry = m_entries[indexOf(reason)];
+    entry.isPending = true;
+    entry.pendingStart = start;
 }
 
 AgentStartReason RequestBook::get() const
@@ -148,11 +141,8 @@ AgentStartReason RequestBook::get() const
 std::unique_ptr<StartReasons::Round> RequestBook::take()
 {
     auto round = std::make_unique<BookRound>(shared_from_this());
-    {
-        const std::lock_guard lock(m_mutex);
-        round->take(std::exchange(m_latest, AgentStartReason::None));
-    }
-    round->begin();
+    const std::lock_guard lock(m_mutex);
+    round->take(std::exchange(m_latest, AgentStartReason::None));
     return round;
 }
 
@@ -165,8 +155,17 @@ bool RequestBook::isPending(AgentStartReason request) const
 bool RequestBook::isAttended(AgentStartReason request) const
 {
     const std::lock_guard lock(m_mutex);
-    const Entry& entry = m_entries[indexOf(request)];
-    return entry.isPending || entry.roundsAtWork > 0;
+    return m_entries[indexOf(request)].isAttended();
+}
+
+bool RequestBook::isServed(AgentStartReason request) const
+{
+    const auto served = [&]() -> std::optional<std::int64_t> {
+        const std::lock_guard lock(m_mutex);
+        const Entry& entry = m_entries[indexOf(request)];
+        return entry.isAttended() && entry.served > 0 ? std::optional(entry.start) : std::nullopt;
+    }();
+    return served && startOf(m_settings.remoteOperations, request) == *served;
 }
 
 bool RequestBook::isAnyAtWork() const
@@ -179,6 +178,8 @@ void RequestBook::withdraw(AgentStartReason request)
 {
     const std::lock_guard lock(m_mutex);
     Entry& entry = m_entries[indexOf(request)];
+    if (!entry.isAttended() && entry.served > 0)
+        --entry.served;
     entry.isPending = false;
     entry.roundsAtWork = 0;
     ++entry.withdrawals;

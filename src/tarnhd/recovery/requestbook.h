@@ -7,6 +7,7 @@
 #include <array>
 #include <cstdint>
 #include <memory>
+#include <optional>
 
 namespace vx::tarn {
 
@@ -16,8 +17,8 @@ inline constexpr std::array<AgentStartReason, 2> remoteRequests{
     AgentStartReason::RemoteScan, AgentStartReason::RemoteDeployment};
 
 /// Remembers each request that asks for an agent start, and knows which of them somebody is at work on. A round answers
-/// all that were set before it, and acknowledges the values that their requests had when it began: what comes
-/// later is for the next one. Any thread.
+/// all that were set before it, and acknowledges the values that their requests had when they were set: what comes
+/// later is for the next one. Any thread; set reads the store.
 class RequestBook : public StartReasons, public std::enable_shared_from_this<RequestBook> {
 public:
     explicit RequestBook(const TarnpatchSettings& settings);
@@ -30,9 +31,12 @@ public:
     bool isPending(AgentStartReason request) const;
     /// Pending, or a round answers it.
     bool isAttended(AgentStartReason request) const;
+    /// Attended since judge said Serve, and its number is the same still. Reads the store.
+    bool isServed(AgentStartReason request) const;
     /// Whether a round is under way, one that answers no request included.
     bool isAnyAtWork() const;
-    /// Whoever has set it has not done all that belongs to it: no round answers it, not even one that has begun.
+    /// Whoever has set it has not done all that belongs to it: no round answers it, not even one that has begun. An
+    /// attempt that has not even set it does not count.
     void withdraw(AgentStartReason request);
 
     /// What is to become of a request that is open although nobody is at work on it.
@@ -50,6 +54,7 @@ private:
 
     struct Entry {
         bool isPending = false;
+        std::optional<std::int64_t> pendingStart; ///< empty when it could not be read
         unsigned roundsAtWork = 0;
         unsigned withdrawals = 0; ///< a round that began before the last one does not count
         std::int64_t start = 0;   ///< the value that the counts are of
@@ -57,6 +62,7 @@ private:
         unsigned runs = 0;
         bool isLeft = false;
 
+        bool isAttended() const { return isPending || roundsAtWork > 0; }
         void countFor(std::int64_t value);
     };
 

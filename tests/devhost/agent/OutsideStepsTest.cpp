@@ -131,35 +131,3 @@ TEST_F(OutsideStepsTest, areTakenWithTheProductsClassesAndNoPasswordIsShown)
     for (const std::string secret : {"secret", "sesame", "dGFybnBhdGNo"})
         EXPECT_EQ((shown + logged).find(secret), std::string::npos) << shown << logged;
 }
-
-TEST_F(OutsideStepsTest, giveTheMachineItsProxyBackHoweverTheRunEnds)
-{
-    const std::pair<json, unsigned long> rows[] = {
-        {{proxyStep, proxyStep}, 0},
-        {{proxyStep, {{"flyer", {{"type", 9}}}}}, 21},
-    };
-    for (const auto& [steps, expected] : rows) {
-        SCOPED_TRACE(steps.dump());
-        run(steps);
-        EXPECT_EQ(code, expected);
-        EXPECT_THAT(noted().front(), "winhttpProxy true");
-        EXPECT_EQ(machinesProxy(), L"before:1");
-    }
-}
-
-TEST_F(OutsideStepsTest, areRefusedWhereTheyAreIncomplete)
-{
-    const std::pair<json, const char*> rows[] = {
-        {{{"download", {{"url", "u"}}}}, ".download must be an object with url and target"},
-        {{{"certificate", {{"file", "f"}, {"store", "XY"}}}}, ".certificate.store must be MY, CA, ROOT or SPC"},
-        {{{"ipc", {{"channel", "c"}, {"type", -1}}}}, ".ipc.type must be from 0 to 4294967295"},
-        {{{"alert", json::object()}, {"flyer", json::object()}}, " must be a word, or an object with one step"},
-        {{{"fax", json::object()}}, ".fax is unknown"},
-    };
-    for (const auto& [step, fault] : rows) {
-        shown.clear();
-        run({step});
-        EXPECT_EQ(code, 2u);
-        EXPECT_THAT(shown, HasSubstr(std::string("tarnag: runs[0].steps[0]") + fault));
-    }
-}

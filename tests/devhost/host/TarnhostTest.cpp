@@ -12,7 +12,7 @@ using testing::Not;
 
 class TarnhostTest : public CommandTest {
 protected:
-    /// A host on the recording plug-in; up when this returns.
+    /// A host on the test plug-in; up when this returns.
     ChildProcess startHost(const std::string& options = {}) const
     {
         auto host = tarnhost("--json run --plugin \"" + (programFolder() / "host-test-plugin.dll").string() +
@@ -84,7 +84,7 @@ TEST_F(TarnhostTest, runsThePluginUntilItIsStoppedAndScansUntilTheAcknowledgemen
         EXPECT_EQ(life[name], 2) << name;
 }
 
-TEST_F(TarnhostTest, worksOnTheQueueInItsOrderAndShowsThePublishedPatches)
+TEST_F(TarnhostTest, worksOnTheQueueInItsOrder)
 {
     server.start();
     for (const auto* descriptor : {"ALL", "PRODUCT=Sample Reader", "all"})
@@ -92,13 +92,6 @@ TEST_F(TarnhostTest, worksOnTheQueueInItsOrderAndShowsThePublishedPatches)
     EXPECT_EQ(call("queue --pop").output, "took ALL\n");
     EXPECT_EQ(call("queue --remove all").code, 0);
     EXPECT_THAT(queue(), ElementsAre("PRODUCT=Sample Reader"));
-    put(settings.currentStatus.patchesToInstall,
-        {{{"user_friendly_update_name", "L\xC3\xA9o 2"}, {"product_name", "Reader"}, {"severity", 1},
-             {"status", {{"value", "installation_failed"}, {"code", "17"}}}},
-            {{"update_name", "kb"}, {"severity", 3}, {"status", {{"value", "file_downloading"}}}}});
-    EXPECT_EQ(call("patches").output, "NAME   PRODUCT  SEVERITY  STATE                CODE\n"
-                                      "L\xC3\xA9o 2  Reader   critical  installation_failed  17\n"
-                                      "kb              3         file_downloading\n");
 }
 
 // Each a process, as one has but one store for its life.
@@ -123,31 +116,6 @@ TEST_F(TarnhostTest, saysWhichWayADownloadWouldGo)
     put(communication.userDefinedProxy, "user:a@secret:1@proxy:3128");
     for (const auto* command : {"proxy http://server/a", "keys windows.tarnpatch.communication."})
         EXPECT_THAT(say(command), Not(HasSubstr("secret")));
-    put(communication.hqProxyUrl, "http://hq");
-    EXPECT_EQ(json::parse(say("--json proxy http://server/a")),
-        json({{"url", "http://hq/tarn/update?uri=http%3A%2F%2Fserver%2Fa"}, {"use_http_proxy", "user_defined"},
-            {"proxy", nullptr}, {"user", true}, {"password", true}, {"ignores_certificate_errors", true},
-            {"fault", nullptr}}));
     put(communication.userDefinedProxy, "proxy:99999999999");
     EXPECT_THAT(say("proxy http://server/a", 1), HasSubstr("a download can't begin: stoi argument out of range"));
-}
-
-TEST_F(TarnhostTest, printsTheEndOfALogAndFollowsItThroughARotation)
-{
-    const TemporaryFolder logs;
-    const auto file = logs.path() / "sample.log";
-    const auto write = [&](const std::u16string& text) {
-        writeFile(file, std::string(reinterpret_cast<const char*>(text.data()), text.size() * 2));
-    };
-    write(u"\uFEFFone\r\ntwo \u20AC\r\nthree\r\n");
-    EXPECT_EQ(call("log --lines 2 --file", file.string()).output, "two \xE2\x82\xAC\nthree\n");
-
-    const auto log = tarnhost("log --follow --file \"" + file.string() + "\"");
-    const auto expect = [&](const std::string& text) {
-        waitFor(folder.path(), text, [&] { return log.output() == text; });
-    };
-    expect("one\ntwo \xE2\x82\xAC\nthree\n");
-    std::filesystem::rename(file, logs.path() / "sample.1.log");
-    write(u"\uFEFFfour\r\n");
-    expect("one\ntwo \xE2\x82\xAC\nthree\nfour\n");
 }

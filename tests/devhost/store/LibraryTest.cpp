@@ -2,14 +2,11 @@
 
 #include "meridia-settings/qrlmeridiaapi.h"
 #include "stage.h"
-#include "support/childtest.h"
 
 using namespace devhost::store;
 using enum vx::meridia::QrlMeridiaError_enum;
 
 namespace {
-
-constexpr auto libraryName = L"vx_qrl_meridia_32.dll";
 
 struct Library : vx::meridia::QrlMeridiaApi {
     Library() { EXPECT_EQ(vx::meridia::loadQrlMeridiaApi(*this), vx::delayload::LoadStatus::Success); }
@@ -28,33 +25,7 @@ void VX_CDECL remember(const wchar_t* name, std::int32_t type, const void* value
     static_cast<support::Record*>(record)->add(narrowName + " " + std::to_string(type) + (value ? " value" : ""));
 }
 
-/// Ends with a handle open that is subscribed to "a".
-int leaveAHandleOpen()
-{
-    static support::Record ignored;
-    Library api;
-    return api.subscribe(api.open(), L"a", remember, &ignored) == Success ? 7 : 1;
-}
-
 } // namespace
-
-TEST_F(LibraryTest, lendsTexts)
-{
-    server.start();
-    const unsigned handle = api.open();
-    EXPECT_EQ(api.setString(handle, L"s", L"\x0416"), Success);
-    EXPECT_EQ(client.get("s"), Value::fromString("\xD0\x96"));
-    wchar_t* text = api.getString(handle, L"s", L"", &api.error);
-    EXPECT_STREQ(text, L"\x0416");
-    api.freeString(text);
-    EXPECT_EQ(api.setObjectFromStringUtf8(handle, L"o", "{\"a\":1}"), Success);
-    EXPECT_EQ(api.setObjectFromStringUtf8(handle, L"o", "{"), InvalidParameter);
-    char* object = api.getObjectAsStringUtf8(handle, L"o", &api.error);
-    EXPECT_STREQ(object, "{\"a\":1}");
-    api.freeString(object);
-    EXPECT_EQ(api.error, Success);
-    api.closeHandle(handle);
-}
 
 TEST_F(LibraryTest, givesTheDefaultAndTheCodeOnAFailure)
 {
@@ -79,13 +50,6 @@ TEST_F(LibraryTest, givesTheDefaultAndTheCodeOnAFailure)
         EXPECT_EQ(api.getInt64(row.handle, row.name, 1LL << 40, &api.error), 1LL << 40);
         EXPECT_EQ(api.error, row.code) << (row.name ? row.name : L"null");
     }
-    server.stop();
-    wchar_t* text = api.getString(handle, L"s", L"kept", &api.error);
-    EXPECT_STREQ(text, L"kept");
-    EXPECT_EQ(api.error, ServerUnreachable);
-    api.freeString(text);
-    server.start();
-    EXPECT_EQ(api.setString(handle, L"s", L"y"), Success);
     api.closeHandle(handle);
     api.closeHandle(0);
 }
@@ -112,33 +76,4 @@ TEST_F(LibraryTest, notifiesUntilUnsubscribedOrClosed)
     EXPECT_EQ(second.waitFor(2).back(), "a 0");
     EXPECT_EQ(first.size() + closed.size(), 2U);
     api.closeHandle(handle);
-}
-
-TEST_F(LibraryTest, aProcessEndsCalmlyWithAHandleLeftOpen)
-{
-    server.start();
-    EXPECT_EQ(support::ChildTest(L"leaveAHandleOpen", {}).wait(), 7U);
-}
-
-// The last one: it takes away this program's own hold of the library.
-TEST_F(LibraryTest, staysLoadedWhileAHandleIsOpen)
-{
-    server.start();
-    const HMODULE library = GetModuleHandleW(libraryName);
-    const unsigned handle = api.open();
-    api.subscribe(handle, L"a", remember, &heard);
-    FreeLibrary(library);
-    ASSERT_NE(GetModuleHandleW(libraryName), nullptr);
-    client.set("a", Value::fromInt32(1));
-    heard.waitFor(1);
-
-    LoadLibraryW(libraryName);
-    api.closeHandle(handle);
-    FreeLibrary(library);
-    EXPECT_EQ(GetModuleHandleW(libraryName), nullptr);
-}
-
-int main(int argc, char** argv)
-{
-    return support::mainWithChildren(argc, argv, {{"leaveAHandleOpen", leaveAHandleOpen}});
 }

@@ -11,6 +11,7 @@ using vx::delayload::LoadStatus;
 
 namespace {
 
+std::string numbers;                              // the library's, of flyers and their actions
 std::vector<std::wstring> calls;                  // "wrong" for one of another flyer
 std::map<std::wstring, std::vector<int>> planned; // what the next calls of a function answer, the last one first
 
@@ -30,11 +31,17 @@ VxFlyerError_enum note(const std::wstring& function, FlyerHandle flyer)
 
 LoadResult load(FlyerLibrary& library)
 {
-    library = {[](auto, auto, auto, auto, auto* flyer) { return note(L"create", *flyer = handle()); },
+    library = {[](auto, auto, auto, auto type, auto* flyer) {
+                   numbers += std::to_string(type);
+                   return note(L"create", *flyer = handle());
+               },
         [](auto flyer, auto) { return note(L"details", flyer); },
         [](auto flyer, auto, auto* action, auto) { return note(action ? L"item" : L"item without", flyer); },
         [](auto flyer, auto, auto* action, auto) { return note(action ? L"button" : L"button without", flyer); },
-        [](auto flyer, auto) { return note(L"action", flyer); },
+        [](auto flyer, auto* action) {
+            numbers += std::to_string(action->type) + ' ';
+            return note(L"action", flyer);
+        },
         [](auto flyer, auto, auto) { return note(L"show", flyer); }, [](auto flyer) { note(L"close", flyer); }};
     return {};
 }
@@ -59,6 +66,10 @@ TEST_F(VxFlyerApiTest, tellsTheLibraryWhatThereIsInOrderAndClosesTheFlyer)
     EXPECT_THAT(calls, ElementsAre(L"create", L"show", L"close"));
     api.showFlyer({0, L"", L"", {L""}, {}, {}, {}}, 0);
     EXPECT_EQ(calls[4], L"details") << "an empty line is one";
+    numbers.clear();
+    for (int type = 0; type < 4; ++type)
+        api.showFlyer({type, L"", L"", {}, {}, {}, actions::ButtonAction(type + 1)}, 0);
+    EXPECT_EQ(numbers, "21 32 10 03 ");
 }
 
 TEST_F(VxFlyerApiTest, failsEachStepWithItsFirstCodeAndTheTextOfTheSecondCall)

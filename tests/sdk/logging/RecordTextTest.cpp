@@ -46,12 +46,6 @@ TEST(StartupHeader, describesProcessAndModule)
         R"(Module  file: .*logging-backend-tests\.exe, Version: <no version>, File size: [1-9]\d+, )"
         R"(Created: \d{4}-\d\d-\d\d \d\d:\d\d:\d\d, Modified: 20\d\d-\d\d-\d\d \d\d:\d\d:\d\d)");
     matches(getModuleFileInfo("1.2.3.4"), ".*, Version: 1.2.3.4, .*");
-}
-
-TEST(StartupHeader, readsTheVersionOfAModuleThatHasOne)
-{
     // The system's own, with the build in the third place.
-    const std::string version = moduleVersionText(GetModuleHandleW(L"kernel32.dll"));
-    EXPECT_TRUE(std::regex_match(version, std::regex(R"((6|10)\.\d\.\d{4,5}\.\d+)"))) << version;
-    EXPECT_EQ(moduleVersionText(GetModuleHandleW(nullptr)), "");
+    matches(moduleVersionText(GetModuleHandleW(L"kernel32.dll")), R"((6|10)\.\d\.\d{4,5}\.\d+)");
 }

@@ -177,16 +177,6 @@ TEST_F(CachedSettingsTest, foreignExceptionPassesThroughAndLeavesTheValuePending
     EXPECT_EQ(3, store->getInt32Value(L"n"));
 }
 
-TEST_F(CachedSettingsTest, subscriberMayUseTheSettingsWhileTheWriteIsUnderWay)
-{
-    cached.subscribeForChanges(L"n", [&](const std::wstring&) {
-        EXPECT_EQ(1, cached.getInt32Value(L"n"));
-        cached.setInt32Value(L"reply", 2);
-    });
-    cached.setInt32Value(L"n", 1);
-    EXPECT_THAT(store->writes(), ElementsAre(L"n", L"reply"));
-}
-
 TEST_F(CachedSettingsTest, slowProviderHoldsUpNoOtherCaller)
 {
     store->hold([&] { cached.setInt32Value(L"n", 1); });

@@ -1,8 +1,6 @@
-#include "support/logcapture.h"
 #include "support/thrown.h"
 #include "vxtl-com/bstr.h"
 #include "vxtl-com/comptr.h"
-#include "vxtl-com/succeeded.h"
 #include "vxtl/comexception.h"
 
 #include <gtest/gtest.h>
@@ -59,13 +57,4 @@ TEST(Bstr, keepsTextsWithNulsAndCountsNoneAsEmpty)
     EXPECT_EQ(Bstr().text(), L"");
     EXPECT_EQ(
         support::thrown<vx::ComException>([] { Bstr(std::wstring_view(L"", 0x7FFFFFF0)); }).result(), E_OUTOFMEMORY);
-}
-
-TEST(Succeeded, logsOnlyFailuresWithTheSignedCode)
-{
-    const support::LogCapture log;
-    EXPECT_TRUE(succeeded(S_FALSE, "Failed. HRESULT = "));
-    EXPECT_EQ(log.text(), "");
-    EXPECT_FALSE(succeeded(static_cast<long>(0x80070005), "Failed. HRESULT = "));
-    EXPECT_TRUE(log.has(2, "Failed. HRESULT = -2147024891")) << log.text();
 }

@@ -5,7 +5,6 @@
 #include "support/filteredtoken.h"
 #include "support/logcapture.h"
 #include "support/thrown.h"
-#include "users/impersonatedscope.h"
 #include "vxtl-process/users/useraccount.h"
 #include "vxtl-process/users/useraccountpropertiesimpl.h"
 #include "vxtl-process/users/usersessions.h"
@@ -88,12 +87,6 @@ TEST(UserAccountProperties, asksNoControllerForALocalAccount)
         EXPECT_NO_THROW(UserAccountPropertiesImpl(UserAccount(domain, L"joe"), driver).isAdmin());
     EXPECT_THAT(driver.queries, Each(L"-/joe/1"));
     EXPECT_FALSE(isLocalDomain(L"..") || isLocalDomain(L"HEREABOUTS"));
-}
-
-TEST(ImpersonatedScope, refusesWhatIsNoToken)
-{
-    const KernelHandle noToken(CreateEventW(nullptr, TRUE, FALSE, nullptr));
-    EXPECT_THROW(ImpersonatedScope(noToken.get()), Win32Exception);
 }
 
 TEST(EffectiveAdminRights, countsADenyOnlyGroupToo)

@@ -1,5 +1,7 @@
 #include "logreading/logreader.h"
 
+#include "vxtl/handle.h"
+
 #include <fstream>
 #include <gmock/gmock.h>
 #include <windows.h>
@@ -19,10 +21,11 @@ protected:
         for (const char character : text)
             stream.put(character).put('\0');
     }
-    std::string read()
+    std::string read() { return read(m_reader); }
+    static std::string read(LogReader& reader)
     {
         std::string lines;
-        m_reader.read([&](std::string_view line) { (lines += line) += ' '; });
+        reader.read([&](std::string_view line) { (lines += line) += ' '; });
         return lines;
     }
 
@@ -57,6 +60,32 @@ TEST_F(LogReaderTest, knowsOlderFilesBehindAMissingNumber)
     EXPECT_TRUE(m_reader.rewind()) << "within a rotation there is no current file";
     write("a.log", "3\n");
     EXPECT_EQ(read(), "1 2 3 ");
+}
+
+TEST_F(LogReaderTest, passesOverWhatCannotBeOpenedAndKeepsItsPlace)
+{
+    const auto hold = [&](const char* name) {
+        return vx::KernelHandle(
+            CreateFileW((m_folder / name).c_str(), GENERIC_WRITE, 0, nullptr, OPEN_EXISTING, 0, nullptr));
+    };
+    int count = 0;
+    LogReader reader(m_folder / "a.log", [&](const auto&) { ++count; });
+    write("a.2.log", "1\n");
+    write("a.1.log", "2\n");
+    write("a.log", "3\n");
+    {
+        const auto oldest = hold("a.2.log"), current = hold("a.log");
+        EXPECT_TRUE(reader.rewind());
+        EXPECT_EQ(read(reader), "2 ");
+        EXPECT_GE(count, 2);
+    }
+    EXPECT_EQ(read(reader), "3 ");
+    {
+        const auto current = hold("a.log");
+        EXPECT_EQ(read(reader), "");
+    }
+    write("a.log", "4\n", std::ios::app);
+    EXPECT_EQ(read(reader), "4 ");
 }
 
 } // namespace

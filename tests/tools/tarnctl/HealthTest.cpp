@@ -136,6 +136,9 @@ TEST(Why, saysWhatKeepsAStartAndWhenTheNextIsDue)
     facts.stopRequest.value = StopRequest{true, true};
     facts.rebootDue.value = facts.now;
     EXPECT_EQ(conditions(facts, Subject::Reboot).back(), "one is forced now");
+    facts.queued = {{}, "element 1: no text", true};
+    EXPECT_THAT(conditions(facts, Subject::Install),
+        testing::Contains("the deployment queue can't be read: element 1: no text"));
 }
 
 TEST(Health, tellsWhatCouldNotBeReadFromWhatIsWrong)

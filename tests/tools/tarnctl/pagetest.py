@@ -54,7 +54,10 @@ addEventListener("load", async () => {
         states.push({address: location.hash, rows: all(".row", text), here: all(".here", text),
             count: text(document.getElementById("count")), bad: all("#search.bad", text).length,
             lanes: all(".lane", lane => [lane.title, lane.style.left, lane.style.background]),
-            findings: all("#findings li", text), bars: all("rect", text), marks: all("mark", text),
+            findings: all("#findings li", text), bars: all("rect", text), ticks: all("#chart line + text", text),
+            names: all("#chart text[x='0']", text),
+            hidden: all("#chart text[x='0']", name => all("rect", bar => bar.getBoundingClientRect().left)
+                .filter(left => left < name.getBoundingClientRect().right).length), marks: all("mark", text),
             parts: all("body > *", part => part.id).filter(id => id)});
     }
     document.body.textContent = "states: " + JSON.stringify(states) + ";";
@@ -97,6 +100,8 @@ class PageTest(unittest.TestCase):
                     "agent: failed, exit code 5, 2026-11-22 10:00:04.000",
                     "remote installation request: <ALL>'., 2026-11-22 10:00:04.000", "error, 2026-11-22 10:00:03.500"):
             self.assertIn(bar, page["bars"])
+        self.assertEqual((page["names"], page["hidden"]), (["plug-in", "agent", "requests", "errors"], [0] * 4))
+        self.assertEqual(page["ticks"][1], "2026-11-22 10:00:01.250")
         self.assertEqual(page["rows"], SHOWN)
         threads = [lane[0][-4:] for lane in page["lanes"]]
         self.assertEqual(threads, "0001 0001 0002 0002 0001 0002 0004 0004 0003 0003".split())

@@ -25,6 +25,12 @@ struct Options {
 struct Part {
     const char* name;
     std::vector<std::string> arguments;
+    std::filesystem::path source = {}; ///< what it reads, when that may be missing
+};
+
+struct Answer {
+    std::string text;
+    bool isComplete;
 };
 
 std::vector<Part> parts()
@@ -39,15 +45,22 @@ std::vector<Part> parts()
         {"keys.jsonl", {"--json", "keys"}},
         {"codes.txt", {"codes"}},
         {"tarnhd.log", {"log", "--colour", "never"}},
-        {"tarnag.log", {"log", "--colour", "never", "--file", vx::str::toUtf8(agentLog.native())}},
+        {"tarnag.log", {"log", "--colour", "never", "--file", vx::str::toUtf8(agentLog.native())}, agentLog},
     };
 }
 
-std::string outputOf(const Part& part)
+/// An agent that never ran has no log, and nothing of it could not be read.
+bool isMissing(const std::filesystem::path& source)
+{
+    std::error_code error;
+    return !source.empty() && std::filesystem::status(source, error).type() == std::filesystem::file_type::not_found;
+}
+
+Answer answerOf(const Part& part)
 {
     std::ostringstream output;
-    runCommandLine(part.arguments, allCommands(), output, output);
-    return output.str();
+    const auto code = runCommandLine(part.arguments, allCommands(), output, output);
+    return {output.str(), code != static_cast<int>(ExitCode::Unreadable) || isMissing(part.source)};
 }
 
 std::string redactLines(const std::string& text)
@@ -75,19 +88,32 @@ std::string versionsText()
     return text.str();
 }
 
+void report(const Context& context, const std::string& file, const std::vector<std::string>& incomplete)
+{
+    if (context.json) {
+        context.output << nlohmann::ordered_json{{"file", file}, {"incomplete", incomplete}}.dump() << '\n';
+        return;
+    }
+    context.output << "wrote " << file << "; passwords are hidden in it\n";
+    for (const auto& name : incomplete)
+        context.output << name << " in it says what could not be read\n";
+}
+
 ExitCode makeBundle(const Context& context, const Options& options)
 {
     Cabinet cabinet(std::filesystem::absolute(vx::str::fromUtf8(options.file)));
-    for (const auto& part : parts())
-        cabinet.add(part.name, redactLines(outputOf(part)));
+    std::vector<std::string> incomplete;
+    for (const auto& part : parts()) {
+        const auto answer = answerOf(part);
+        cabinet.add(part.name, redactLines(answer.text));
+        if (!answer.isComplete)
+            incomplete.emplace_back(part.name);
+    }
     cabinet.add("registry.txt", redactLines(registryText()));
     cabinet.add("versions.txt", versionsText());
     cabinet.finish();
-    if (context.json)
-        context.output << nlohmann::ordered_json{{"file", options.file}}.dump() << '\n';
-    else
-        context.output << "wrote " << options.file << "; passwords are hidden in it\n";
-    return ExitCode::Healthy;
+    report(context, options.file, incomplete);
+    return incomplete.empty() ? ExitCode::Healthy : ExitCode::Unreadable;
 }
 
 } // namespace

@@ -1,5 +1,4 @@
 #include "tarnctl/health/obstacles.h"
-
 #include "tarnctl/health/rows.h"
 
 #include <algorithm>

@@ -4,14 +4,16 @@
 #include "logreading/logreader.h"
 #include "tarnctl/log/console.h"
 #include "tarnctl/log/filter.h"
+#include "tarnctl/log/newfile.h"
 #include "tarnctl/log/pageoutput.h"
 #include "tarnctl/log/route.h"
 #include "tarnctl/log/textoutput.h"
 #include "tarnctl/log/traceoutput.h"
+#include "tarnctl/unread.h"
+#include "vxtl/scopeexit.h"
 #include "vxtl/str.h"
 
 #include <charconv>
-#include <fstream>
 #include <memory>
 
 namespace tarnctl::log {
@@ -83,16 +85,11 @@ Wanted wantedBy(const Options& options)
     return wanted;
 }
 
-/// The stream that the output writes to, when that is not the program's.
-std::unique_ptr<std::ofstream> openTarget(const Options& options)
+/// What is written instead of the program's output; null for that.
+std::unique_ptr<NewFile> newFileOf(const Options& options)
 {
     const auto& name = options.page.empty() ? options.trace : options.page;
-    if (name.empty())
-        return nullptr;
-    auto file = std::make_unique<std::ofstream>(std::filesystem::path(vx::str::fromUtf8(name)), std::ios::binary);
-    if (!*file)
-        throw CommandError(ExitCode::Unreadable, "cannot write " + name);
-    return file;
+    return name.empty() ? nullptr : std::make_unique<NewFile>(name);
 }
 
 std::unique_ptr<Output> makeOutput(const Options& options, const Context& context, std::ostream& stream)
@@ -107,32 +104,61 @@ std::unique_ptr<Output> makeOutput(const Options& options, const Context& contex
     return std::make_unique<TextOutput>(stream, coloured ? TextOutput::Colours::ByLevel : TextOutput::Colours::None);
 }
 
-ExitCode showLog(const Context& context, const Options& options)
+ExitCode printLog(const Context& context, const Options& options, const std::filesystem::path& path)
 {
-    const auto path =
-        options.file.empty() ? logreading::logLocation() : std::filesystem::absolute(vx::str::fromUtf8(options.file));
     Filter filter(wantedBy(options));
-    LogReader reader(path);
-    // Watching begins before reading, so that nothing written in between goes unnoticed.
-    DirectoryWatch watch(path.parent_path());
-    if (!reader.rewind() && !options.follow)
+    Unread unread;
+    const vx::ScopeExit saying([&] { unread.say(context.errors); });
+    LogReader reader(path, [&](const auto& exception) { unread.take(exception); });
+    if (!reader.rewind()) {
+        if (unread.any())
+            return ExitCode::Unreadable;
         throw CommandError(ExitCode::Unreadable, "there is no log " + vx::str::toUtf8Lossy(path.native()));
-    const auto file = openTarget(options);
-    auto& stream = file ? *file : context.output;
+    }
+    const auto file = newFileOf(options);
+    auto& stream = file ? file->stream() : context.output;
     const auto output = makeOutput(options, context, stream);
     const auto sink = route(filter, *output);
     reader.read(sink);
-    // Whoever reads a pipe may have had enough.
-    while (options.follow && stream) {
-        output->flush();
-        watch.wait(nullptr, recheckMs);
-        reader.read(sink);
-    }
     reader.finish(sink);
     output->end();
     if (!stream)
         throw CommandError(ExitCode::Unreadable, "the output cannot be written");
-    return ExitCode::Healthy;
+    if (file)
+        file->keep();
+    return unread.any() ? ExitCode::Unreadable : ExitCode::Healthy;
+}
+
+/// A file that can't be read now may be readable at the next look: a scanner of viruses holds it for a moment.
+ExitCode followLog(const Context& context, const Options& options, const std::filesystem::path& path)
+{
+    Filter filter(wantedBy(options));
+    Unread unread;
+    LogReader reader(path, [&](const auto& exception) { unread.take(exception); });
+    // Watching begins before reading, so that nothing written in between goes unnoticed.
+    DirectoryWatch watch(path.parent_path());
+    const auto output = makeOutput(options, context, context.output);
+    const auto sink = route(filter, *output);
+    // Whoever reads a pipe may have had enough.
+    for (bool isThere = false; context.output; watch.wait(nullptr, recheckMs)) {
+        try {
+            isThere = isThere || reader.rewind();
+            if (isThere)
+                reader.read(sink);
+        } catch (const vx::Win32Exception& exception) {
+            unread.take(exception);
+        }
+        output->flush();
+        unread.say(context.errors);
+    }
+    throw CommandError(ExitCode::Unreadable, "the output cannot be written");
+}
+
+ExitCode showLog(const Context& context, const Options& options)
+{
+    const auto path =
+        options.file.empty() ? logreading::logLocation() : std::filesystem::absolute(vx::str::fromUtf8(options.file));
+    return options.follow ? followLog(context, options, path) : printLog(context, options, path);
 }
 
 } // namespace

@@ -39,6 +39,8 @@ void addInstallation(std::vector<std::string>& lines, const Facts& facts)
     if (facts.queued.isKnown())
         lines.push_back(*facts.queued == 0 ? "the deployment queue is empty"
                                            : std::to_string(*facts.queued) + " items wait in the deployment queue");
+    else if (facts.storeTrouble.empty())
+        lines.push_back("the deployment queue can't be read: " + facts.queued.trouble);
     if (facts.task.isKnown())
         lines.push_back(
             facts.task->exists ? "a scheduled task queues more at its hour" : "no scheduled task queues any");

@@ -2,8 +2,10 @@
 
 #include "logreading/logreader.h"
 #include "tarnctl/health/gatherfacts.h"
+#include "tarnctl/unread.h"
 #include "tarnctl/why/conditions.h"
 #include "tarnctl/why/explanation.h"
+#include "vxtl/scopeexit.h"
 #include "vxtl/str.h"
 
 #include <map>
@@ -32,8 +34,12 @@ ExitCode tellWhy(const Context& context, const Options& options)
         if (const auto record = logreading::parseRecord(line))
             story.take(*record);
     };
-    logreading::LogReader reader(path);
+    Unread unread;
+    const vx::ScopeExit saying([&] { unread.say(context.errors); });
+    logreading::LogReader reader(path, [&](const auto& exception) { unread.take(exception); });
     const bool isThere = reader.rewind();
+    if (!isThere && unread.any())
+        return ExitCode::Unreadable;
     if (!options.file.empty() && !isThere)
         throw CommandError(ExitCode::Unreadable, "there is no log " + vx::str::toUtf8Lossy(path.native()));
     reader.read(sink);
@@ -57,7 +63,8 @@ ExitCode tellWhy(const Context& context, const Options& options)
                            << '\n';
         else
             context.output << "now: " << line << '\n';
-    return isThere && (!facts || facts->storeTrouble.empty()) ? ExitCode::Healthy : ExitCode::Unreadable;
+    const bool isComplete = isThere && !unread.any() && (!facts || facts->storeTrouble.empty());
+    return isComplete ? ExitCode::Healthy : ExitCode::Unreadable;
 }
 
 } // namespace

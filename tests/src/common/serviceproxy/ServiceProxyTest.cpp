@@ -44,7 +44,9 @@ TEST(ServiceProxy, startsAndStopsTheService)
     const auto never = Event::createManualResetEvent({}, false);
     EXPECT_TRUE(proxy.beginStop(30s, ServiceWait::Yes).wait(never.get()));
     EXPECT_EQ(proxy.getState(), ServiceState::Stopped);
-    EXPECT_EQ(codeOf([] { ServiceProxy(L"no such service").getState(); }), ERROR_SERVICE_DOES_NOT_EXIST);
+    const auto missing = support::thrown<Win32Exception>([] { ServiceProxy(L"no such service").getState(); });
+    EXPECT_EQ(missing.code(), ERROR_SERVICE_DOES_NOT_EXIST);
+    EXPECT_EQ(missing.reason(), L"Can't open service 'no such service' with access rights 4");
 }
 
 TEST(ServiceWaitLoop, endsWithTheStateTheTimeoutOrTheCancel)

@@ -7,13 +7,9 @@
 #include "support/machine.h"
 #include "support/record.h"
 #include "tarnhd/scheduler/scheduler.h"
-#include "tarnhd/scheduler/trigger.h"
 #include "vxtl/registry.h"
 
 #include <future>
-#include <windows.h>
-
-#include <objbase.h>
 
 namespace vx::tarn {
 namespace {
@@ -24,8 +20,6 @@ using support::Machine;
 const TarnpatchSettings keys{nullptr};
 const std::wstring enabledKey = TarnpatchStatus(nullptr).enabled.key();
 const std::wstring modeKey = keys.installation.automatic.mode.key();
-const std::wstring frequencyKey = keys.installation.automatic.frequency.key();
-const std::wstring hourKey = keys.installation.automatic.hour.key();
 
 /// On the stand-in for the Task Scheduler.
 class AutoInstallationTest : public testing::Test {
@@ -66,6 +60,10 @@ TEST_F(AutoInstallationTest, makesTheTaskAndOverwritesItInPlace)
     EXPECT_EQ(Machine::state().tasks.at(0).path, "\\Vantorix\\Tarnpatch\\task");
     EXPECT_EQ(Machine::definition()["Actions"], json::array({action}));
     EXPECT_EQ(Machine::definition()["Settings"]["StartWhenAvailable"], true);
+    EXPECT_EQ(Machine::definition()["Triggers"],
+        json::parse(R"([{"DaysInterval": 1, "Enabled": true, "Id": "trigger0", "StartBoundary": "2026-01-31T12:00:00",
+            "Type": 2}])"))
+        << "without an end";
     EXPECT_EQ(Machine::definition()["Principal"]["GroupId"], "NT AUTHORITY\\SYSTEM");
     EXPECT_TRUE(log.has(4, "Scheduler task \"task\" doesn't exist. It will be created.")) << log.text();
     store->setStringValue(modeKey, L"install_critical_and_important");
@@ -79,49 +77,6 @@ TEST_F(AutoInstallationTest, makesTheTaskAndOverwritesItInPlace)
     EXPECT_TRUE(installation.update()) << "one that can't be looked at";
     EXPECT_EQ(tasks(), 1u);
     EXPECT_EQ(log.count("The task has been created successfully."), 3u) << log.text();
-}
-
-TEST_F(AutoInstallationTest, triggersAtTheHourWithoutAnEnd)
-{
-    const struct {
-        const wchar_t* frequency;
-        std::int32_t hour;
-        const char* start;
-        json special;
-    } rows[] = {
-        {L"every_day", 12, "2026-01-31T12:00:00", {{"Type", 2}, {"DaysInterval", 1}}},
-        {L"every_monday", 7, "2026-02-01T07:00:00", {{"Type", 3}, {"WeeksInterval", 1}, {"DaysOfWeek", 2}}},
-        {L"every_sunday", 7, "2026-02-01T07:00:00", {{"Type", 3}, {"WeeksInterval", 1}, {"DaysOfWeek", 1}}},
-    };
-    for (const auto& row : rows) {
-        store->setInt32Value(hourKey, row.hour);
-        store->setStringValue(frequencyKey, row.frequency);
-        EXPECT_TRUE(installation.update());
-        json expected{{"Enabled", true}, {"Id", "trigger0"}, {"StartBoundary", row.start}};
-        expected.update(row.special);
-        EXPECT_EQ(Machine::definition()["Triggers"], json::array({expected}));
-    }
-    EXPECT_EQ(log.count("Set every day trigger"), 1u) << log.text();
-    EXPECT_EQ(log.count("Set weekly trigger"), 2u) << log.text();
-    EXPECT_EQ(makeTrigger(static_cast<FrequencyItem>(8), clock.now), nullptr);
-    EXPECT_TRUE(log.has(2, "Failed to get day of week. Frequency is 8")) << log.text();
-}
-
-TEST_F(AutoInstallationTest, removesTheTaskWhenSwitchedOff)
-{
-    const std::pair<bool, const wchar_t*> rows[] = {{false, L"install_critical"}, {true, L"disable"}};
-    for (const auto& [enabled, mode] : rows) {
-        store->setBoolValue(enabledKey, true);
-        store->setStringValue(modeKey, L"install_all");
-        EXPECT_TRUE(installation.update());
-        EXPECT_EQ(tasks(), 1u);
-        store->setBoolValue(enabledKey, enabled);
-        store->setStringValue(modeKey, mode);
-        EXPECT_TRUE(installation.update());
-        EXPECT_EQ(tasks(), 0u);
-    }
-    EXPECT_TRUE(installation.update());
-    EXPECT_EQ(log.count("Can't remove task with task name \"task\". The task isn't exists."), 1u) << log.text();
 }
 
 TEST_F(AutoInstallationTest, saysWhatFailedAndBeginsAnewAtTheNextUpdate)
@@ -152,17 +107,10 @@ TEST_F(AutoInstallationTest, saysWhatFailedAndBeginsAnewAtTheNextUpdate)
         EXPECT_EQ(tasks(), present);
         EXPECT_TRUE(installation.update());
     }
+    EXPECT_TRUE(installation.update());
+    EXPECT_EQ(log.count("Can't remove task with task name \"task\". The task isn't exists."), 2u) << log.text();
     EXPECT_EQ(log.count("Scheduler not initialized."), 2u) << log.text();
     EXPECT_EQ(log.count("Failed to set triggers."), 1u) << log.text();
-}
-
-TEST_F(AutoInstallationTest, saysThatTheThreadIsInNoApartment)
-{
-    CoUninitialize();
-    EXPECT_FALSE(installation.update());
-    EXPECT_EQ(CoInitializeEx(nullptr, COINIT_MULTITHREADED), S_OK);
-    EXPECT_TRUE(log.has(2, "Failed to find the Task Scheduler. HRESULT = -2147221008")) << log.text();
-    EXPECT_TRUE(installation.update());
 }
 
 TEST_F(AutoInstallationTest, leavesWhatTheLastChangeSaysWhenUpdatesMeet)

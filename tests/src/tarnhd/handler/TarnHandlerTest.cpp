@@ -15,7 +15,6 @@
 #include "support/logcapture.h"
 #include "support/record.h"
 #include "tarnhd/autoinstallation/autoinstallation.h"
-#include "tarnhd/currentoperations/currentoperations.h"
 #include "tarnhd/factory/tarnhdfactory.h"
 #include "tarnhd/manager/tarnpatchmanager.h"
 #include "tarnhd/wusstopper/triggerkey.h"
@@ -124,20 +123,6 @@ struct FakeAutoInstallation : AutoInstallation {
     support::Record& updates;
 };
 
-/// Publishes nothing.
-struct FakePublisher : CurrentOperations {
-    FakePublisher(const std::shared_ptr<settings::Settings>& settings, support::Record& p)
-        : CurrentOperations(settings), passes(p)
-    {}
-    void update() override
-    {
-        passes.add("pass");
-        std::exchange(whilePublishing, [] {})();
-    }
-    support::Record& passes;
-    std::function<void()> whilePublishing = [] {};
-};
-
 struct FakeTarnhdFactory : TarnhdFactory {
     explicit FakeTarnhdFactory(FakeCommonFactory& c) : TarnhdFactory(&c), common(c) {}
     std::shared_ptr<TarnpatchManager> createTarnpatchManager(
@@ -150,15 +135,8 @@ struct FakeTarnhdFactory : TarnhdFactory {
     {
         return std::make_shared<FakeAutoInstallation>(settings, common.taskUpdates);
     }
-    std::shared_ptr<CurrentOperations> createCurrentOperations(
-        const std::shared_ptr<settings::Settings>& settings) override
-    {
-        return publisher = std::make_shared<FakePublisher>(settings, passes);
-    }
     FakeCommonFactory& common;
-    support::Record passes;
     std::shared_ptr<FakeManager> manager;
-    std::shared_ptr<FakePublisher> publisher;
 };
 
 /// A handler over fakes, on a computer that has run it since the boot.
@@ -420,24 +398,6 @@ TEST_F(TarnHandlerTest, completesAFinishedDeploymentOnceThroughAFailureAndARunni
     handler.stop();
     expectEnd();
     EXPECT_EQ(log.count("waitPostRebootDeployCompleted: Stop event has been signaled"), 0u) << "the watch is over";
-}
-
-TEST(TarnHandler, makesOneMorePassForAChangeDuringAPassIfItRecovers)
-{
-    const auto& missing = statusKeys.scanning.lastScanning.missingUpdates;
-    for (const bool recovers : {false, true}) {
-        SCOPED_TRACE(recovers);
-        FakedHandler h;
-        h.store.set(keys.recovery.enabled, recovers);
-        h.beginAndWait();
-        h.factory->publisher->whilePublishing = [&] { h.store.set(missing, {1, 2}); };
-        h.store.set(missing, {1});
-        h.factory->passes.waitFor(recovers ? 2 : 1);
-        h.handler.stop();
-        h.expectEnd();
-        EXPECT_EQ(h.factory->passes.size(), recovers ? 2u : 1u);
-        EXPECT_EQ(h.log.count("Recovery: something has changed during the pass"), recovers ? 1u : 0u);
-    }
 }
 
 TEST(TarnHandler, catchesUpWithChangesOfTheDeploymentWaitThatItMissed)

@@ -49,10 +49,10 @@ TEST_F(RequestBookTest, aRoundAcknowledgesWhatWasSetBeforeItAndNothingElse)
         store->set(installKeys.ack, nullptr);
         for (const auto reason : row.set)
             book->set(reason);
+        store->set(scanKeys.start, 2);
         {
             const auto round = book->take();
             EXPECT_EQ(round->reason(), row.reason);
-            store->set(scanKeys.start, 2);
             for (const auto reason : row.withdrawn)
                 book->withdraw(reason);
             for (const auto reason : row.setMeanwhile)
@@ -94,6 +94,20 @@ TEST_F(RequestBookTest, givesUpAfterThreeRunsOrThreeAttemptsUntilTheValueChanges
         run();
     EXPECT_EQ(serve(), LeaveFromNowOn) << "three runs before the first look";
     EXPECT_EQ(book->judge(installation, 11).verdict, Serve) << "each request for itself";
+}
+
+TEST_F(RequestBookTest, countsAnAttemptThatAnOutageEndsOnlyOnceItHasAskedForAStart)
+{
+    for (const bool asks : {false, true}) {
+        SCOPED_TRACE(asks);
+        for (int i = 0; i < 4; ++i) {
+            const auto expected = asks && i == 3 ? RequestBook::Verdict::LeaveFromNowOn : RequestBook::Verdict::Serve;
+            EXPECT_EQ(book->judge(scan, asks).verdict, expected);
+            if (asks)
+                book->set(scan);
+            book->withdraw(scan);
+        }
+    }
 }
 
 } // namespace

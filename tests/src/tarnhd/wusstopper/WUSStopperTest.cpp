@@ -115,13 +115,6 @@ protected:
     std::optional<WUSStopper> stopper;
 };
 
-TEST(RebootRequest, isNotDueBehindTheEndOfTime)
-{
-    constexpr Ticks most = std::numeric_limits<Ticks>::max();
-    EXPECT_FALSE((RebootRequest{1, std::chrono::seconds(most)}.isDue(most)));
-    EXPECT_TRUE((RebootRequest{1, std::chrono::seconds(-most)}.isDue(0)));
-}
-
 TEST_F(WUSStopperTest, stopsTheServiceThenWaitsThenRebootsUntilTheSystemObeys)
 {
     makeKey();
@@ -159,6 +152,32 @@ TEST_F(WUSStopperTest, goesOnStoppingTheServiceButRebootsNeitherPastTheUserNorWi
     makeKey(0);
     EXPECT_TRUE(round());
     EXPECT_EQ(system.rebootsAsked, 0);
+}
+
+TEST_F(WUSStopperTest, rebootsBehindTheDeadlineOnlyAndNeverForARequestThatCannotBeRead)
+{
+    const auto key = [&] { return registry->createKey(triggerKey); };
+    const std::function<void()> noTime = [] {}, text = [&] { key()->setStringValue(triggerTimeValue, L"1"); },
+                                number = [&] { key()->setInt32Value(triggerTimeValue, 1); };
+    constexpr std::int64_t most = std::numeric_limits<std::int64_t>::max();
+    const struct {
+        std::int64_t forceInSeconds, created;
+        bool isDue;
+        std::function<void()> write = {};
+    } rows[] = {{0, created, false}, {0, created - 1, true}, {-1, created - 24 * 3600 - 1, true},
+        {-1, created - 24 * 3600, false}, {-2, created, true}, {0, created + 1, false}, {most, 1, false},
+        {-most, 1, true}, {-2, 0, false}, {-2, 1, false, noTime}, {-2, 1, false, text}, {-2, 1, false, number}};
+    clock.now = created * ticksPerSecond;
+    for (const auto& row : rows) {
+        SCOPED_TRACE(testing::Message() << row.forceInSeconds << ' ' << row.created);
+        store->setInt64Value(keys.installation.reboot.forceInSeconds.key(), row.forceInSeconds);
+        removeKey();
+        key();
+        system.rebootsAsked = 0;
+        row.write ? row.write() : makeKey(row.created);
+        EXPECT_TRUE(round());
+        EXPECT_EQ(system.rebootsAsked, row.isDue);
+    }
 }
 
 TEST_F(WUSStopperTest, armsTheWatchAnewBeforeEachWaitAndPollsWhereThatFails)
@@ -213,19 +232,6 @@ TEST_F(WUSStopperTest, findsAKeyThatCameWhileTheWatchWasArmed)
     system.onArm = [this](const IWaitable&) { makeKey(); };
     thread().start();
     EXPECT_TRUE(log.waitFor("WUS not running")) << log.text();
-}
-
-TEST_F(WUSStopperTest, seesTheKeyThatSomebodyMakes)
-{
-    system.onArm = nullptr;
-    thread().start();
-    ASSERT_TRUE(log.waitFor("Prepared registry change notification handle")) << log.text();
-    makeKey();
-    EXPECT_TRUE(log.waitFor("WUS not running")) << log.text();
-    stopper->stop();
-    stopper->stop();
-    EXPECT_EQ(log.count("WUS stopper stopped"), 2u);
-    EXPECT_EQ(log.count("WUS poll thread exited"), 1u);
 }
 
 TEST_F(WUSStopperTest, aStopEndsTheWaitForTheService)
