@@ -187,7 +187,7 @@ class PackageTest(unittest.TestCase):
         def check(rows):
             (place / "tests.txt").write_text(rows, newline="\r\n")
             return subprocess.run([str(ROOT / "run"), "wine", "cmd", "/c", "check.cmd"], cwd=place,
-                                  env={**os.environ, "TARNHD_TEST_SECONDS": "2"}, stdout=subprocess.DEVNULL).returncode
+                                  env={**os.environ, "TARNHD_TEST_SECONDS": "10"}, stdout=subprocess.DEVNULL).returncode
 
         self.assertEqual(check("machine some-tests Case.passes\nnever other-tests it harms\n"), 0)
         self.assertEqual(check("# x\nanywhere some-tests Case.*\nanywhere none-tests\nnever other-tests it harms\n"), 1)
